@@ -1,0 +1,52 @@
+// RAII holder for scratch memory from the core allocator.
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "zel/runtime.h"
+
+namespace zel {
+
+// Owns `count` elements of T from zel_serv_malloc; frees them on every path.
+template <class T> class scratch_array {
+public:
+    scratch_array() = default;
+    scratch_array(size_t count, int alignment)
+        : data_(static_cast<T *>(zel_serv_malloc(count * sizeof(T), alignment))), count_(count)
+    {
+    }
+    scratch_array(const scratch_array &) = delete;
+    scratch_array &operator=(const scratch_array &) = delete;
+    scratch_array(scratch_array &&other) noexcept
+        : data_(std::exchange(other.data_, nullptr)), count_(std::exchange(other.count_, 0))
+    {
+    }
+    scratch_array &operator=(scratch_array &&other) noexcept
+    {
+        if (this != &other) {
+            zel_serv_free(data_);
+            data_ = std::exchange(other.data_, nullptr);
+            count_ = std::exchange(other.count_, 0);
+        }
+        return *this;
+    }
+    ~scratch_array() { zel_serv_free(data_); }
+
+    explicit operator bool() const { return data_ != nullptr; }
+    T *get() const { return data_; }
+    T &operator[](size_t i) const { return data_[i]; }
+    size_t size() const { return count_; }
+    // Hands ownership to the caller (for arrays that outlive the function).
+    T *release()
+    {
+        count_ = 0;
+        return std::exchange(data_, nullptr);
+    }
+
+private:
+    T *data_ = nullptr;
+    size_t count_ = 0;
+};
+
+} // namespace zel

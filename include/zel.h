@@ -1,0 +1,11 @@
+/* Zelmath: umbrella header. Link with -lzel_core -lzel_sequential. */
+#ifndef ZEL_H
+#define ZEL_H
+
+#include "zel/platform.h"
+#include "zel/runtime.h"
+#include "zel/serv.h"
+#include "zel/dense_kernels.h"
+#include "zel/sparse_types.h"
+
+#endif

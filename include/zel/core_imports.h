@@ -1,0 +1,8 @@
+/* Everything the sequential layer imports from the core object, by name. */
+#ifndef ZEL_CORE_IMPORTS_H
+#define ZEL_CORE_IMPORTS_H
+
+#include "zel/runtime.h"
+#include "zel/dense_kernels.h"
+
+#endif

@@ -1,0 +1,148 @@
+/* Zelmath sparse BLAS: the matrix handle, its storage records and the shared codes.
+ * Every record exists in an _i4 form (32-bit indices and counts) and an _i8 form (64-bit). */
+#ifndef ZEL_SPARSE_TYPES_H
+#define ZEL_SPARSE_TYPES_H
+
+#include "zel/platform.h"
+
+/* Status values returned by every sparse function. */
+#define ZEL_SPARSE_STATUS_SUCCESS 0
+#define ZEL_SPARSE_STATUS_NOT_INITIALIZED 1
+#define ZEL_SPARSE_STATUS_ALLOC_FAILED 2
+#define ZEL_SPARSE_STATUS_INVALID_VALUE 3
+#define ZEL_SPARSE_STATUS_INTERNAL_ERROR 5
+#define ZEL_SPARSE_STATUS_NOT_SUPPORTED 6
+
+/* Value type codes of the handle's data_type (note the order: d, s, z, c). */
+#define ZEL_SPARSE_DATA_D 0
+#define ZEL_SPARSE_DATA_S 1
+#define ZEL_SPARSE_DATA_Z 2
+#define ZEL_SPARSE_DATA_C 3
+
+/* Storage formats. */
+#define ZEL_SPARSE_FORMAT_COO 0
+#define ZEL_SPARSE_FORMAT_CSR 1
+#define ZEL_SPARSE_FORMAT_CSC 2
+#define ZEL_SPARSE_FORMAT_BSR 3
+
+/* Operations. */
+#define ZEL_SPARSE_OPERATION_NON_TRANSPOSE 10
+#define ZEL_SPARSE_OPERATION_TRANSPOSE 11
+#define ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE 12
+
+/* Matrix types of a descriptor. */
+#define ZEL_SPARSE_MATRIX_TYPE_GENERAL 20
+#define ZEL_SPARSE_MATRIX_TYPE_SYMMETRIC 21
+#define ZEL_SPARSE_MATRIX_TYPE_HERMITIAN 22
+#define ZEL_SPARSE_MATRIX_TYPE_TRIANGULAR 23
+#define ZEL_SPARSE_MATRIX_TYPE_DIAGONAL 24
+#define ZEL_SPARSE_MATRIX_TYPE_BLOCK_TRIANGULAR 25
+#define ZEL_SPARSE_MATRIX_TYPE_BLOCK_DIAGONAL 26
+
+/* Fill modes. */
+#define ZEL_SPARSE_FILL_MODE_LOWER 40
+#define ZEL_SPARSE_FILL_MODE_UPPER 41
+#define ZEL_SPARSE_FILL_MODE_FULL 42
+
+/* Diagonal kinds. */
+#define ZEL_SPARSE_DIAG_NON_UNIT 50
+#define ZEL_SPARSE_DIAG_UNIT 51
+
+/* Dense operand layouts. */
+#define ZEL_SPARSE_LAYOUT_ROW_MAJOR 101
+#define ZEL_SPARSE_LAYOUT_COLUMN_MAJOR 102
+
+/* Index bases. */
+#define ZEL_SPARSE_INDEX_BASE_ZERO 0
+#define ZEL_SPARSE_INDEX_BASE_ONE 1
+
+/* Stages of the sparse-result product. */
+#define ZEL_SPARSE_STAGE_FULL_MULT 90
+#define ZEL_SPARSE_STAGE_NNZ_COUNT 91
+#define ZEL_SPARSE_STAGE_FINALIZE_MULT 92
+#define ZEL_SPARSE_STAGE_FULL_MULT_NO_VAL 93
+
+/* Matrix descriptor: passed by value. */
+typedef struct {
+    int32_t type;
+    int32_t mode;
+    int32_t diag;
+} zel_sparse_matrix_descr;
+
+#define ZEL_SPARSE_DECLARE_RECORDS(W, I)                                                                 \
+    /* Three-array record (CSR, CSC, BSR). */                                                            \
+    typedef struct zel_sparse_csr_record_##W {                                                           \
+        I sorted;                                                                                        \
+        I rows;                                                                                          \
+        I cols;                                                                                          \
+        I nnz;                                                                                           \
+        I index_base;                                                                                    \
+        I block_size;                                                                                    \
+        I block_layout;                                                                                  \
+        I owns_arrays;                                                                                   \
+        I inplace_copy;                                                                                  \
+        I is_sycl_cpu;                                                                                   \
+        I three_array;                                                                                   \
+        I *rows_start;                                                                                   \
+        I *rows_end;                                                                                     \
+        I *col_indx;                                                                                     \
+        void *values;                                                                                    \
+        void *aux;                                                                                       \
+        void *opt_record;                                                                                \
+        void *opt_words;                                                                                 \
+    } zel_sparse_csr_record_##W;                                                                         \
+    /* Coordinate record (COO). */                                                                       \
+    typedef struct zel_sparse_coo_record_##W {                                                           \
+        I sorted;                                                                                        \
+        I rows;                                                                                          \
+        I cols;                                                                                          \
+        I nnz;                                                                                           \
+        I index_base;                                                                                    \
+        I owns_arrays;                                                                                   \
+        I inplace_copy;                                                                                  \
+        I is_sycl_cpu;                                                                                   \
+        I *row_indx;                                                                                     \
+        I *col_indx;                                                                                     \
+        void *values;                                                                                    \
+    } zel_sparse_coo_record_##W;                                                                         \
+    /* Element of a procedure list, built by an inspector, read by the executors. */                     \
+    typedef struct zel_sparse_proc_node_##W {                                                            \
+        int32_t operation;                                                                               \
+        int32_t matrix_type;                                                                             \
+        int32_t fill_mode;                                                                               \
+        int32_t diag;                                                                                    \
+        int32_t reserved;                                                                                \
+        int32_t dense_layout;                                                                            \
+        void *inspector_data[4];                                                                         \
+        int (*procedure)(struct zel_sparse_proc_node_##W *node, ...);                                    \
+        struct zel_sparse_proc_node_##W *next;                                                           \
+    } zel_sparse_proc_node_##W;                                                                          \
+    /* The sparse matrix handle. */                                                                      \
+    typedef struct zel_sparse_matrix_##W {                                                               \
+        int32_t data_type;                                                                               \
+        int32_t format;                                                                                  \
+        int32_t block_layout_request; /* block layout given at creation (BSR) */                          \
+        int32_t hint_flags;           /* bit 0 mv hint, bit 1 mm hint, bit 2 memory hint recorded */      \
+        I rows;                                                                                          \
+        I cols;                                                                                          \
+        void *data;                                                                                      \
+        zel_sparse_csr_record_##W *transposed;                                                           \
+        int64_t mv_hint[3];  /* operation, matrix type, expected calls */                                \
+        int64_t mm_hint[4];  /* operation, matrix type, layout, expected calls */                        \
+        int64_t memory_hint; /* memory policy code */                                                    \
+        zel_sparse_proc_node_##W *trsv_list;                                                             \
+        zel_sparse_proc_node_##W *trsm_list;                                                             \
+        zel_sparse_proc_node_##W *mv_list;                                                               \
+        zel_sparse_proc_node_##W *dotmv_list;                                                            \
+        zel_sparse_proc_node_##W *mm_list;                                                               \
+        zel_sparse_proc_node_##W *symgs_list;                                                            \
+        zel_sparse_proc_node_##W *reserved_list;                                                         \
+        zel_sparse_proc_node_##W *sorv_list;                                                             \
+    } zel_sparse_matrix_##W;
+
+ZEL_SPARSE_DECLARE_RECORDS(i4, int32_t)
+ZEL_SPARSE_DECLARE_RECORDS(i8, int64_t)
+
+#undef ZEL_SPARSE_DECLARE_RECORDS
+
+#endif
