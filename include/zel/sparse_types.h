@@ -69,6 +69,26 @@ typedef struct {
     int32_t diag;
 } zel_sparse_matrix_descr;
 
+/* First optimisation sub-record of a transposed record; its two sub-records (three and four
+ * pointer-sized words) and the record itself come from zel_serv_malloc and are freed with it. */
+typedef struct {
+    void *word;
+    int32_t value;
+    int32_t flag_a;     /* 0 when created */
+    int32_t flag_b;     /* 1 when created */
+    void *sub_three;    /* three zero-filled pointer-sized words */
+    void *sub_four;     /* four zero-filled pointer-sized words */
+    void *extra;        /* null when created */
+} zel_sparse_opt_record;
+
+/* Second optimisation sub-record: thirteen pointer-sized words, zero-filled when created. */
+typedef struct {
+    void *words[13];
+} zel_sparse_opt_words;
+
+/* Ownership: handles, records, procedure nodes and sub-records come from zel_serv_malloc and
+ * are released by the core's zel_sparse_destroy_*. A record with owns_arrays = 1 is in
+ * three-array form and owns rows_start, col_indx (row_indx for COO), values and aux. */
 #define ZEL_SPARSE_DECLARE_RECORDS(W, I)                                                                 \
     /* Three-array record (CSR, CSC, BSR). */                                                            \
     typedef struct zel_sparse_csr_record_##W {                                                           \
@@ -88,8 +108,8 @@ typedef struct {
         I *col_indx;                                                                                     \
         void *values;                                                                                    \
         void *aux;                                                                                       \
-        void *opt_record;                                                                                \
-        void *opt_words;                                                                                 \
+        zel_sparse_opt_record *opt_record;                                                               \
+        zel_sparse_opt_words *opt_words;                                                                 \
     } zel_sparse_csr_record_##W;                                                                         \
     /* Coordinate record (COO). */                                                                       \
     typedef struct zel_sparse_coo_record_##W {                                                           \
