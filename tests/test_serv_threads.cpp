@@ -82,6 +82,7 @@ TEST(ThreadQueries, AnswerOneThreadWhateverTheEnvironment)
                                         std::printf("%d %d", ones, zel_serv_omp_in_parallel());
                                         return 0;
                                     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     EXPECT_EQ(child.out, "11 0");
 }
 
@@ -159,6 +160,7 @@ TEST(EnvironmentScan, RecordedOncePerProcess)
         std::printf("%s|%s", settings_text(before).c_str(), settings_text(after).c_str());
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     const std::string expected = settings_text(with(unset, &zel_thread_settings::num_threads, 4));
     EXPECT_EQ(child.out, expected + "|" + expected);
 }
@@ -197,6 +199,7 @@ TEST(ProcessesPerNode, CachedForTheProcessIncludingMinusOne)
         std::printf("%d %d", first, zel_serv_mpi_get_ppn());
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     EXPECT_EQ(child.out, "2 2");
     const auto unset_child = run_in_child({}, [] {
         const int first = zel_serv_mpi_get_ppn();
@@ -204,6 +207,7 @@ TEST(ProcessesPerNode, CachedForTheProcessIncludingMinusOne)
         std::printf("%d %d", first, zel_serv_mpi_get_ppn());
         return 0;
     });
+    EXPECT_EQ(unset_child.exit_code, 0) << unset_child.err;
     EXPECT_EQ(unset_child.out, "-1 -1");
     // The topology probe's scan is what fills the cache.
     const auto probe_child = run_in_child({{"ZEL_MPI_PPN", "2"}}, [] {
@@ -212,6 +216,7 @@ TEST(ProcessesPerNode, CachedForTheProcessIncludingMinusOne)
         std::printf("%d", zel_serv_mpi_get_ppn());
         return 0;
     });
+    EXPECT_EQ(probe_child.exit_code, 0) << probe_child.err;
     EXPECT_EQ(probe_child.out, "2");
 }
 

@@ -34,6 +34,7 @@ std::string call_settings(const environment &env, double seconds)
         zel_serv_print_verbose_info(1, "dgetrf(3,3)", seconds);
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     const auto lines = lines_of(child.out);
     EXPECT_EQ(lines.size(), 2u) << child.out;
     const std::string prefix = "ZEL_VERBOSE dgetrf(3,3) ";
@@ -77,6 +78,7 @@ TEST(VerboseLine, TimeFormatsAtTheirBoundaries)
             zel_serv_print_verbose_info(0, "call", c.first);
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     const auto lines = lines_of(child.out);
     ASSERT_EQ(lines.size(), cases.size() + 1) << child.out;
     EXPECT_EQ(count_banners(lines), 1);
@@ -113,7 +115,8 @@ TEST(VerboseBanner, ReadsAsItsPartsAndNamesTheInterface)
             zel_serv_print_verbose_info(iface, "x", 1.0);
             return 0;
         });
-        const auto lines = lines_of(child.out);
+        EXPECT_EQ(child.exit_code, 0) << child.err;
+    const auto lines = lines_of(child.out);
         ASSERT_EQ(lines.size(), 2u) << child.out;
         EXPECT_EQ(lines[0], expected_banner(word)) << iface;
         EXPECT_EQ(child.err, "");
@@ -133,6 +136,7 @@ TEST(VerboseBanner, PrintedOnceAcrossThreads)
             t.join();
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0) << child.err;
     const auto lines = lines_of(child.out);
     ASSERT_EQ(lines.size(), 201u);
     EXPECT_EQ(count_banners(lines), 1);
@@ -153,6 +157,7 @@ TEST(VerboseOutput, AppendsToTheNamedFile)
         zel_serv_print_verbose_info(1, "second", 0.0005);
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0);
     EXPECT_EQ(child.out, "");
     EXPECT_EQ(child.err, "");
     const auto lines = lines_of(zel::test::slurp_and_remove(path));
@@ -170,6 +175,7 @@ TEST(VerboseOutput, UnwritableFileFallsBackToStdoutWithAWarningPerAttempt)
         zel_serv_print_verbose_info(0, "second", 0.0);
         return 0;
     });
+    EXPECT_EQ(child.exit_code, 0);
     const auto out = lines_of(child.out);
     ASSERT_EQ(out.size(), 3u) << child.out;
     EXPECT_EQ(out[0], expected_banner(""));

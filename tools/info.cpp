@@ -80,7 +80,7 @@ void print_threading()
     if (ppn > 0)
         print_count("MPI processes per node", ppn);
     else
-        print_row("MPI processes per node", "unknown (no MPI runtime variable set)");
+        print_row("MPI processes per node", "unknown (no MPI runtime variable gives it)");
 }
 
 void print_environment()
@@ -112,6 +112,9 @@ void print_reproducibility()
     std::printf("\nsettings\n");
     print_row("reproducibility (ZEL_CBWR)", text);
     print_row("fast memory manager", zel_serv_get_fast_mm_status() == 0 ? "on" : "off");
+    const char *verbose_file = zel_serv_verbose_output_file_mode();
+    const bool to_file = verbose_file != nullptr && verbose_file[0] != '\0';
+    print_row("verbose output", to_file ? verbose_file : "standard output");
 }
 
 int run_info(int argc, char **argv)
