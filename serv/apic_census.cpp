@@ -31,16 +31,12 @@ cpuid_registers cpuid(unsigned leaf, unsigned subleaf)
     return r;
 }
 
-// Leaf 4's cores-per-package field is only meaningful on this vendor's processors.
+// Leaf 4's cores-per-package field is only meaningful for the one vendor whose leaf-0
+// identification registers hold these words.
 bool topology_leaves_supported()
 {
     const cpuid_registers r = cpuid(0, 0);
-    char vendor[13];
-    std::memcpy(vendor, &r.ebx, 4);
-    std::memcpy(vendor + 4, &r.edx, 4);
-    std::memcpy(vendor + 8, &r.ecx, 4);
-    vendor[12] = '\0';
-    return std::strcmp(vendor, "GenuineIntel") == 0;
+    return r.ebx == 0x756e6547u && r.edx == 0x49656e69u && r.ecx == 0x6c65746eu;
 }
 
 // Widths of the SMT and core fields of an APIC identifier.
