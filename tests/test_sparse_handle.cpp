@@ -201,6 +201,12 @@ TYPED_TEST(SparseHandle, EmptyMatricesAndFourArrayForm)
     expect_same(m, read_handle<T, I>(copy), "compacted copy");
     ASSERT_EQ(A::convert_csr(h, 12, &converted), 0);
     expect_same(apply(m, 12), read_handle<T, I>(converted), "four-array transposed");
+    EXPECT_EQ(static_cast<typename A::csr_record *>(converted->data)->nnz, I(c.index.size()));
+    typename A::coo_record coo{};
+    ASSERT_EQ(A::to_coo(h, 10, &coo), 0);
+    EXPECT_EQ(coo.nnz, I(c.index.size()));
+    expect_same(m, read_coo<T>(coo), "four-array to coo");
+    free_arrays(coo);
     EXPECT_EQ(A::destroy(converted), 0);
     EXPECT_EQ(A::destroy(copy), 0);
     EXPECT_EQ(A::destroy(h), 0);

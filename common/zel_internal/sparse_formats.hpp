@@ -232,7 +232,7 @@ template <class T, class I> int build_compressed(const source_view<I> &a, int op
     out.sorted = slices_sorted(starts.get(), index.get(), slices, a.base);
     out.rows = I(m);
     out.cols = I(n);
-    out.nnz = I(nnz);
+    out.nnz = starts[slices] - a.base; // a four-array source may leave gaps uncounted
     out.index_base = a.base;
     out.block_size = 1;
     out.owns_arrays = 1;
@@ -278,7 +278,7 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
     out.sorted = sorted;
     out.rows = I(m);
     out.cols = I(n);
-    out.nnz = I(nnz);
+    out.nnz = I(k);
     out.index_base = a.base;
     out.owns_arrays = 1;
     out.inplace_copy = 1;
