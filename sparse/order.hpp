@@ -90,12 +90,15 @@ template <class T, class I> int do_order(handle_t<I> *A)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     if (A->data == nullptr)
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
-    if (A->format == ZEL_SPARSE_FORMAT_COO) {
-        coo_t<I> &r = *static_cast<coo_t<I> *>(A->data);
-        return r.sorted != 0 ? ZEL_SPARSE_STATUS_SUCCESS : order_coo<T, I>(r);
-    }
-    csr_t<I> &r = *static_cast<csr_t<I> *>(A->data);
-    return r.sorted != 0 ? ZEL_SPARSE_STATUS_SUCCESS : order_compressed<T, I>(r, A->format);
+    const bool coo = A->format == ZEL_SPARSE_FORMAT_COO;
+    if ((coo ? static_cast<coo_t<I> *>(A->data)->sorted : static_cast<csr_t<I> *>(A->data)->sorted) != 0)
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    source_view<I> view;
+    if (!view_of(A, view))
+        return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    if (coo)
+        return order_coo<T, I>(*static_cast<coo_t<I> *>(A->data));
+    return order_compressed<T, I>(*static_cast<csr_t<I> *>(A->data), A->format);
 }
 
 template <class I> int order_any(handle_t<I> *A)

@@ -273,6 +273,15 @@ TYPED_TEST(SparseHandleErrors, EntryPointsReportTheirStatus)
     EXPECT_EQ(A::copy(h, &out), 5);
     EXPECT_EQ(A::convert_csr(h, 10, &out), 5);
     h->data = data;
+    // A record whose offsets were taken away through the setters is reported, not read.
+    auto &r = *static_cast<typename A::csr_record *>(h->data);
+    I *kept_ends = r.rows_end;
+    r.rows_end = nullptr;
+    EXPECT_EQ(A::copy(h, &out), 5);
+    EXPECT_EQ(A::to_coo(h, 10, &coo), 5);
+    r.sorted = 0;
+    EXPECT_EQ(A::do_order(h), 5);
+    r.rows_end = kept_ends;
     EXPECT_EQ(A::destroy(h), 0);
 }
 
