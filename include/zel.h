@@ -7,5 +7,6 @@
 #include "zel/serv.h"
 #include "zel/dense_kernels.h"
 #include "zel/sparse_types.h"
+#include "zel/sparse_handle.h"
 
 #endif
