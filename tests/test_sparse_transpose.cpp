@@ -31,6 +31,13 @@ const shape shapes[] = {{ZEL_SPARSE_FORMAT_CSR, 1, 9, 13}, {ZEL_SPARSE_FORMAT_CS
                         {ZEL_SPARSE_FORMAT_BSR, 3, 4, 5},  {ZEL_SPARSE_FORMAT_CSR, 1, 1, 1}};
 
 template <class T> const T *values_of(const void *p) { return static_cast<const T *>(p); }
+template <class T> T conj_value(T v)
+{
+    if constexpr (is_complex_value<T>)
+        return std::conj(v);
+    else
+        return v;
+}
 
 // The transposed record holds op(A) in A's format, sorted, with the documented fields.
 template <class T, class I>
@@ -175,6 +182,72 @@ TYPED_TEST(SparseTranspose, KernelPartsGiveTheSameArrays)
                 EXPECT_EQ(in, i1) << nparts << " parts";
                 EXPECT_EQ(vn, v1) << nparts << " parts";
             }
+        }
+}
+
+// Wide, scattered patterns take the kernel's staged two-pass scatter when it has one part;
+// several parts and a refused staging buffer take the direct one. All give the same arrays.
+TYPED_TEST(SparseTranspose, KernelWideScatteredPatterns)
+{
+    using T = typename TypeParam::value;
+    using I = typename TypeParam::index;
+    using api = typename TypeParam::api;
+    std::mt19937_64 rng(29);
+    const I n_in = 1500, n_out = 70001;
+    for (I base : {0, 1})
+        for (bool with_values : {true, false}) {
+            compressed<T, I> a;
+            a.starts.push_back(base);
+            std::uniform_int_distribution<int64_t> col(0, n_out - 1);
+            for (I i = 0; i < n_in; ++i) {
+                std::vector<I> row;
+                for (int k = 0; k < (i % 7 == 0 ? 0 : 9); ++k)
+                    row.push_back(static_cast<I>(col(rng)));
+                std::sort(row.begin(), row.end());
+                for (I j : row) {
+                    a.indices.push_back(j + base);
+                    if (with_values)
+                        a.values.push_back(random_value<T>(rng));
+                }
+                a.starts.push_back(static_cast<I>(a.indices.size()) + base);
+            }
+            const I nnz = static_cast<I>(a.indices.size());
+            auto run = [&](I nparts, bool refuse_staging, std::vector<I> &o, std::vector<I> &ix, std::vector<T> &v) {
+                o.assign(n_out + 1, -3);
+                ix.assign(nnz, -3);
+                v.assign(a.values.size(), T(-3));
+                std::vector<I> work(size_t(nparts) * n_out);
+                allocator_probe probe;
+                if (refuse_staging)
+                    probe.fail_at(1); // the partition array is the first request
+                const int status = api::kernel(n_out, n_in, nnz, nparts, op_c, base, 1, a.starts.data(),
+                                               a.starts.data() + 1, a.indices.data(),
+                                               with_values ? a.values.data() : nullptr, o.data(), ix.data(),
+                                               with_values ? v.data() : nullptr, work.data());
+                EXPECT_EQ(probe.live(), 0);
+                return status;
+            };
+            std::vector<I> o1, i1, o2, i2, o3, i3;
+            std::vector<T> v1, v2, v3;
+            ASSERT_EQ(run(1, false, o1, i1, v1), 0);
+            ASSERT_EQ(run(3, false, o2, i2, v2), 0);
+            ASSERT_EQ(run(1, true, o3, i3, v3), 0);
+            EXPECT_EQ(o1, o2);
+            EXPECT_EQ(i1, i2);
+            EXPECT_EQ(v1, v2);
+            EXPECT_EQ(o1, o3);
+            EXPECT_EQ(i1, i3);
+            EXPECT_EQ(v1, v3);
+            // Against the definition: entry (i, j) of A is entry (j, i) of the result, conjugated.
+            std::vector<I> next(o1.begin(), o1.end() - 1);
+            bool all_found = true;
+            for (I i = 0; i < n_in && all_found; ++i)
+                for (I e = a.starts[i] - base; e < a.starts[i + 1] - base; ++e) {
+                    const I q = next[a.indices[e] - base]++ - base;
+                    all_found = all_found && i1[q] == i + base &&
+                                (!with_values || v1[q] == (is_complex_value<T> ? conj_value(a.values[e]) : a.values[e]));
+                }
+            EXPECT_TRUE(all_found);
         }
 }
 
