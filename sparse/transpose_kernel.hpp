@@ -82,20 +82,24 @@ void transpose_in_parts(I n_out, I nparts, const I *parts, I index_base, I bs, b
 // through row cursors. It yields the arrays of the reverse scatter: both keep the source
 // order inside every output row.
 template <class T, class I, bool Values, bool Conjugate>
-void transpose_one_part(I n_out, I n_in, I base, const I *rows_start, const I *rows_end, const I *col_indx,
-                        const T *values, I *out_rows_start, I *out_col_indx, T *out_values, I *cursor)
+void transpose_one_part(I n_out, I n_in, I base, const I *rows_start, const I *rows_end,
+                        const I *__restrict col_indx, const T *__restrict values, I *__restrict out_rows_start,
+                        I *__restrict out_col_indx, T *__restrict out_values, I *__restrict cursor)
 {
-    for (I i = 0; i < n_in; ++i)
-        for (I e = rows_start[i] - base; e < rows_end[i] - base; ++e)
+    for (I i = 0; i < n_in; ++i) {
+        const I end = rows_end[i] - base;
+        for (I e = rows_start[i] - base; e < end; ++e)
             ++out_rows_start[col_indx[e] - base + 1];
+    }
     counts_to_offsets(out_rows_start, n_out, base);
     for (I j = 0; j < n_out; ++j)
         cursor[j] = out_rows_start[j] - base;
     for (I i = 0; i < n_in; ++i) {
         const I end = rows_end[i] - base;
+        const I row = i + base;
         for (I e = rows_start[i] - base; e < end; ++e) {
             const I q = cursor[col_indx[e] - base]++;
-            out_col_indx[q] = i + base;
+            out_col_indx[q] = row;
             if constexpr (Values)
                 out_values[q] = Conjugate ? conjugated(values[e]) : values[e];
         }
