@@ -1,6 +1,8 @@
 // Transposition of compressed arrays by a stable counting sort over the output rows.
 #pragma once
 
+#include <utility>
+
 #include "transpose_internal.hpp"
 
 namespace zel::sparse {
@@ -78,27 +80,30 @@ void transpose_in_parts(I n_out, I nparts, const I *parts, I index_base, I bs, b
     }
 }
 
-// One part of scalar entries: a histogram of the output rows, offsets, then a forward scatter
-// through row cursors. It yields the arrays of the reverse scatter: both keep the source
-// order inside every output row.
+// One part of scalar entries: a histogram of the output rows, then a forward scatter that
+// uses the offsets themselves as cursors (out_rows_start[j + 1] walks through row j and ends
+// at the start of row j + 1). It yields the arrays of the reverse scatter: both keep the
+// source order inside every output row.
 template <class T, class I, bool Values, bool Conjugate>
 void transpose_one_part(I n_out, I n_in, I base, const I *rows_start, const I *rows_end,
                         const I *__restrict col_indx, const T *__restrict values, I *__restrict out_rows_start,
-                        I *__restrict out_col_indx, T *__restrict out_values, I *__restrict cursor)
+                        I *__restrict out_col_indx, T *__restrict out_values)
 {
+    I *const next = out_rows_start + 1; // next[j] is output row j's cursor
     for (I i = 0; i < n_in; ++i) {
         const I end = rows_end[i] - base;
         for (I e = rows_start[i] - base; e < end; ++e)
-            ++out_rows_start[col_indx[e] - base + 1];
+            ++next[col_indx[e] - base];
     }
-    counts_to_offsets(out_rows_start, n_out, base);
-    for (I j = 0; j < n_out; ++j)
-        cursor[j] = out_rows_start[j] - base;
+    I running = base;
+    for (I j = 1; j <= n_out; ++j)
+        running += std::exchange(out_rows_start[j], running);
+    out_rows_start[0] = base;
     for (I i = 0; i < n_in; ++i) {
         const I end = rows_end[i] - base;
         const I row = i + base;
         for (I e = rows_start[i] - base; e < end; ++e) {
-            const I q = cursor[col_indx[e] - base]++;
+            const I q = next[col_indx[e] - base]++ - base;
             out_col_indx[q] = row;
             if constexpr (Values)
                 out_values[q] = Conjugate ? conjugated(values[e]) : values[e];
@@ -210,7 +215,7 @@ void transpose_one_part_auto(I n_out, I n_in, I base, const I *rows_start, const
                                                      out_rows_start, out_col_indx, out_values, cursor))
         return;
     transpose_one_part<T, I, Values, Conjugate>(n_out, n_in, base, rows_start, rows_end, col_indx, values,
-                                                out_rows_start, out_col_indx, out_values, cursor);
+                                                out_rows_start, out_col_indx, out_values);
 }
 
 template <class T, class I>

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
 #include <tuple>
 
 #include "alloc_fault.hpp"
@@ -560,6 +563,49 @@ TEST(SparseTransposeMatrices, RoundTripsOnRealMatrices)
         ++checked;
     }
     EXPECT_GT(checked, 0);
+}
+
+// The reader expands stored triangles and converts to 0-based triplets; it refuses what it
+// cannot read.
+TEST(MatrixMarketReader, ExpandsSymmetriesAndRefusesBadFiles)
+{
+    const auto dir = std::filesystem::temp_directory_path();
+    auto write = [&](const char *name, const char *text) {
+        const auto path = (dir / name).string();
+        std::ofstream(path) << text;
+        return path;
+    };
+    auto sym = read_matrix_market(write("zel_mm_sym.mtx", "%%MatrixMarket matrix coordinate real symmetric\n"
+                                                          "% comment\n\n  3 3 3\n1 1 2.5\n3 1 -1\n3 2 4e-1\n"));
+    EXPECT_EQ(sym.rows, 3);
+    EXPECT_EQ(sym.row, (std::vector<int64_t>{0, 2, 0, 2, 1}));
+    EXPECT_EQ(sym.col, (std::vector<int64_t>{0, 0, 2, 1, 2}));
+    EXPECT_EQ(sym.value[2], std::complex<double>(-1.0));
+    EXPECT_EQ(sym.value[4], std::complex<double>(0.4));
+
+    auto skew = read_matrix_market(write("zel_mm_skew.mtx", "%%MatrixMarket matrix coordinate integer skew-symmetric\n"
+                                                            "2 2 1\n2 1 7\n"));
+    EXPECT_EQ(skew.value, (std::vector<std::complex<double>>{7.0, -7.0}));
+    auto herm = read_matrix_market(write("zel_mm_herm.mtx", "%%MatrixMarket matrix coordinate complex hermitian\n"
+                                                            "2 2 2\n1 1 3 0\n2 1 1 -2\n"));
+    EXPECT_TRUE(herm.is_complex());
+    EXPECT_EQ(herm.value, (std::vector<std::complex<double>>{{3, 0}, {1, -2}, {1, 2}}));
+    auto pattern = read_matrix_market(write("zel_mm_pat.mtx", "%%MatrixMarket matrix coordinate pattern general\n"
+                                                              "2 3 2\n1 3\n2 2\n"));
+    EXPECT_EQ(pattern.cols, 3);
+    EXPECT_EQ(pattern.col, (std::vector<int64_t>{2, 1}));
+    EXPECT_EQ(pattern.value, (std::vector<std::complex<double>>{1.0, 1.0}));
+
+    const char *bad[] = {"%%MatrixMarket matrix array real general\n2 2\n1\n2\n3\n4\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 2\n1 1 1\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 1\n3 1 1\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 1\n1 1\n",
+                         "%%MatrixMarket matrix coordinate quaternion general\n1 1 0\n"};
+    for (const char *text : bad)
+        EXPECT_THROW(read_matrix_market(write("zel_mm_bad.mtx", text)), std::runtime_error) << text;
+    EXPECT_THROW(read_matrix_market((dir / "zel_mm_missing.mtx").string()), std::runtime_error);
+    for (const char *name : {"zel_mm_sym.mtx", "zel_mm_skew.mtx", "zel_mm_herm.mtx", "zel_mm_pat.mtx", "zel_mm_bad.mtx"})
+        std::filesystem::remove(dir / name);
 }
 
 } // namespace
