@@ -18,7 +18,7 @@
 namespace {
 
 struct bench_options {
-    int repeats = 5;
+    int repeats = 7;
 };
 
 // A CSR matrix with 32-bit indices and double values.
@@ -141,7 +141,6 @@ void transpose_row(const csr_matrix &a, double bandwidth, int repeats, double t_
                                          out_starts.data(), out_indices.data(), out_values.data(), work.data());
     };
     kernel(); // touches the output once
-    const double t_kernel = best_time(repeats, kernel);
 
     // The whole record through the handle entry, arrays from the (warm) heap.
     zel_sparse_csr_record_i4 record{};
@@ -170,32 +169,30 @@ void transpose_row(const csr_matrix &a, double bandwidth, int repeats, double t_
         zel_serv_free(t->opt_record), zel_serv_free(t->opt_words), zel_serv_free(t);
         handle.transposed = nullptr;
     };
-    bool same = true;
-    double t_record = 1e30;
-    for (int r = 0; r <= repeats; ++r) {
+    auto build_record = [&] {
         drop_transposed();
-        const double start = seconds_now();
         zel_sparse_d_transposeMatrix_i4(&handle, ZEL_SPARSE_OPERATION_TRANSPOSE);
-        if (r > 0)
-            t_record = std::min(t_record, seconds_now() - start);
-    }
-
+    };
     cs_di source = csparse_view(a);
-    cs_di_spfree(cs_di_transpose(&source, 1));
-    double t_cs = 1e30;
+    auto csparse = [&] { cs_di_spfree(cs_di_transpose(&source, 1)); };
+    build_record();
+    csparse();
+
+    // Rounds alternate the three so that a busy machine slows them alike; best of each.
+    double t_kernel = 1e30, t_record = 1e30, t_cs = 1e30;
     for (int r = 0; r < repeats; ++r) {
-        const double start = seconds_now();
-        cs_di *c = cs_di_transpose(&source, 1);
-        t_cs = std::min(t_cs, seconds_now() - start);
-        if (r == 0) {
-            const zel_sparse_csr_record_i4 &t = *handle.transposed;
-            same = std::equal(c->p, c->p + n_out + 1, t.rows_start) && std::equal(c->i, c->i + nnz, t.col_indx) &&
-                   std::equal(c->x, c->x + nnz, static_cast<double *>(t.values)) &&
-                   std::equal(c->p, c->p + n_out + 1, out_starts.data()) &&
-                   std::equal(c->i, c->i + nnz, out_indices.data());
-        }
-        cs_di_spfree(c);
+        t_kernel = std::min(t_kernel, best_time(1, kernel));
+        t_cs = std::min(t_cs, best_time(1, csparse));
+        t_record = std::min(t_record, best_time(1, build_record));
     }
+    cs_di *c = cs_di_transpose(&source, 1);
+    const zel_sparse_csr_record_i4 &t = *handle.transposed;
+    const bool same = std::equal(c->p, c->p + n_out + 1, t.rows_start) && std::equal(c->i, c->i + nnz, t.col_indx) &&
+                      std::equal(c->x, c->x + nnz, static_cast<double *>(t.values)) &&
+                      std::equal(c->p, c->p + n_out + 1, out_starts.data()) &&
+                      std::equal(c->i, c->i + nnz, out_indices.data()) &&
+                      std::equal(c->x, c->x + nnz, out_values.data());
+    cs_di_spfree(c);
     drop_transposed();
 
     // Bytes that must move at least: the source read once, the result written once.
