@@ -92,10 +92,17 @@ void transpose_one_part(I n_out, I n_in, I base, const I *rows_start, const I *r
                         I *__restrict out_col_indx, T *__restrict out_values)
 {
     I *const next = out_rows_start + 1; // next[j] is output row j's cursor
-    for (I i = 0; i < n_in; ++i) {
-        const I end = rows_end[i] - base;
-        for (I e = rows_start[i] - base; e < end; ++e)
+    if (rows_end == rows_start + 1 && n_in > 0) {
+        // Three-array form: the entries lie end to end, one flat loop counts them all.
+        const I end = rows_start[n_in] - base;
+        for (I e = rows_start[0] - base; e < end; ++e)
             ++next[col_indx[e] - base];
+    } else {
+        for (I i = 0; i < n_in; ++i) {
+            const I end = rows_end[i] - base;
+            for (I e = rows_start[i] - base; e < end; ++e)
+                ++next[col_indx[e] - base];
+        }
     }
     I running = base;
     for (I j = 1; j <= n_out; ++j)
