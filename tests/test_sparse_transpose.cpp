@@ -241,6 +241,30 @@ TYPED_TEST(SparseTranspose, KernelWideScatteredPatterns)
             EXPECT_EQ(o1, o3);
             EXPECT_EQ(i1, i3);
             EXPECT_EQ(v1, v3);
+            // The same rows in four-array form with two unused slots ahead of each row.
+            std::vector<I> starts4, ends4, indices4;
+            std::vector<T> values4;
+            for (I i = 0; i < n_in; ++i) {
+                indices4.insert(indices4.end(), 2, I(n_out + 7));
+                if (with_values)
+                    values4.insert(values4.end(), 2, T(99));
+                starts4.push_back(static_cast<I>(indices4.size()) + base);
+                for (I e = a.starts[i] - base; e < a.starts[i + 1] - base; ++e) {
+                    indices4.push_back(a.indices[e]);
+                    if (with_values)
+                        values4.push_back(a.values[e]);
+                }
+                ends4.push_back(static_cast<I>(indices4.size()) + base);
+            }
+            std::vector<I> o4(n_out + 1), i4(nnz), work4(n_out);
+            std::vector<T> v4(a.values.size());
+            ASSERT_EQ(api::kernel(n_out, n_in, static_cast<I>(indices4.size()), 1, op_c, base, 1, starts4.data(),
+                                  ends4.data(), indices4.data(), with_values ? values4.data() : nullptr, o4.data(),
+                                  i4.data(), with_values ? v4.data() : nullptr, work4.data()),
+                      0);
+            EXPECT_EQ(o4, o1);
+            EXPECT_EQ(i4, i1);
+            EXPECT_EQ(v4, v1);
             // Against the definition: entry (i, j) of A is entry (j, i) of the result, conjugated.
             std::vector<I> next(o1.begin(), o1.end() - 1);
             bool all_found = true;
