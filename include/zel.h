@@ -8,5 +8,6 @@
 #include "zel/dense_kernels.h"
 #include "zel/sparse_types.h"
 #include "zel/sparse_handle.h"
+#include "zel/sparse_transpose.h"
 
 #endif
