@@ -1,0 +1,456 @@
+// Sparse handle lifecycle: creation from caller arrays, export, copy, conversion, hints and
+// destruction. Handles and records come from zel_serv_malloc; destroy frees what they own.
+#pragma once
+
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "zel/sparse_handle.h"
+#include "zel_internal/sparse_formats.hpp"
+
+namespace zel::sparse {
+
+// A handle or record from the allocator, zero-filled; freed unless released.
+template <class R> scratch_array<R> new_record()
+{
+    scratch_array<R> record(1, alignment);
+    if (record)
+        std::memset(static_cast<void *>(record.get()), 0, sizeof(R));
+    return record;
+}
+
+// Offsets of a compressed dimension of length n and indices into a dimension of length other.
+template <class I>
+int check_compressed(I n, I other, int base, const I *starts, const I *ends, const I *index, const void *values)
+{
+    if (n < 0 || other < 0 || (base != 0 && base != 1) || starts == nullptr || ends == nullptr)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    if (n == 0)
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    if (starts[0] != base)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    for (I i = 0; i < n; ++i)
+        if (ends[i] < starts[i] || (i + 1 < n && starts[i + 1] < ends[i]))
+            return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    if (ends[n - 1] > base && (index == nullptr || values == nullptr))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    for (I i = 0; i < n; ++i)
+        for (I p = starts[i] - base; p < ends[i] - base; ++p)
+            if (index[p] < base || index[p] - base >= other)
+                return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// 1 when every slice [starts[i], ends[i]) holds non-decreasing indices.
+template <class I> I compressed_sorted(I n, I base, const I *starts, const I *ends, const I *index)
+{
+    for (I i = 0; i < n; ++i)
+        for (I p = starts[i] - base + 1; p < ends[i] - base; ++p)
+            if (index[p] < index[p - 1])
+                return 0;
+    return 1;
+}
+
+// Hangs a filled storage record on a new handle; on failure the record is not consumed.
+template <class T, class I, class Record>
+int install(handle_t<I> **A, int32_t format, int64_t rows, int64_t cols, scratch_array<Record> &record)
+{
+    scratch_array<handle_t<I>> handle = new_record<handle_t<I>>();
+    if (!handle)
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    handle_t<I> &h = *handle.get();
+    h.data_type = data_type_code<T>();
+    h.format = format;
+    h.rows = I(rows);
+    h.cols = I(cols);
+    h.data = record.release();
+    *A = handle.release();
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// CSR (format 1), CSC (2) or BSR (3) handle over the caller's arrays; rows and cols are the
+// record's (blocks for BSR), block_layout a layout code (BSR only).
+template <class T, class I>
+int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols, I block, int block_layout,
+                      I *starts, I *ends, I *index, void *values)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    const int32_t layout = format == ZEL_SPARSE_FORMAT_BSR ? block_layout_record_code(block_layout) : 0;
+    if (block < 1 || layout < 0 || !fits<I>(int64_t(rows) * block) || !fits<I>(int64_t(cols) * block))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    const I n = format == ZEL_SPARSE_FORMAT_CSC ? cols : rows, other = format == ZEL_SPARSE_FORMAT_CSC ? rows : cols;
+    if (int status = check_compressed(n, other, base, starts, ends, index, values))
+        return status;
+
+    scratch_array<csr_t<I>> record = new_record<csr_t<I>>();
+    if (!record)
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    csr_t<I> &r = *record.get();
+    r.sorted = compressed_sorted<I>(n, I(base), starts, ends, index);
+    r.rows = rows;
+    r.cols = cols;
+    r.nnz = n > 0 ? ends[n - 1] - base : 0;
+    r.index_base = base;
+    r.block_size = block;
+    r.block_layout = layout;
+    r.inplace_copy = 1;
+    r.three_array = ends == starts + 1;
+    r.rows_start = starts;
+    r.rows_end = ends;
+    r.col_indx = index;
+    r.values = values;
+    int status = install<T, I>(A, format, int64_t(rows) * block, int64_t(cols) * block, record);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS && format == ZEL_SPARSE_FORMAT_BSR)
+        (*A)->block_layout_request = block_layout;
+    return status;
+}
+
+template <class T, class I>
+int create_coo(handle_t<I> **A, int base, I rows, I cols, I nnz, I *row_indx, I *col_indx, void *values)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (rows < 0 || cols < 0 || nnz < 0 || (base != 0 && base != 1))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    if (nnz > 0 && (row_indx == nullptr || col_indx == nullptr || values == nullptr))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    I sorted = 1;
+    for (I k = 0; k < nnz; ++k) {
+        if (row_indx[k] < base || row_indx[k] - base >= rows || col_indx[k] < base || col_indx[k] - base >= cols)
+            return ZEL_SPARSE_STATUS_INVALID_VALUE;
+        if (k > 0 && (row_indx[k] < row_indx[k - 1] || (row_indx[k] == row_indx[k - 1] && col_indx[k] < col_indx[k - 1])))
+            sorted = 0;
+    }
+
+    scratch_array<coo_t<I>> record = new_record<coo_t<I>>();
+    if (!record)
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    coo_t<I> &r = *record.get();
+    r.sorted = sorted;
+    r.rows = rows;
+    r.cols = cols;
+    r.nnz = nnz;
+    r.index_base = base;
+    r.inplace_copy = 1;
+    r.row_indx = row_indx;
+    r.col_indx = col_indx;
+    r.values = values;
+    return install<T, I>(A, ZEL_SPARSE_FORMAT_COO, rows, cols, record);
+}
+
+// Status of an export before anything is handed back: the handle must hold a record of this
+// value type and format.
+template <class T, class I> int check_export(const handle_t<I> *A, int32_t format)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (A->data == nullptr)
+        return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    if (A->format != format || A->data_type != data_type_code<T>())
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class T, class I>
+int export_compressed(const handle_t<I> *A, int32_t format, int *base, int *block_layout, I *rows, I *cols,
+                      I *block, I **starts, I **ends, I **index, void **values)
+{
+    if (base == nullptr || rows == nullptr || cols == nullptr || starts == nullptr || ends == nullptr ||
+        index == nullptr || values == nullptr ||
+        (format == ZEL_SPARSE_FORMAT_BSR && (block_layout == nullptr || block == nullptr)))
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (int status = check_export<T, I>(A, format))
+        return status;
+    const csr_t<I> *r = static_cast<const csr_t<I> *>(A->data);
+    *base = int(r->index_base);
+    *rows = r->rows;
+    *cols = r->cols;
+    *starts = r->rows_start;
+    *ends = r->rows_end;
+    *index = r->col_indx;
+    *values = r->values;
+    if (format == ZEL_SPARSE_FORMAT_BSR) {
+        *block_layout = block_layout_argument(r->block_layout);
+        *block = r->block_size;
+    }
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class T, class I>
+int export_coo(const handle_t<I> *A, int *base, I *rows, I *cols, I *nnz, I **row_indx, I **col_indx, void **values)
+{
+    if (base == nullptr || rows == nullptr || cols == nullptr || nnz == nullptr || row_indx == nullptr ||
+        col_indx == nullptr || values == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (int status = check_export<T, I>(A, ZEL_SPARSE_FORMAT_COO))
+        return status;
+    const coo_t<I> *r = static_cast<const coo_t<I> *>(A->data);
+    *base = int(r->index_base);
+    *rows = r->rows;
+    *cols = r->cols;
+    *nnz = r->nnz;
+    *row_indx = r->row_indx;
+    *col_indx = r->col_indx;
+    *values = r->values;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// ---- destruction ----
+
+inline void free_opt_record(zel_sparse_opt_record *record)
+{
+    if (record == nullptr)
+        return;
+    zel_serv_free(record->sub_three);
+    zel_serv_free(record->sub_four);
+    zel_serv_free(record->extra);
+    zel_serv_free(record);
+}
+
+template <class I> void free_record(csr_t<I> *record)
+{
+    if (record == nullptr)
+        return;
+    if (record->owns_arrays)
+        free_owned_arrays<I>(*record);
+    free_opt_record(record->opt_record);
+    zel_serv_free(record->opt_words);
+    zel_serv_free(record);
+}
+
+template <class I> void free_record(coo_t<I> *record)
+{
+    if (record == nullptr)
+        return;
+    if (record->owns_arrays)
+        free_owned_arrays<I>(*record);
+    zel_serv_free(record);
+}
+
+template <class I> int destroy(handle_t<I> *A)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (A->format == ZEL_SPARSE_FORMAT_COO)
+        free_record<I>(static_cast<coo_t<I> *>(A->data));
+    else
+        free_record<I>(static_cast<csr_t<I> *>(A->data));
+    free_record<I>(A->transposed);
+    for (node_t<I> *head : {A->trsv_list, A->trsm_list, A->mv_list, A->dotmv_list, A->mm_list, A->symgs_list,
+                            A->reserved_list, A->sorv_list})
+        while (head != nullptr)
+            zel_serv_free(std::exchange(head, head->next));
+    zel_serv_free(A);
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// ---- copy and conversion ----
+
+// New arrays holding the slices of a compressed record back to back (three-array form).
+template <class T, class I> int copy_compressed(const csr_t<I> &source, int32_t format, csr_t<I> &out)
+{
+    const I n = format == ZEL_SPARSE_FORMAT_CSC ? source.cols : source.rows, base = source.index_base;
+    const int64_t bb = int64_t(source.block_size) * source.block_size;
+    const I nnz = n > 0 ? source.rows_end[n - 1] - base : 0;
+    scratch_array<I> starts(n + 1, alignment), index(std::max<I>(nnz, 1), alignment);
+    scratch_array<T> values;
+    if (source.values != nullptr)
+        values = scratch_array<T>(std::max<int64_t>(nnz * bb, 1), alignment);
+    if (!starts || !index || (source.values != nullptr && !values))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    const T *from = static_cast<const T *>(source.values);
+    starts[0] = base;
+    for (I i = 0; i < n; ++i) {
+        const I first = source.rows_start[i] - base, length = source.rows_end[i] - source.rows_start[i];
+        const I at = starts[i] - base;
+        std::copy(source.col_indx + first, source.col_indx + first + length, index.get() + at);
+        if (values)
+            std::copy(from + first * bb, from + (first + length) * bb, values.get() + at * bb);
+        starts[i + 1] = starts[i] + length;
+    }
+    out = source;
+    out.nnz = starts[n] - base;
+    out.owns_arrays = 1;
+    out.inplace_copy = 1;
+    out.three_array = 1;
+    out.rows_start = starts.release();
+    out.rows_end = out.rows_start + 1;
+    out.col_indx = index.release();
+    out.values = values.release();
+    out.aux = nullptr;
+    out.opt_record = nullptr;
+    out.opt_words = nullptr;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class T, class I> int copy_coo(const coo_t<I> &source, coo_t<I> &out)
+{
+    const size_t length = std::max<I>(source.nnz, 1);
+    scratch_array<I> rows(length, alignment), cols(length, alignment);
+    scratch_array<T> values;
+    if (source.values != nullptr)
+        values = scratch_array<T>(length, alignment);
+    if (!rows || !cols || (source.values != nullptr && !values))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    std::copy(source.row_indx, source.row_indx + source.nnz, rows.get());
+    std::copy(source.col_indx, source.col_indx + source.nnz, cols.get());
+    if (values)
+        std::copy(static_cast<const T *>(source.values), static_cast<const T *>(source.values) + source.nnz,
+                  values.get());
+    out = source;
+    out.owns_arrays = 1;
+    out.inplace_copy = 1;
+    out.row_indx = rows.release();
+    out.col_indx = cols.release();
+    out.values = values.release();
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// Builds a record with `fill` and hangs it on a new handle of the given shape; frees the
+// record's arrays when the handle cannot be made.
+template <class T, class I, class Record, class Fill>
+int new_handle_with(handle_t<I> **dest, int32_t format, Fill fill, handle_t<I> *&made)
+{
+    scratch_array<Record> record = new_record<Record>();
+    if (!record)
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    if (int status = fill(*record.get()))
+        return status;
+    Record &r = *record.get();
+    int64_t block = 1;
+    if constexpr (std::is_same_v<Record, csr_t<I>>)
+        block = r.block_size;
+    int status = install<T, I>(dest, format, int64_t(r.rows) * block, int64_t(r.cols) * block, record);
+    if (status != ZEL_SPARSE_STATUS_SUCCESS) {
+        free_owned_arrays<I>(r);
+        return status;
+    }
+    made = *dest;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class T, class I> int copy(const handle_t<I> *source, handle_t<I> **dest)
+{
+    handle_t<I> *made = nullptr;
+    int status;
+    if (source->format == ZEL_SPARSE_FORMAT_COO)
+        status = new_handle_with<T, I, coo_t<I>>(dest, source->format, [&](coo_t<I> &out) {
+            return copy_coo<T, I>(*static_cast<const coo_t<I> *>(source->data), out);
+        }, made);
+    else
+        status = new_handle_with<T, I, csr_t<I>>(dest, source->format, [&](csr_t<I> &out) {
+            return copy_compressed<T, I>(*static_cast<const csr_t<I> *>(source->data), source->format, out);
+        }, made);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS) {
+        made->rows = source->rows;
+        made->cols = source->cols;
+        made->block_layout_request = source->block_layout_request;
+        made->hint_flags = source->hint_flags;
+        std::copy(source->mv_hint, source->mv_hint + 3, made->mv_hint);
+        std::copy(source->mm_hint, source->mm_hint + 4, made->mm_hint);
+        made->memory_hint = source->memory_hint;
+    }
+    return status;
+}
+
+// A new CSR handle, or BSR handle of the given block edge and order, holding op(source).
+template <class T, class I>
+int convert(const handle_t<I> *source, bool to_bsr, I block, int block_layout, int operation, handle_t<I> **dest)
+{
+    source_view<I> view;
+    if (!view_of(source, view))
+        return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    handle_t<I> *made = nullptr;
+    if (!to_bsr)
+        return new_handle_with<T, I, csr_t<I>>(dest, ZEL_SPARSE_FORMAT_CSR, [&](csr_t<I> &out) {
+            return build_compressed<T, I>(view, operation, false, out);
+        }, made);
+    const int32_t layout = block_layout_record_code(block_layout);
+    if (block < 1 || layout < 0)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    int status = new_handle_with<T, I, csr_t<I>>(dest, ZEL_SPARSE_FORMAT_BSR, [&](csr_t<I> &out) {
+        return build_bsr<T, I>(view, operation, block, layout, out);
+    }, made);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS)
+        made->block_layout_request = block_layout;
+    return status;
+}
+
+// Runs body<T>() for the value type named by a data_type code; 5 for an unknown code.
+template <class Body> int with_value_type(int32_t data_type, Body body)
+{
+    switch (data_type) {
+    case ZEL_SPARSE_DATA_D: return body(double{});
+    case ZEL_SPARSE_DATA_S: return body(float{});
+    case ZEL_SPARSE_DATA_Z: return body(std::complex<double>{});
+    case ZEL_SPARSE_DATA_C: return body(std::complex<float>{});
+    default: return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    }
+}
+
+template <class I> int copy_any(const handle_t<I> *source, handle_t<I> **dest)
+{
+    if (source == nullptr || dest == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (source->data == nullptr || source->format < 0 || source->format > 3)
+        return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    return with_value_type(source->data_type, [&](auto value) { return copy<decltype(value), I>(source, dest); });
+}
+
+template <class I>
+int convert_any(const handle_t<I> *source, bool to_bsr, I block, int block_layout, int operation, handle_t<I> **dest)
+{
+    if (source == nullptr || dest == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (!is_operation(operation))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    return with_value_type(source->data_type, [&](auto value) {
+        return convert<decltype(value), I>(source, to_bsr, block, block_layout, operation, dest);
+    });
+}
+
+// ---- hints ----
+
+template <class I> int set_mv_hint(handle_t<I> *A, int operation, zel_sparse_matrix_descr descr, I calls)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (check_descriptor(operation, descr) != ZEL_SPARSE_STATUS_SUCCESS || calls <= 0)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    A->mv_hint[0] = operation;
+    A->mv_hint[1] = descr.type;
+    A->mv_hint[2] = calls;
+    A->hint_flags |= ZEL_SPARSE_HINT_MV;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class I>
+int set_mm_hint(handle_t<I> *A, int operation, zel_sparse_matrix_descr descr, int layout, I calls)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (check_descriptor(operation, descr) != ZEL_SPARSE_STATUS_SUCCESS ||
+        check_dense_layout(layout) != ZEL_SPARSE_STATUS_SUCCESS || calls <= 0)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    A->mm_hint[0] = operation;
+    A->mm_hint[1] = descr.type;
+    A->mm_hint[2] = layout;
+    A->mm_hint[3] = calls;
+    A->hint_flags |= ZEL_SPARSE_HINT_MM;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+template <class I> int set_memory_hint(handle_t<I> *A, int policy)
+{
+    if (A == nullptr)
+        return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
+    if (policy != ZEL_SPARSE_MEMORY_NONE && policy != ZEL_SPARSE_MEMORY_AGGRESSIVE)
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    A->memory_hint = policy;
+    A->hint_flags |= ZEL_SPARSE_HINT_MEMORY;
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+} // namespace zel::sparse
