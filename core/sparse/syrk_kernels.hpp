@@ -1,0 +1,273 @@
+// Numeric kernels of the products of a sparse matrix with its own transpose, one chunk of rows
+// per call. L is the left operand, R the right one (rows indexed by L's columns, sorted rows).
+#pragma once
+
+#include <algorithm>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+
+#include "zel_internal/value_traits.hpp"
+
+namespace zel::sparse_syrk {
+
+// c += a·b without the library's NaN-recovery path for complex operands.
+template <class T> inline void mul_add(T &c, T a, T b)
+{
+    if constexpr (is_complex_v<T>) {
+        using R = real_t<T>;
+        R cr = c.real() + (a.real() * b.real() - a.imag() * b.imag());
+        R ci = c.imag() + (a.real() * b.imag() + a.imag() * b.real());
+        c = T(cr, ci);
+    } else {
+        c += a * b;
+    }
+}
+
+template <class T> inline T mul(T a, T b)
+{
+    T c{};
+    mul_add(c, a, b);
+    return c;
+}
+
+template <class T> inline bool is_one(T v) { return v == T(1); }
+
+// Scales n values spaced by `step` by beta; beta = 0 clears them (NaN and Inf included).
+template <class T> inline void scale(T *c, int64_t n, int64_t step, T beta)
+{
+    if (is_one(beta))
+        return;
+    if (beta == T(0)) {
+        for (int64_t t = 0; t < n; ++t)
+            c[t * step] = T(0);
+    } else {
+        for (int64_t t = 0; t < n; ++t)
+            c[t * step] = mul(c[t * step], beta);
+    }
+}
+
+// First position of R's row k holding a column >= i; moves the row's cursor there.
+// Rows of the chunk come in increasing order, so the cursor only moves right.
+template <class I> inline I advance_cursor(I k, I i, I r_base, const I *r_col, const I *r_rows_start,
+                                           const I *r_rows_end, I *start_offset, I &end)
+{
+    const I begin = r_rows_start[k] - r_base;
+    end = r_rows_end[k] - r_base;
+    I q = begin + start_offset[k];
+    while (q < end && r_col[q] - r_base < i)
+        ++q;
+    start_offset[k] = q - begin;
+    return q;
+}
+
+// C(i, i:m) = beta·C(i, i:m) + alpha·L(i,:)·R(:, i:m) for the chunk's rows.
+template <bool ColMajor, bool WithAlpha, class T, class I>
+void syrkd_n(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+             const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+             const I *r_rows_end, I *start_offset, T *c, I ldc, T alpha, T beta)
+{
+    const int64_t ld = ldc;
+    for (I i = row_first; i < row_end; ++i) {
+        if constexpr (ColMajor)
+            scale(c + i + i * ld, rows - i, ld, beta);
+        else
+            scale(c + i * ld + i, rows - i, 1, beta);
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            const T a = WithAlpha ? mul(alpha, l_values[p]) : l_values[p];
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            const I *cols = r_col + q0;
+            const T *vals = r_values + q0;
+            const I len = end - q0;
+            if constexpr (ColMajor) {
+                T *ci = c + i;
+                for (I t = 0; t < len; ++t)
+                    mul_add(ci[(cols[t] - r_base) * ld], a, vals[t]);
+            } else {
+                T *ci = c + i * ld;
+                for (I t = 0; t < len; ++t)
+                    mul_add(ci[cols[t] - r_base], a, vals[t]);
+            }
+        }
+    }
+}
+
+// Upper triangle of C = beta·C + alpha·Σ_i A(i,:)ᴴ·A(i,:) over rows [row_first, row_end) of A.
+template <bool ColMajor, bool WithAlpha, class T, class I>
+void syrkd_t(I row_first, I row_end, I cols, I base, const T *values, const I *col_indx, const I *rows_start,
+             const I *rows_end, T *c, I ldc, T alpha, T beta)
+{
+    const int64_t ld = ldc;
+    if (!is_one(beta))
+        for (int64_t j = 0; j < cols; ++j) {
+            if constexpr (ColMajor)
+                scale(c + j * ld, j + 1, 1, beta); // column j, rows 0..j
+            else
+                scale(c + j * ld + j, cols - j, 1, beta);
+        }
+    for (I i = row_first; i < row_end; ++i) {
+        const I begin = rows_start[i] - base, end = rows_end[i] - base;
+        for (I p = begin; p < end; ++p) {
+            const int64_t j = col_indx[p] - base;
+            T a = conj_if(values[p], true);
+            if constexpr (WithAlpha)
+                a = mul(alpha, a);
+            for (I q = begin; q < end; ++q) {
+                const int64_t k = col_indx[q] - base;
+                if (k < j)
+                    continue;
+                if constexpr (ColMajor)
+                    mul_add(c[j + k * ld], a, values[q]);
+                else
+                    mul_add(c[j * ld + k], a, values[q]);
+            }
+        }
+    }
+}
+
+// Symbolic pass: counts of distinct columns j >= i per row; marker[j] == i marks a column seen.
+template <class I>
+void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
+                 I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
+                 I *counts, uint64_t *row_work)
+{
+    for (I i = row_first; i < row_end; ++i) {
+        I count = 0;
+        uint64_t work = 0;
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            work += static_cast<uint64_t>(end - q0);
+            for (I q = q0; q < end; ++q) {
+                const I j = r_col[q] - r_base;
+                count += marker[j] != i;
+                marker[j] = i;
+            }
+        }
+        counts[i + 1] = count;
+        row_work[i + 1] = work;
+    }
+}
+
+// Sorts a row's columns: insertion sort for the short rows that dominate, introsort beyond.
+template <class I> inline void sort_columns(I *cols, I n)
+{
+    if (n > 32) {
+        std::sort(cols, cols + n);
+        return;
+    }
+    for (I t = 1; t < n; ++t) {
+        const I v = cols[t];
+        I s = t;
+        for (; s > 0 && cols[s - 1] > v; --s)
+            cols[s] = cols[s - 1];
+        cols[s] = v;
+    }
+}
+
+// Collects row i's distinct columns into out (unsorted), marking them with -(i + 3), a value the
+// symbolic pass (row numbers) and the chunk preparation (-1, -2) never use.
+template <class I>
+inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
+                     const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker, I *out)
+{
+    const I stamp = -(i + 3);
+    I n = 0;
+    for (I p = l_begin; p < l_end; ++p) {
+        const I k = l_col[p] - l_base;
+        I end;
+        const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+        for (I q = q0; q < end; ++q) {
+            const I j = r_col[q] - r_base;
+            if (marker[j] != stamp) {
+                marker[j] = stamp;
+                out[n++] = j;
+            }
+        }
+    }
+    return n;
+}
+
+// Numeric pass: sorted columns and values of the chunk's rows. The columns are gathered and
+// sorted first; each column's marker then holds its final place, so the products accumulate
+// straight into the output without a dense row or a second sort of the values.
+template <class T, class I>
+void syrk_row(I row_first, I row_end, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+              const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+              const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
+              T *values)
+{
+    for (I i = row_first; i < row_end; ++i) {
+        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+        const I first = rows_start[i] - out_base;
+        I *cols = col_indx + first;
+        T *vals = values + first;
+        const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end,
+                                start_offset, marker, cols);
+        sort_columns(cols, n);
+        for (I t = 0; t < n; ++t) {
+            marker[cols[t]] = first + t;
+            vals[t] = T(0);
+        }
+        for (I p = l_begin; p < l_end; ++p) {
+            const I k = l_col[p] - l_base;
+            const T a = l_values[p];
+            const I begin = r_rows_start[k] - r_base, end = r_rows_end[k] - r_base;
+            for (I q = begin + start_offset[k]; q < end; ++q)
+                mul_add(values[marker[r_col[q] - r_base]], a, r_values[q]);
+        }
+        for (I t = 0; t < n; ++t)
+            cols[t] += out_base;
+    }
+}
+
+// c += a·b for bs×bs blocks stored row-major (ColMajor false) or column-major.
+template <class T, class I> inline void block_mul_add(T *c, const T *a, const T *b, I bs, bool col_major)
+{
+    for (I r = 0; r < bs; ++r)
+        for (I t = 0; t < bs; ++t) {
+            const T art = col_major ? a[t * bs + r] : a[r * bs + t];
+            for (I s = 0; s < bs; ++s) {
+                if (col_major)
+                    mul_add(c[s * bs + r], art, b[s * bs + t]);
+                else
+                    mul_add(c[r * bs + s], art, b[t * bs + s]);
+            }
+        }
+}
+
+// Numeric pass over the block pattern: block (I, J) = Σ_K L(I,K)·R(K,J), J >= I.
+template <class T, class I>
+void syrk_block_row(I row_first, I row_end, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+                    const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+                    const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
+                    T *values, I bs, I layout)
+{
+    const int64_t bb = static_cast<int64_t>(bs) * bs;
+    const bool col_major = layout != 0;
+    for (I i = row_first; i < row_end; ++i) {
+        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+        const I first = rows_start[i] - out_base;
+        I *cols = col_indx + first;
+        const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end,
+                                start_offset, marker, cols);
+        sort_columns(cols, n);
+        for (I t = 0; t < n; ++t)
+            marker[cols[t]] = first + t;
+        std::fill(values + first * bb, values + (first + n) * bb, T(0));
+        for (I p = l_begin; p < l_end; ++p) {
+            const I k = l_col[p] - l_base;
+            const I begin = r_rows_start[k] - r_base, end = r_rows_end[k] - r_base;
+            for (I q = begin + start_offset[k]; q < end; ++q)
+                block_mul_add(values + marker[r_col[q] - r_base] * bb, l_values + p * bb, r_values + q * bb, bs,
+                              col_major);
+        }
+        for (I t = 0; t < n; ++t)
+            cols[t] += out_base;
+    }
+}
+
+} // namespace zel::sparse_syrk
