@@ -15,6 +15,7 @@
 
 #include "zel/sparse_handle.h"
 #include "zel/sparse_syrk.h"
+#include "zel/sparse_transpose.h"
 #include "zel_internal/value_traits.hpp"
 
 namespace syrk_test {
@@ -36,6 +37,7 @@ template <class C, class I> struct api;
         static constexpr auto syrk = zel_sparse_syrk_##W;                                                    \
         static constexpr auto count = zel_sparse_syrk_count_##W;                                             \
         static constexpr auto fill = zel_sparse_syrk_fill_##W;                                               \
+        static constexpr auto transpose = zel_sparse_##P##_transposeMatrix_##W;                              \
     };
 ZEL_SYRK_TEST_API(s, float, i4, int32_t)
 ZEL_SYRK_TEST_API(d, double, i4, int32_t)

@@ -1,0 +1,248 @@
+// Argument checks, statuses and allocation failures of the A·Aᵀ / Aᵀ·A products.
+#include <functional>
+
+#include "alloc_fault.hpp"
+#include "test_sparse_syrk.hpp"
+#include "zel/runtime.h"
+
+using namespace syrk_test;
+
+template <class M> class SparseSyrkErrors : public ::testing::Test {};
+TYPED_TEST_SUITE(SparseSyrkErrors, all_members);
+
+TYPED_TEST(SparseSyrkErrors, DenseEntryChecksInOrderAndLeavesCAlone)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto a = random_matrix<T, I>(4, 3, 0.5, 0, 1);
+    handle_holder<M> csr(a), bsr(a, true);
+    typename M::A::handle *coo = nullptr;
+    std::vector<I> rows{0, 1}, cols{1, 2};
+    std::vector<T> vals{T(1), T(2)};
+    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 2, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), 0);
+    const std::vector<T> c0(16, make_value<T>(7.0, -7.0));
+    auto c = c0;
+    C *cp = reinterpret_cast<C *>(c.data());
+    const C one = to_c<C>(T(1)), zero = to_c<C>(T(0));
+    auto call = [&](int op, typename M::A::handle *h, C *target, I ldc) {
+        return M::A::syrkd(op, h, one, zero, target, 101, ldc);
+    };
+    EXPECT_EQ(call(10, csr.h, nullptr, 4), 1);
+    EXPECT_EQ(call(10, nullptr, cp, 4), 1);
+    EXPECT_EQ(call(13, nullptr, cp, 4), 1); // the null handle is found first
+    EXPECT_EQ(call(9, csr.h, cp, 4), 3);
+    EXPECT_EQ(call(13, coo, cp, 4), 3); // before the format
+    EXPECT_EQ(call(10, csr.h, cp, -1), 3);
+    EXPECT_EQ(call(10, coo, cp, 4), 6);
+    EXPECT_EQ(call(11, bsr.h, cp, 4), 6);
+    void *data = csr.h->data;
+    csr.h->data = nullptr;
+    EXPECT_EQ(call(10, csr.h, cp, 4), 5);
+    csr.h->data = data;
+    auto &record = *static_cast<typename M::A::record *>(data);
+    void *values = record.values;
+    record.values = nullptr;
+    EXPECT_EQ(call(10, csr.h, cp, 4), 6);
+    EXPECT_EQ(call(11, csr.h, cp, 4), 6);
+    record.values = values;
+    EXPECT_EQ(std::memcmp(c.data(), c0.data(), c.size() * sizeof(T)), 0);
+    EXPECT_EQ(csr.h->transposed, nullptr); // nothing was built on the way out
+    M::A::destroy(coo);
+}
+
+TYPED_TEST(SparseSyrkErrors, SparseProductStatuses)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto a = random_matrix<T, I>(4, 3, 0.5, 0, 2);
+    handle_holder<M> csr(a);
+    typename M::A::handle *result = nullptr;
+    EXPECT_EQ(M::A::syrk(10, nullptr, &result), 1);
+    EXPECT_EQ(M::A::syrk(10, csr.h, nullptr), 1);
+    EXPECT_EQ(M::A::syrk(13, csr.h, &result), 3);
+    typename M::A::handle *coo = nullptr;
+    std::vector<I> rows{0}, cols{1};
+    std::vector<T> vals{T(1)};
+    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 1, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), 0);
+    EXPECT_EQ(M::A::syrk(10, coo, &result), 6);
+    M::A::destroy(coo);
+    // A BSR matrix whose block order does not pair with its index base.
+    typename M::A::handle *odd = nullptr;
+    ASSERT_EQ(M::A::create_bsr(&odd, 0, 102, a.rows, a.cols, 1, a.rows_start.data(), a.rows_start.data() + 1,
+                               a.col_indx.data(), reinterpret_cast<C *>(a.values.data())),
+              0);
+    EXPECT_EQ(M::A::syrk(10, odd, &result), 6);
+    M::A::destroy(odd);
+    void *data = csr.h->data;
+    csr.h->data = nullptr;
+    EXPECT_EQ(M::A::syrk(10, csr.h, &result), 5);
+    csr.h->data = data;
+    auto &record = *static_cast<typename M::A::record *>(data);
+    void *values = record.values;
+    record.values = nullptr;
+    EXPECT_EQ(M::A::syrk(11, csr.h, &result), 6);
+    record.values = values;
+    EXPECT_EQ(result, nullptr);
+
+    std::vector<I> rows_start(5);
+    I nnz = 0;
+    EXPECT_EQ(M::A::count(10, csr.h, nullptr, &nnz), 1);
+    EXPECT_EQ(M::A::count(10, csr.h, rows_start.data(), nullptr), 1);
+    EXPECT_EQ(M::A::count(12, nullptr, rows_start.data(), &nnz), 1);
+    ASSERT_EQ(M::A::count(10, csr.h, rows_start.data(), &nnz), 0);
+    ASSERT_GT(nnz, 0);
+    EXPECT_EQ(M::A::fill(10, csr.h, nullptr, nullptr, nullptr), 1);
+    EXPECT_EQ(M::A::fill(10, csr.h, rows_start.data(), nullptr, nullptr), 1);
+    EXPECT_EQ(M::A::fill(14, csr.h, rows_start.data(), nullptr, nullptr), 3);
+}
+
+namespace {
+
+// Operands of the stage function: A and its (conjugate) transposed record, built outside any probe.
+template <class M> struct stage_operands {
+    using C = typename M::C;
+    using I = typename M::I;
+    typename M::A::handle *h;
+    const typename M::A::record *a;
+    const typename M::A::record *t;
+    explicit stage_operands(typename M::A::handle *handle) : h(handle)
+    {
+        EXPECT_EQ(M::A::transpose(h, M::complex ? 12 : 11), 0);
+        a = static_cast<const typename M::A::record *>(h->data);
+        t = h->transposed;
+    }
+    int run(int stage, int op, C **v, I **ci, I **rs, I one_based = 0) const
+    {
+        const C *tv = static_cast<const C *>(M::complex ? t->aux : t->values);
+        return M::A::stage(stage, op, a->rows, a->cols, a->index_base, static_cast<const C *>(a->values), a->col_indx,
+                           a->rows_start, a->rows_end, t->index_base, tv, t->col_indx, t->rows_start, t->rows_end,
+                           one_based, v, ci, rs);
+    }
+};
+
+} // namespace
+
+TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto a = random_matrix<T, I>(9, 7, 0.3, 1, 3);
+    handle_holder<M> h(a);
+    stage_operands<M> ops(h.h);
+    for (int op : {10, 11}) {
+        const int64_t total = zel::test::for_each_failing_allocation(
+            [&] {
+                C *v = nullptr;
+                I *ci = nullptr, *rs = nullptr;
+                const int status = ops.run(90, op, &v, &ci, &rs);
+                if (status == 0) {
+                    zel_serv_free(v);
+                    zel_serv_free(ci);
+                    zel_serv_free(rs);
+                } else {
+                    EXPECT_EQ(rs, nullptr); // freed and taken back
+                }
+                return status;
+            },
+            [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+                EXPECT_EQ(status, 2) << "allocation " << k;
+                EXPECT_EQ(probe.live(), 0) << "allocation " << k;
+            });
+        EXPECT_EQ(total, 6); // start offsets, markers, row work, row pointer, columns, values
+    }
+    // The dense driver: two working arrays.
+    std::vector<T> c(81);
+    const auto *t = h.h->transposed;
+    const auto *r = static_cast<const typename M::A::record *>(h.h->data);
+    const int64_t total = zel::test::for_each_failing_allocation(
+        [&] {
+            return M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), r->rows, r->cols, r->index_base,
+                                  static_cast<const C *>(r->values), r->col_indx, r->rows_start, r->rows_end,
+                                  t->index_base, static_cast<const C *>(M::complex ? t->aux : t->values),
+                                  t->col_indx, t->rows_start, t->rows_end, reinterpret_cast<C *>(c.data()), 101, 9);
+        },
+        [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+            EXPECT_EQ(status, 2) << "allocation " << k;
+            EXPECT_EQ(probe.live(), 0);
+        });
+    EXPECT_EQ(total, 2);
+}
+
+TYPED_TEST(SparseSyrkErrors, EmptyResultAcceptsFailedZeroSizeArrays)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    matrix<T, I> empty;
+    empty.rows = 4;
+    empty.cols = 3;
+    empty.rows_start.assign(5, 0);
+    handle_holder<M> h(empty);
+    stage_operands<M> ops(h.h);
+    zel::test::for_each_failing_allocation(
+        [&] {
+            C *v = nullptr;
+            I *ci = nullptr, *rs = nullptr;
+            const int status = ops.run(90, 10, &v, &ci, &rs, 1);
+            if (status == 0) {
+                for (int i = 0; i <= 4; ++i)
+                    EXPECT_EQ(rs[i], 1);
+                zel_serv_free(v);
+                zel_serv_free(ci);
+                zel_serv_free(rs);
+            }
+            return status;
+        },
+        [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+            EXPECT_EQ(status, k >= 4 ? 0 : 2) << "allocation " << k; // columns and values may be missing
+            EXPECT_EQ(probe.live(), 0);
+        });
+}
+
+TYPED_TEST(SparseSyrkErrors, PublicProductFailsCleanly)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    for (bool shuffled : {false, true})
+        for (int op : {10, 12}) {
+            auto a = random_matrix<T, I>(8, 6, 0.35, 0, 4, shuffled);
+            int64_t created = 0; // allocations of the handle itself
+            {
+                zel::test::allocator_probe probe;
+                handle_holder<M> h(a);
+                created = probe.requests();
+            }
+            int64_t failures = 0;
+            zel::test::for_each_failing_allocation(
+                [&] {
+                    typename M::A::handle *h = nullptr, *c = nullptr;
+                    I *rs = a.rows_start.data();
+                    if (M::A::create_csr(&h, 0, a.rows, a.cols, rs, rs + 1, a.col_indx.data(),
+                                         reinterpret_cast<typename M::C *>(a.values.data())) != 0)
+                        return -1;
+                    const int status = M::A::syrk(op, h, &c);
+                    if (status == 0)
+                        M::A::destroy(c);
+                    else
+                        EXPECT_EQ(c, nullptr);
+                    M::A::destroy(h);
+                    return status;
+                },
+                [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+                    if (k >= created) {
+                        EXPECT_EQ(status, 2) << "allocation " << k;
+                        ++failures;
+                    }
+                    EXPECT_EQ(probe.live(), 0) << "allocation " << k;
+                });
+            EXPECT_GT(failures, 6);
+        }
+}
