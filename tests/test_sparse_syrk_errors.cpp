@@ -136,12 +136,20 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
     handle_holder<M> h(a);
     stage_operands<M> ops(h.h);
     for (int op : {10, 11}) {
+        C *v0 = nullptr;
+        I *c0 = nullptr, *r0 = nullptr;
+        ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
+        const I nnz = r0[op == 10 ? a.rows : a.cols];
+        // The driver's six arrays (start offsets, markers, row work, row pointer, columns, values)
+        // fail the call; the numeric kernel's accumulator, one per chunk, only changes its path.
         const int64_t total = zel::test::for_each_failing_allocation(
             [&] {
                 C *v = nullptr;
                 I *ci = nullptr, *rs = nullptr;
                 const int status = ops.run(90, op, &v, &ci, &rs);
                 if (status == 0) {
+                    EXPECT_EQ(std::memcmp(ci, c0, nnz * sizeof(I)), 0);
+                    EXPECT_EQ(std::memcmp(v, v0, nnz * sizeof(C)), 0);
                     zel_serv_free(v);
                     zel_serv_free(ci);
                     zel_serv_free(rs);
@@ -151,10 +159,13 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
                 return status;
             },
             [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
-                EXPECT_EQ(status, 2) << "allocation " << k;
+                EXPECT_EQ(status, k < 6 ? 2 : 0) << "allocation " << k;
                 EXPECT_EQ(probe.live(), 0) << "allocation " << k;
             });
-        EXPECT_EQ(total, 6); // start offsets, markers, row work, row pointer, columns, values
+        EXPECT_EQ(total, 6 + 4);
+        zel_serv_free(v0);
+        zel_serv_free(c0);
+        zel_serv_free(r0);
     }
     // The dense driver: two working arrays.
     std::vector<T> c(81);
@@ -238,8 +249,8 @@ TYPED_TEST(SparseSyrkErrors, PublicProductFailsCleanly)
                 },
                 [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
                     if (k >= created) {
-                        EXPECT_EQ(status, 2) << "allocation " << k;
-                        ++failures;
+                        EXPECT_TRUE(status == 2 || status == 0) << "allocation " << k; // 0: a kernel's fallback
+                        failures += status == 2;
                     }
                     EXPECT_EQ(probe.live(), 0) << "allocation " << k;
                 });

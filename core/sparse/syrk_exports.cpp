@@ -81,8 +81,7 @@ template <class C> inline zel::cpp_value_t<C> one() { return zel::cpp_value_t<C>
         I r0, I r1, I m, I lb, const C *lv, const I *lc, const I *lrs, const I *lre, I rb, const C *rv,       \
         const I *rc, const I *rrs, const I *rre, I *so, I *marker, const I *rs, I ob, I *ci, C *v)            \
     {                                                                                                         \
-        (void)m;                                                                                              \
-        syrk_row(r0, r1, lb, arr(lv), lc, lrs, lre, rb, arr(rv), rc, rrs, rre, so, marker, rs, ob, ci, arr(v)); \
+        syrk_row(r0, r1, m, lb, arr(lv), lc, lrs, lre, rb, arr(rv), rc, rrs, rre, so, marker, rs, ob, ci, arr(v)); \
     }                                                                                                         \
     ZEL_API void zel_sparse_##P##_bsr__g_n_syrk_notr_row_##W(                                                 \
         I r0, I r1, I m, I lb, const C *lv, const I *lc, const I *lrs, const I *lre, I rb, const C *rv,       \

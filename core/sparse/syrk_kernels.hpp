@@ -6,7 +6,9 @@
 #include <complex>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
+#include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::sparse_syrk {
@@ -47,8 +49,9 @@ template <class T> inline void scale(T *c, int64_t n, int64_t step, T beta)
     }
 }
 
-// First position of R's row k holding a column >= i; moves the row's cursor there.
-// Rows of the chunk come in increasing order, so the cursor only moves right.
+// First position of R's row k holding a column >= i. The row's cursor moves there, or one
+// further when that entry is i itself: rows of the chunk come in increasing order, and with R the
+// transpose of L the next row to reference k is R's next entry, so the cursor rarely has to walk.
 template <class I> inline I advance_cursor(I k, I i, I r_base, const I *r_col, const I *r_rows_start,
                                            const I *r_rows_end, I *start_offset, I &end)
 {
@@ -57,8 +60,17 @@ template <class I> inline I advance_cursor(I k, I i, I r_base, const I *r_col, c
     I q = begin + start_offset[k];
     while (q < end && r_col[q] - r_base < i)
         ++q;
-    start_offset[k] = q - begin;
+    start_offset[k] = q - begin + (q < end && r_col[q] - r_base == i);
     return q;
+}
+
+// The position advance_cursor returned for row i, from the cursor it left.
+template <class I> inline I cursor_position(I k, I i, I r_base, const I *r_col, const I *r_rows_start,
+                                            const I *start_offset)
+{
+    const I begin = r_rows_start[k] - r_base;
+    const I q = begin + start_offset[k];
+    return q > begin && r_col[q - 1] - r_base == i ? q - 1 : q;
 }
 
 // C(i, i:m) = beta·C(i, i:m) + alpha·L(i,:)·R(:, i:m) for the chunk's rows.
@@ -127,13 +139,19 @@ void syrkd_t(I row_first, I row_end, I cols, I base, const T *values, const I *c
     }
 }
 
-// Symbolic pass: counts of distinct columns j >= i per row; marker[j] == i marks a column seen.
+// Marks of the passes over the marker array, all below the chunk preparation's -1 and -2 and
+// below every position in the output (>= 0), which the numeric pass stores there.
+template <class I> constexpr I symbolic_stamp(I i) { return -(2 * i + 3); }
+template <class I> constexpr I numeric_stamp(I i) { return -(2 * i + 4); }
+
+// Symbolic pass: counts of distinct columns j >= i per row.
 template <class I>
 void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
                  I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
                  I *counts, uint64_t *row_work)
 {
     for (I i = row_first; i < row_end; ++i) {
+        const I stamp = symbolic_stamp(i);
         I count = 0;
         uint64_t work = 0;
         for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
@@ -143,8 +161,8 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
             work += static_cast<uint64_t>(end - q0);
             for (I q = q0; q < end; ++q) {
                 const I j = r_col[q] - r_base;
-                count += marker[j] != i;
-                marker[j] = i;
+                count += marker[j] != stamp;
+                marker[j] = stamp;
             }
         }
         counts[i + 1] = count;
@@ -153,14 +171,14 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
 }
 
 // Sorts a row's columns: insertion sort for the short rows that dominate, introsort beyond.
-template <class I> inline void sort_columns(I *cols, I n)
+template <class K, class I> inline void sort_columns(K *cols, I n)
 {
     if (n > 32) {
         std::sort(cols, cols + n);
         return;
     }
     for (I t = 1; t < n; ++t) {
-        const I v = cols[t];
+        const K v = cols[t];
         I s = t;
         for (; s > 0 && cols[s - 1] > v; --s)
             cols[s] = cols[s - 1];
@@ -168,13 +186,28 @@ template <class I> inline void sort_columns(I *cols, I n)
     }
 }
 
-// Collects row i's distinct columns into out (unsorted), marking them with -(i + 3), a value the
-// symbolic pass (row numbers) and the chunk preparation (-1, -2) never use.
+// Sorts n distinct keys into out by counting, for each key, the keys below it: no branches, and
+// the counting loop runs over whole vectors (keys is padded to a multiple of 8 with the maximum).
+template <class I> inline void rank_sort(I *keys, I n, I *out)
+{
+    const I padded = (n + 7) & ~I(7);
+    for (I t = n; t < padded; ++t)
+        keys[t] = std::numeric_limits<I>::max();
+    for (I t = 0; t < n; ++t) {
+        const I v = keys[t];
+        I rank = 0;
+        for (I s = 0; s < padded; ++s)
+            rank += keys[s] < v;
+        out[rank] = v;
+    }
+}
+
+// Collects row i's distinct columns into out (unsorted), marking them with the numeric stamp.
 template <class I>
 inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
                      const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker, I *out)
 {
-    const I stamp = -(i + 3);
+    const I stamp = numeric_stamp(i);
     I n = 0;
     for (I p = l_begin; p < l_end; ++p) {
         const I k = l_col[p] - l_base;
@@ -191,36 +224,101 @@ inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base
     return n;
 }
 
-// Numeric pass: sorted columns and values of the chunk's rows. The columns are gathered and
-// sorted first; each column's marker then holds its final place, so the products accumulate
-// straight into the output without a dense row or a second sort of the values.
+// Numeric pass of one long row: the columns are gathered and sorted first; each column's marker
+// then holds its final place, so the products accumulate straight into the output.
 template <class T, class I>
-void syrk_row(I row_first, I row_end, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_start, const I *l_rows_end,
+              I r_base, const T *r_values, const I *r_col, const I *r_rows_start, const I *r_rows_end,
+              I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx, T *values)
+{
+    const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+    const I first = rows_start[i] - out_base;
+    I *cols = col_indx + first;
+    T *vals = values + first;
+    const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end, start_offset,
+                            marker, cols);
+    sort_columns(cols, n);
+    for (I t = 0; t < n; ++t) {
+        marker[cols[t]] = first + t;
+        vals[t] = T(0);
+    }
+    for (I p = l_begin; p < l_end; ++p) {
+        const I k = l_col[p] - l_base;
+        const T a = l_values[p];
+        const I end = r_rows_end[k] - r_base;
+        for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q)
+            mul_add(values[marker[r_col[q] - r_base]], a, r_values[q]);
+    }
+    for (I t = 0; t < n; ++t)
+        cols[t] += out_base;
+}
+
+// Numeric pass: sorted columns and values of the chunk's rows. Each row's products add into a
+// dense accumulator x indexed by column while the row's new columns are listed without branches
+// (the list slot is always written, its count advances only for a new column); the list is then
+// sorted and x gathered into the output and cleared. Without memory for x, long_row does the work.
+template <class T, class I>
+void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
               const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
               const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
               T *values)
 {
+    scratch_array<T> accumulator(static_cast<size_t>(rows), 4096);
+    if (!accumulator) {
+        for (I i = row_first; i < row_end; ++i)
+            long_row(i, l_base, l_values, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col, r_rows_start,
+                     r_rows_end, start_offset, marker, rows_start, out_base, col_indx, values);
+        return;
+    }
+    T *x = accumulator.get();
+    std::fill(x, x + rows, T(0));
+    constexpr I short_row = 256;
+    I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
+    I sorted[short_row];
     for (I i = row_first; i < row_end; ++i) {
-        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
-        const I first = rows_start[i] - out_base;
-        I *cols = col_indx + first;
-        T *vals = values + first;
-        const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end,
-                                start_offset, marker, cols);
-        sort_columns(cols, n);
-        for (I t = 0; t < n; ++t) {
-            marker[cols[t]] = first + t;
-            vals[t] = T(0);
-        }
-        for (I p = l_begin; p < l_end; ++p) {
+        const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
+        const I stamp = numeric_stamp(i);
+        const bool fits = count <= short_row;
+        I *cols = fits ? list : col_indx + first;
+        I n = 0;
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
             const I k = l_col[p] - l_base;
             const T a = l_values[p];
-            const I begin = r_rows_start[k] - r_base, end = r_rows_end[k] - r_base;
-            for (I q = begin + start_offset[k]; q < end; ++q)
-                mul_add(values[marker[r_col[q] - r_base]], a, r_values[q]);
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            if (fits) {
+                for (I q = q0; q < end; ++q) {
+                    const I j = r_col[q] - r_base;
+                    mul_add(x[j], a, r_values[q]);
+                    cols[n] = j;
+                    n += marker[j] != stamp;
+                    marker[j] = stamp;
+                }
+            } else {
+                for (I q = q0; q < end; ++q) {
+                    const I j = r_col[q] - r_base;
+                    mul_add(x[j], a, r_values[q]);
+                    if (marker[j] != stamp) {
+                        marker[j] = stamp;
+                        cols[n++] = j;
+                    }
+                }
+            }
         }
-        for (I t = 0; t < n; ++t)
-            cols[t] += out_base;
+        if (fits) {
+            rank_sort(cols, n, sorted);
+            cols = sorted;
+        } else {
+            sort_columns(cols, n);
+        }
+        I *out_cols = col_indx + first;
+        T *out_vals = values + first;
+        for (I t = 0; t < n; ++t) {
+            const I j = cols[t];
+            out_vals[t] = x[j];
+            x[j] = T(0);
+            out_cols[t] = j + out_base;
+        }
     }
 }
 
@@ -260,8 +358,8 @@ void syrk_block_row(I row_first, I row_end, I l_base, const T *l_values, const I
         std::fill(values + first * bb, values + (first + n) * bb, T(0));
         for (I p = l_begin; p < l_end; ++p) {
             const I k = l_col[p] - l_base;
-            const I begin = r_rows_start[k] - r_base, end = r_rows_end[k] - r_base;
-            for (I q = begin + start_offset[k]; q < end; ++q)
+            const I end = r_rows_end[k] - r_base;
+            for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q)
                 block_mul_add(values + marker[r_col[q] - r_base] * bb, l_values + p * bb, r_values + q * bb, bs,
                               col_major);
         }
