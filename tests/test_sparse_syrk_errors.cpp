@@ -167,22 +167,38 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
         zel_serv_free(c0);
         zel_serv_free(r0);
     }
-    // The dense driver: two working arrays.
-    std::vector<T> c(81);
+    // The dense driver: its two working arrays fail the call; the kernels' scratch (blocking,
+    // row buffers) only sends them down their plain paths, with the same result.
     const auto *t = h.h->transposed;
     const auto *r = static_cast<const typename M::A::record *>(h.h->data);
-    const int64_t total = zel::test::for_each_failing_allocation(
-        [&] {
+    for (int layout : {101, 102}) {
+        auto run = [&](std::vector<T> &c) {
             return M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), r->rows, r->cols, r->index_base,
                                   static_cast<const C *>(r->values), r->col_indx, r->rows_start, r->rows_end,
                                   t->index_base, static_cast<const C *>(M::complex ? t->aux : t->values),
-                                  t->col_indx, t->rows_start, t->rows_end, reinterpret_cast<C *>(c.data()), 101, 9);
-        },
-        [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
-            EXPECT_EQ(status, 2) << "allocation " << k;
-            EXPECT_EQ(probe.live(), 0);
-        });
-    EXPECT_EQ(total, 2);
+                                  t->col_indx, t->rows_start, t->rows_end, reinterpret_cast<C *>(c.data()), layout,
+                                  9);
+        };
+        std::vector<T> expected(81);
+        ASSERT_EQ(run(expected), 0);
+        std::vector<T> c(81);
+        const int64_t total = zel::test::for_each_failing_allocation(
+            [&] {
+                std::fill(c.begin(), c.end(), T(0));
+                return run(c);
+            },
+            [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+                EXPECT_EQ(status, k < 2 ? 2 : 0) << "allocation " << k;
+                EXPECT_EQ(probe.live(), 0);
+                if (status != 0)
+                    return;
+                for (size_t e = 0; e < c.size(); ++e) {
+                    const double tol = 64 * std::numeric_limits<typename M::R>::epsilon() * (1 + std::abs(widen(expected[e])));
+                    EXPECT_NEAR(std::abs(widen(c[e]) - widen(expected[e])), 0.0, tol);
+                }
+            });
+        EXPECT_GT(total, 2);
+    }
 }
 
 TYPED_TEST(SparseSyrkErrors, EmptyResultAcceptsFailedZeroSizeArrays)

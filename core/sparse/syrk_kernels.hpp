@@ -73,6 +73,88 @@ template <class I> inline I cursor_position(I k, I i, I r_base, const I *r_col, 
     return q > begin && r_col[q - 1] - r_base == i ? q - 1 : q;
 }
 
+// Blocked form of syrkd_n: the chunk's rows go in blocks whose L entries are chained by column k
+// (rows ascending in every chain), so a right-hand row is fetched once per block rather than once
+// per referencing row, and the block's rows of C stay in cache. Column-major C is summed in a
+// buffer of the block's rows and written back column by column. False when scratch is short.
+template <bool ColMajor, bool WithAlpha, class T, class I>
+bool syrkd_n_blocked(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col,
+                     const I *l_rows_start, const I *l_rows_end, I r_base, const T *r_values, const I *r_col,
+                     const I *r_rows_start, const I *r_rows_end, I *start_offset, T *c, I ldc, T alpha, T beta)
+{
+    const int64_t ld = ldc;
+    I columns = 0, longest = 0;
+    for (I i = row_first; i < row_end; ++i) {
+        longest = std::max(longest, l_rows_end[i] - l_rows_start[i]);
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p)
+            columns = std::max(columns, l_col[p] - l_base + 1);
+    }
+    const I block_rows = static_cast<I>(std::clamp<int64_t>((int64_t(1) << 20) / (int64_t(rows) * sizeof(T) + 1), 1, 128));
+    const size_t capacity = std::max<size_t>(size_t(longest), size_t(1) << 16);
+    scratch_array<I> head(size_t(columns) + 1, 4096), next(capacity, 4096), entry_row(capacity, 4096),
+        chain(capacity, 4096);
+    scratch_array<T> entry_value(capacity, 4096), buffer;
+    if constexpr (ColMajor)
+        buffer = scratch_array<T>(size_t(block_rows) * size_t(rows), 4096);
+    if (!head || !next || !entry_row || !chain || !entry_value || (ColMajor && !buffer))
+        return false;
+    std::fill(head.get(), head.get() + columns + 1, I(-1));
+    if constexpr (ColMajor)
+        std::fill(buffer.get(), buffer.get() + size_t(block_rows) * rows, T(0));
+    const bool beta_zero = beta == T(0), beta_one = is_one(beta);
+    for (I i0 = row_first; i0 < row_end;) {
+        I i1 = i0;
+        for (size_t used = 0; i1 < row_end && i1 - i0 < block_rows; ++i1) {
+            used += size_t(l_rows_end[i1] - l_rows_start[i1]);
+            if (used > capacity)
+                break;
+        }
+        i1 = std::max<I>(i1, i0 + 1);
+        if constexpr (!ColMajor)
+            for (I i = i0; i < i1; ++i)
+                scale(c + i * ld + i, rows - i, 1, beta);
+        // Chains by k, built from the last row back so that each chain lists rows ascending.
+        I chains = 0, e = 0;
+        for (I i = i1 - 1; i >= i0; --i)
+            for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p, ++e) {
+                const I k = l_col[p] - l_base;
+                entry_row[e] = i;
+                entry_value[e] = WithAlpha ? mul(alpha, l_values[p]) : l_values[p];
+                next[e] = head[k];
+                if (head[k] < 0)
+                    chain[chains++] = k;
+                head[k] = e;
+            }
+        for (I t = 0; t < chains; ++t) {
+            const I k = chain[t];
+            for (I f = head[k]; f >= 0; f = next[f]) {
+                const I i = entry_row[f];
+                const T a = entry_value[f];
+                I end;
+                const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+                T *target = ColMajor ? buffer.get() + int64_t(i - i0) * rows : c + i * ld;
+                for (I q = q0; q < end; ++q)
+                    mul_add(target[r_col[q] - r_base], a, r_values[q]);
+            }
+            head[k] = -1;
+        }
+        if constexpr (ColMajor) {
+            T *buf = buffer.get();
+            for (int64_t j = i0; j < rows; ++j) {
+                const I last = static_cast<I>(std::min<int64_t>(i1 - 1, j));
+                for (I i = i0; i <= last; ++i) {
+                    T &cij = c[i + j * ld];
+                    T &sum = buf[int64_t(i - i0) * rows + j];
+                    cij = beta_zero ? sum : beta_one ? cij + sum : mul(cij, beta) + sum;
+                    sum = T(0);
+                }
+            }
+        }
+        i0 = i1;
+    }
+    return true;
+}
+
 // C(i, i:m) = beta·C(i, i:m) + alpha·L(i,:)·R(:, i:m) for the chunk's rows. A column-major C
 // has its row i spread over m cache lines, so there the row is summed in a dense buffer first and
 // C touched once per entry (straight into C when the buffer cannot be had).
@@ -81,6 +163,10 @@ void syrkd_n(I row_first, I row_end, I rows, I l_base, const T *l_values, const 
              const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
              const I *r_rows_end, I *start_offset, T *c, I ldc, T alpha, T beta)
 {
+    if (syrkd_n_blocked<ColMajor, WithAlpha>(row_first, row_end, rows, l_base, l_values, l_col, l_rows_start,
+                                             l_rows_end, r_base, r_values, r_col, r_rows_start, r_rows_end,
+                                             start_offset, c, ldc, alpha, beta))
+        return;
     const int64_t ld = ldc;
     scratch_array<T> buffer;
     if constexpr (ColMajor)
