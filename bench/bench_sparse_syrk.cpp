@@ -227,7 +227,7 @@ int run(int argc, char **argv)
     if (want[0])
         sparse_case("7-point Laplacian 100^3", laplacian(quick ? 40 : 100), 5, 1.4);
     if (want[1])
-        sparse_case("random", random_csr(quick ? 100000 : 1000000, quick ? 100000 : 1000000, 10, 12345), 2, 1.1);
+        sparse_case("random", random_csr(quick ? 100000 : 1000000, quick ? 100000 : 1000000, 10, 12345), 1, 1.1);
     if (want[2])
         std::printf("dense result C = A·Aᵀ\n");
     for (double density : {0.01, 0.10}) {

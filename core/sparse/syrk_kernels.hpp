@@ -247,54 +247,6 @@ void syrkd_t(I row_first, I row_end, I cols, I base, const T *values, const I *c
     }
 }
 
-// Software prefetch of the right-hand rows that row `ahead` of L will walk: with `heads` their
-// offsets and cursors, otherwise (those having been fetched earlier) their indices and values.
-// Rows of R are met in no useful order for general patterns, so without this every visit waits
-// on memory; a few rows ahead the fetches overlap.
-template <class T, class I>
-inline void prefetch_right(I ahead, I row_end, bool heads, I l_base, const I *l_col, const I *l_rows_start,
-                           const I *l_rows_end, I r_base, const I *r_col, const T *r_values, const I *r_rows_start,
-                           const I *start_offset)
-{
-    if (ahead >= row_end)
-        return;
-    for (I p = l_rows_start[ahead] - l_base; p < l_rows_end[ahead] - l_base; ++p) {
-        const I k = l_col[p] - l_base;
-        if (heads) {
-            __builtin_prefetch(r_rows_start + k);
-            __builtin_prefetch(start_offset + k);
-        } else {
-            const I q = r_rows_start[k] - r_base + start_offset[k];
-            __builtin_prefetch(r_col + q);
-            if (r_values != nullptr)
-                __builtin_prefetch(r_values + q);
-        }
-    }
-}
-constexpr int prefetch_heads_ahead = 6;
-constexpr int prefetch_rows_ahead = 3;
-
-// Prefetch of the accumulator and marker places row `ahead` will touch (its right-hand rows are
-// expected in cache by now).
-template <class T, class I>
-inline void prefetch_places(I ahead, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
-                            I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end,
-                            const I *start_offset, const I *marker, const T *x)
-{
-    if (ahead >= row_end)
-        return;
-    for (I p = l_rows_start[ahead] - l_base; p < l_rows_end[ahead] - l_base; ++p) {
-        const I k = l_col[p] - l_base;
-        const I end = r_rows_end[k] - r_base;
-        for (I q = r_rows_start[k] - r_base + start_offset[k]; q < end; ++q) {
-            const I j = r_col[q] - r_base;
-            __builtin_prefetch(marker + j, 1);
-            if (x != nullptr)
-                __builtin_prefetch(x + j, 1);
-        }
-    }
-}
-
 // Marks of the passes over the marker array, all below the chunk preparation's -1 and -2 and
 // below every position in the output (>= 0), which the numeric pass stores there.
 template <class I> constexpr I symbolic_stamp(I i) { return -(2 * i + 3); }
@@ -307,12 +259,6 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
                  I *counts, uint64_t *row_work)
 {
     for (I i = row_first; i < row_end; ++i) {
-        prefetch_right<int, I>(i + prefetch_heads_ahead, row_end, true, l_base, l_col, l_rows_start, l_rows_end,
-                               r_base, r_col, nullptr, r_rows_start, start_offset);
-        prefetch_right<int, I>(i + prefetch_rows_ahead, row_end, false, l_base, l_col, l_rows_start, l_rows_end,
-                               r_base, r_col, nullptr, r_rows_start, start_offset);
-        prefetch_places<int, I>(i + 1, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start,
-                                r_rows_end, start_offset, marker, nullptr);
         const I stamp = symbolic_stamp(i);
         I count = 0;
         uint64_t work = 0;
@@ -438,12 +384,6 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
     I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
     I sorted[short_row];
     for (I i = row_first; i < row_end; ++i) {
-        prefetch_right(i + prefetch_heads_ahead, row_end, true, l_base, l_col, l_rows_start, l_rows_end, r_base,
-                       r_col, r_values, r_rows_start, start_offset);
-        prefetch_right(i + prefetch_rows_ahead, row_end, false, l_base, l_col, l_rows_start, l_rows_end, r_base,
-                       r_col, r_values, r_rows_start, start_offset);
-        prefetch_places(i + 1, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start,
-                        r_rows_end, start_offset, marker, x);
         const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
         const I stamp = numeric_stamp(i);
         const bool fits = count <= short_row;
