@@ -37,9 +37,8 @@ void expect_dense(const std::vector<T> &c, const std::vector<T> &c0, const refer
 {
     using R = zel::real_t<T>;
     const int64_t m = ref.m;
-    const int64_t outer = column_major ? m : m, inner = ldc;
-    for (int64_t a = 0; a < outer; ++a)
-        for (int64_t b = 0; b < inner; ++b) {
+    for (int64_t a = 0; a < m; ++a) // a: the stored line (row or column), b: the place in it
+        for (int64_t b = 0; b < ldc; ++b) {
             const int64_t i = column_major ? b : a, j = column_major ? a : b, at = a * ldc + b;
             if (i < m && j < m && j >= i) {
                 const cd c0v = beta == T(0) ? cd() : widen(c0[at]);
@@ -146,6 +145,28 @@ TYPED_TEST(SparseSyrk, DenseResultMatchesReference)
                         expect_dense(c, c0, ref, ldc, cm, alpha, beta);
                     }
         }
+    }
+}
+
+// alpha NaN is not 1: it reaches every formed entry instead of being dropped as a unit factor.
+TYPED_TEST(SparseSyrk, NanAlphaTakesTheScaledPath)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    auto a = random_matrix<T, I>(6, 5, 0.4, 0, 8);
+    handle_holder<M> h(a);
+    const T alpha = make_value<T>(std::nan(""), 0.0);
+    for (int op : {10, 11}) {
+        const reference ref = syrk_reference(dense(a), a.rows, a.cols, op);
+        std::vector<T> c(ref.m * ref.m, T(0));
+        ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(T(0)),
+                              reinterpret_cast<typename M::C *>(c.data()), 101, I(ref.m)),
+                  0);
+        for (int64_t i = 0; i < ref.m; ++i)
+            for (int64_t j = i; j < ref.m; ++j)
+                if (ref.pattern[i * ref.m + j])
+                    EXPECT_TRUE(std::isnan(std::abs(widen(c[i * ref.m + j])))) << i << "," << j;
     }
 }
 
