@@ -165,8 +165,9 @@ TYPED_TEST(SparseSyrk, NanAlphaTakesTheScaledPath)
                   0);
         for (int64_t i = 0; i < ref.m; ++i)
             for (int64_t j = i; j < ref.m; ++j)
-                if (ref.pattern[i * ref.m + j])
+                if (ref.pattern[i * ref.m + j]) {
                     EXPECT_TRUE(std::isnan(std::abs(widen(c[i * ref.m + j])))) << i << "," << j;
+                }
     }
 }
 
