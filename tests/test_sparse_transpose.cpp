@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
 #include <tuple>
 
 #include "alloc_fault.hpp"
@@ -31,6 +34,13 @@ const shape shapes[] = {{ZEL_SPARSE_FORMAT_CSR, 1, 9, 13}, {ZEL_SPARSE_FORMAT_CS
                         {ZEL_SPARSE_FORMAT_BSR, 3, 4, 5},  {ZEL_SPARSE_FORMAT_CSR, 1, 1, 1}};
 
 template <class T> const T *values_of(const void *p) { return static_cast<const T *>(p); }
+template <class T> T conj_value(T v)
+{
+    if constexpr (is_complex_value<T>)
+        return std::conj(v);
+    else
+        return v;
+}
 
 // The transposed record holds op(A) in A's format, sorted, with the documented fields.
 template <class T, class I>
@@ -175,6 +185,96 @@ TYPED_TEST(SparseTranspose, KernelPartsGiveTheSameArrays)
                 EXPECT_EQ(in, i1) << nparts << " parts";
                 EXPECT_EQ(vn, v1) << nparts << " parts";
             }
+        }
+}
+
+// Wide, scattered patterns take the kernel's staged two-pass scatter when it has one part;
+// several parts and a refused staging buffer take the direct one. All give the same arrays.
+TYPED_TEST(SparseTranspose, KernelWideScatteredPatterns)
+{
+    using T = typename TypeParam::value;
+    using I = typename TypeParam::index;
+    using api = typename TypeParam::api;
+    std::mt19937_64 rng(29);
+    const I n_in = 1500, n_out = 70001;
+    for (I base : {0, 1})
+        for (bool with_values : {true, false}) {
+            compressed<T, I> a;
+            a.starts.push_back(base);
+            std::uniform_int_distribution<int64_t> col(0, n_out - 1);
+            for (I i = 0; i < n_in; ++i) {
+                std::vector<I> row;
+                for (int k = 0; k < (i % 7 == 0 ? 0 : 9); ++k)
+                    row.push_back(static_cast<I>(col(rng)));
+                std::sort(row.begin(), row.end());
+                for (I j : row) {
+                    a.indices.push_back(j + base);
+                    if (with_values)
+                        a.values.push_back(random_value<T>(rng));
+                }
+                a.starts.push_back(static_cast<I>(a.indices.size()) + base);
+            }
+            const I nnz = static_cast<I>(a.indices.size());
+            auto run = [&](I nparts, bool refuse_staging, std::vector<I> &o, std::vector<I> &ix, std::vector<T> &v) {
+                o.assign(n_out + 1, -3);
+                ix.assign(nnz, -3);
+                v.assign(a.values.size(), T(-3));
+                std::vector<I> work(size_t(nparts) * n_out);
+                allocator_probe probe;
+                if (refuse_staging)
+                    probe.fail_at(1); // the partition array is the first request
+                const int status = api::kernel(n_out, n_in, nnz, nparts, op_c, base, 1, a.starts.data(),
+                                               a.starts.data() + 1, a.indices.data(),
+                                               with_values ? a.values.data() : nullptr, o.data(), ix.data(),
+                                               with_values ? v.data() : nullptr, work.data());
+                EXPECT_EQ(probe.live(), 0);
+                return status;
+            };
+            std::vector<I> o1, i1, o2, i2, o3, i3;
+            std::vector<T> v1, v2, v3;
+            ASSERT_EQ(run(1, false, o1, i1, v1), 0);
+            ASSERT_EQ(run(3, false, o2, i2, v2), 0);
+            ASSERT_EQ(run(1, true, o3, i3, v3), 0);
+            EXPECT_EQ(o1, o2);
+            EXPECT_EQ(i1, i2);
+            EXPECT_EQ(v1, v2);
+            EXPECT_EQ(o1, o3);
+            EXPECT_EQ(i1, i3);
+            EXPECT_EQ(v1, v3);
+            // The same rows in four-array form with two unused slots ahead of each row.
+            std::vector<I> starts4, ends4, indices4;
+            std::vector<T> values4;
+            for (I i = 0; i < n_in; ++i) {
+                indices4.insert(indices4.end(), 2, I(n_out + 7));
+                if (with_values)
+                    values4.insert(values4.end(), 2, T(99));
+                starts4.push_back(static_cast<I>(indices4.size()) + base);
+                for (I e = a.starts[i] - base; e < a.starts[i + 1] - base; ++e) {
+                    indices4.push_back(a.indices[e]);
+                    if (with_values)
+                        values4.push_back(a.values[e]);
+                }
+                ends4.push_back(static_cast<I>(indices4.size()) + base);
+            }
+            std::vector<I> o4(n_out + 1), i4(nnz), work4(n_out);
+            std::vector<T> v4(a.values.size());
+            ASSERT_EQ(api::kernel(n_out, n_in, static_cast<I>(indices4.size()), 1, op_c, base, 1, starts4.data(),
+                                  ends4.data(), indices4.data(), with_values ? values4.data() : nullptr, o4.data(),
+                                  i4.data(), with_values ? v4.data() : nullptr, work4.data()),
+                      0);
+            EXPECT_EQ(o4, o1);
+            EXPECT_EQ(i4, i1);
+            EXPECT_EQ(v4, v1);
+            // Against the definition: entry (i, j) of A is entry (j, i) of the result, conjugated.
+            std::vector<I> next(o1.begin(), o1.end() - 1);
+            bool all_found = true;
+            for (I i = 0; i < n_in && all_found; ++i)
+                for (I e = a.starts[i] - base; e < a.starts[i + 1] - base; ++e) {
+                    const I q = next[a.indices[e] - base]++ - base;
+                    all_found = all_found && i1[q] == i + base &&
+                                (!with_values || v1[q] == (is_complex_value<T> ? conj_value(a.values[e]) : a.values[e]));
+                }
+            EXPECT_TRUE(all_found);
         }
 }
 
@@ -487,6 +587,49 @@ TEST(SparseTransposeMatrices, RoundTripsOnRealMatrices)
         ++checked;
     }
     EXPECT_GT(checked, 0);
+}
+
+// The reader expands stored triangles and converts to 0-based triplets; it refuses what it
+// cannot read.
+TEST(MatrixMarketReader, ExpandsSymmetriesAndRefusesBadFiles)
+{
+    const auto dir = std::filesystem::temp_directory_path();
+    auto write = [&](const char *name, const char *text) {
+        const auto path = (dir / name).string();
+        std::ofstream(path) << text;
+        return path;
+    };
+    auto sym = read_matrix_market(write("zel_mm_sym.mtx", "%%MatrixMarket matrix coordinate real symmetric\n"
+                                                          "% comment\n\n  3 3 3\n1 1 2.5\n3 1 -1\n3 2 4e-1\n"));
+    EXPECT_EQ(sym.rows, 3);
+    EXPECT_EQ(sym.row, (std::vector<int64_t>{0, 2, 0, 2, 1}));
+    EXPECT_EQ(sym.col, (std::vector<int64_t>{0, 0, 2, 1, 2}));
+    EXPECT_EQ(sym.value[2], std::complex<double>(-1.0));
+    EXPECT_EQ(sym.value[4], std::complex<double>(0.4));
+
+    auto skew = read_matrix_market(write("zel_mm_skew.mtx", "%%MatrixMarket matrix coordinate integer skew-symmetric\n"
+                                                            "2 2 1\n2 1 7\n"));
+    EXPECT_EQ(skew.value, (std::vector<std::complex<double>>{7.0, -7.0}));
+    auto herm = read_matrix_market(write("zel_mm_herm.mtx", "%%MatrixMarket matrix coordinate complex hermitian\n"
+                                                            "2 2 2\n1 1 3 0\n2 1 1 -2\n"));
+    EXPECT_TRUE(herm.is_complex());
+    EXPECT_EQ(herm.value, (std::vector<std::complex<double>>{{3, 0}, {1, -2}, {1, 2}}));
+    auto pattern = read_matrix_market(write("zel_mm_pat.mtx", "%%MatrixMarket matrix coordinate pattern general\n"
+                                                              "2 3 2\n1 3\n2 2\n"));
+    EXPECT_EQ(pattern.cols, 3);
+    EXPECT_EQ(pattern.col, (std::vector<int64_t>{2, 1}));
+    EXPECT_EQ(pattern.value, (std::vector<std::complex<double>>{1.0, 1.0}));
+
+    const char *bad[] = {"%%MatrixMarket matrix array real general\n2 2\n1\n2\n3\n4\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 2\n1 1 1\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 1\n3 1 1\n",
+                         "%%MatrixMarket matrix coordinate real general\n2 2 1\n1 1\n",
+                         "%%MatrixMarket matrix coordinate quaternion general\n1 1 0\n"};
+    for (const char *text : bad)
+        EXPECT_THROW(read_matrix_market(write("zel_mm_bad.mtx", text)), std::runtime_error) << text;
+    EXPECT_THROW(read_matrix_market((dir / "zel_mm_missing.mtx").string()), std::runtime_error);
+    for (const char *name : {"zel_mm_sym.mtx", "zel_mm_skew.mtx", "zel_mm_herm.mtx", "zel_mm_pat.mtx", "zel_mm_bad.mtx"})
+        std::filesystem::remove(dir / name);
 }
 
 } // namespace
