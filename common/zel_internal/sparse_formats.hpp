@@ -112,7 +112,8 @@ template <class I> struct source_view {
     int64_t scalar_entries() const { return int64_t(nnz) * block * block; }
 };
 
-// The view of a handle's storage record; false when the handle has none or an unknown format.
+// The view of a handle's storage record; false when the handle has none, an unknown format or
+// a record whose arrays are missing.
 template <class I> bool view_of(const handle_t<I> *handle, source_view<I> &view)
 {
     if (handle->data == nullptr || handle->format < 0 || handle->format > 3)
@@ -127,7 +128,7 @@ template <class I> bool view_of(const handle_t<I> *handle, source_view<I> &view)
         view.row_index = coo->row_indx;
         view.index = coo->col_indx;
         view.values = coo->values;
-        return true;
+        return view.nnz <= 0 || (view.row_index != nullptr && view.index != nullptr);
     }
     auto *csr = static_cast<const csr_t<I> *>(handle->data);
     view.rows = csr->rows;
@@ -140,8 +141,10 @@ template <class I> bool view_of(const handle_t<I> *handle, source_view<I> &view)
     view.index = csr->col_indx;
     view.values = csr->values;
     const I n = view.compressed();
-    view.nnz = n > 0 && view.ends != nullptr ? view.ends[n - 1] - view.base : 0;
-    return true;
+    if (n > 0 && (view.starts == nullptr || view.ends == nullptr))
+        return false;
+    view.nnz = n > 0 ? view.ends[n - 1] - view.base : 0;
+    return view.nnz <= 0 || view.index != nullptr;
 }
 
 // Calls visit(r, c, p) for every scalar entry of op(A): zero-based coordinates of op(A) and the
@@ -232,7 +235,7 @@ template <class T, class I> int build_compressed(const source_view<I> &a, int op
     out.sorted = slices_sorted(starts.get(), index.get(), slices, a.base);
     out.rows = I(m);
     out.cols = I(n);
-    out.nnz = I(nnz);
+    out.nnz = starts[slices] - a.base; // a four-array source may leave gaps uncounted
     out.index_base = a.base;
     out.block_size = 1;
     out.owns_arrays = 1;
@@ -278,7 +281,7 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
     out.sorted = sorted;
     out.rows = I(m);
     out.cols = I(n);
-    out.nnz = I(nnz);
+    out.nnz = I(k);
     out.index_base = a.base;
     out.owns_arrays = 1;
     out.inplace_copy = 1;

@@ -394,7 +394,8 @@ template <class I> int copy_any(const handle_t<I> *source, handle_t<I> **dest)
 {
     if (source == nullptr || dest == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
-    if (source->data == nullptr || source->format < 0 || source->format > 3)
+    source_view<I> view;
+    if (!view_of(source, view))
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
     return with_value_type(source->data_type, [&](auto value) { return copy<decltype(value), I>(source, dest); });
 }
