@@ -1,4 +1,4 @@
-// `zel bench sparse-products`: the A·Aᵀ products against their peers in the same process.
+// The A·Aᵀ section of `zel bench sparse`: the products against their peers in the same process.
 //   sparse result (upper triangle, sorted columns) vs CSparse cs_multiply(A, cs_transpose(A))
 //   (full product, unsorted); dense result vs densifying A and calling OpenBLAS dsyrk_.
 #include <malloc.h>
@@ -11,7 +11,6 @@
 #include <functional>
 #include <vector>
 
-#include "command.hpp"
 #include "zel/sparse_handle.h"
 #include "zel/sparse_syrk.h"
 
@@ -204,40 +203,25 @@ void dense_case(const csr &a, double density, int reps, double goal)
     std::printf("  (dsyrk_ alone %.4f s)\n", dsyrk_only);
 }
 
-int run(int argc, char **argv)
+} // namespace
+
+namespace zel::bench {
+
+// The `syrk` section of `zel bench sparse`: the Laplacian with `repeats` timed runs (at most 5),
+// the large random matrix with one, the dense products with three.
+int syrk_section(int repeats)
 {
-    // Options: --quick (small sizes), and section names (laplacian, random, dense) to run only those.
-    bool quick = false, all = true, want[3] = {false, false, false};
-    const char *names[3] = {"laplacian", "random", "dense"};
-    for (int a = 1; a < argc; ++a) {
-        if (std::strcmp(argv[a], "--quick") == 0)
-            quick = true;
-        for (int s = 0; s < 3; ++s)
-            if (std::strcmp(argv[a], names[s]) == 0)
-                want[s] = true, all = false;
-    }
-    if (all)
-        want[0] = want[1] = want[2] = true;
     // Freed memory stays with the process, so repeated runs work on memory already touched.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, -1);
     std::printf("A·Aᵀ products (seconds, best of runs after a warm-up; ratio = peer / zel)\n");
     std::printf("%-34s %10s %-28s %10s %8s %7s\n", "case", "zel", "peer", "peer", "ratio", "goal");
-    if (want[0])
-        sparse_case("7-point Laplacian 100^3", laplacian(quick ? 40 : 100), 5, 1.4);
-    if (want[1])
-        sparse_case("random", random_csr(quick ? 100000 : 1000000, quick ? 100000 : 1000000, 10, 12345), 1, 1.1);
-    if (want[2])
-        std::printf("dense result C = A·Aᵀ\n");
-    for (double density : {0.01, 0.10}) {
-        if (!want[2])
-            break;
-        const int32_t cols = quick ? 4000 : 20000;
-        dense_case(random_csr(2000, cols, int32_t(density * cols), 777), density, 3, density < 0.05 ? 5.0 : 1.5);
-    }
+    sparse_case("7-point Laplacian 100^3", laplacian(100), std::min(repeats, 5), 1.4);
+    sparse_case("random", random_csr(1000000, 1000000, 10, 12345), 1, 1.1);
+    std::printf("dense result C = A·Aᵀ\n");
+    for (double density : {0.01, 0.10})
+        dense_case(random_csr(2000, 20000, int32_t(density * 20000), 777), density, 3, density < 0.05 ? 5.0 : 1.5);
     return 0;
 }
 
-} // namespace
-
-ZEL_TOOL_COMMAND("bench", "sparse-products", "A·Aᵀ products against CSparse and OpenBLAS dsyrk", run);
+} // namespace zel::bench
