@@ -273,3 +273,35 @@ TYPED_TEST(SparseSyrkErrors, PublicProductFailsCleanly)
             EXPECT_GT(failures, 6);
         }
 }
+
+// A row pointer that promises fewer entries than the operands produce (stage 92 trusts the caller's)
+// bounds every row: nothing is written past the arrays it describes.
+TYPED_TEST(SparseSyrkErrors, ShortRowPointerBoundsTheFill)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto a = random_matrix<T, I>(12, 9, 0.4, 0, 6);
+    handle_holder<M> h(a);
+    stage_operands<M> ops(h.h);
+    C *v = nullptr;
+    I *ci = nullptr, *rs = nullptr;
+    ASSERT_EQ(ops.run(91, 10, &v, &ci, &rs), 0);
+    std::vector<I> short_rows(13, 0);
+    for (int i = 0; i < 12; ++i)
+        short_rows[i + 1] = short_rows[i] + (rs[i + 1] - rs[i]) / 2;
+    zel_serv_free(rs);
+    const I nnz = short_rows[12];
+    std::vector<I> cols(nnz);
+    std::vector<T> vals(nnz);
+    I *rows_ptr = short_rows.data();
+    C *vp = reinterpret_cast<C *>(vals.data());
+    I *cp = cols.data();
+    ASSERT_EQ(ops.run(92, 10, &vp, &cp, &rows_ptr), 0);
+    for (int i = 0; i < 12; ++i)
+        for (I p = short_rows[i]; p < short_rows[i + 1]; ++p) {
+            EXPECT_GE(cols[p], i);
+            EXPECT_LT(cols[p], 12);
+        }
+}

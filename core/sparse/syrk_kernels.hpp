@@ -310,10 +310,12 @@ template <class I> inline void rank_sort(I *keys, I n, I *out)
     }
 }
 
-// Collects row i's distinct columns into out (unsorted), marking them with the numeric stamp.
+// Collects row i's distinct columns into out (unsorted, at most cap: the row's counted length, so
+// that a row pointer inconsistent with the operands cannot write past the row), marking them with
+// the numeric stamp.
 template <class I>
 inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
-                     const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker, I *out)
+                     const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker, I *out, I cap)
 {
     const I stamp = numeric_stamp(i);
     I n = 0;
@@ -323,7 +325,7 @@ inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base
         const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
         for (I q = q0; q < end; ++q) {
             const I j = r_col[q] - r_base;
-            if (marker[j] != stamp) {
+            if (marker[j] != stamp && n < cap) {
                 marker[j] = stamp;
                 out[n++] = j;
             }
@@ -344,7 +346,7 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
     I *cols = col_indx + first;
     T *vals = values + first;
     const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end, start_offset,
-                            marker, cols);
+                            marker, cols, rows_start[i + 1] - out_base - first);
     sort_columns(cols, n);
     for (I t = 0; t < n; ++t) {
         marker[cols[t]] = first + t;
@@ -354,8 +356,11 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
         const I k = l_col[p] - l_base;
         const T a = l_values[p];
         const I end = r_rows_end[k] - r_base;
-        for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q)
-            mul_add(values[marker[r_col[q] - r_base]], a, r_values[q]);
+        for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q) {
+            const I place = marker[r_col[q] - r_base];
+            if (place >= first) // only a column cut off by the cap has none
+                mul_add(values[place], a, r_values[q]);
+        }
     }
     for (I t = 0; t < n; ++t)
         cols[t] += out_base;
@@ -398,7 +403,7 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
                 for (I q = q0; q < end; ++q) {
                     const I j = r_col[q] - r_base;
                     mul_add(x[j], a, r_values[q]);
-                    cols[n] = j;
+                    cols[n < short_row ? n : short_row] = j;
                     n += marker[j] != stamp;
                     marker[j] = stamp;
                 }
@@ -406,13 +411,14 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
                 for (I q = q0; q < end; ++q) {
                     const I j = r_col[q] - r_base;
                     mul_add(x[j], a, r_values[q]);
-                    if (marker[j] != stamp) {
+                    if (marker[j] != stamp && n < count) {
                         marker[j] = stamp;
                         cols[n++] = j;
                     }
                 }
             }
         }
+        n = std::min(n, count); // the row pointer bounds the row, whatever the operands say
         if (fits) {
             rank_sort(cols, n, sorted);
             cols = sorted;
@@ -459,7 +465,7 @@ void syrk_block_row(I row_first, I row_end, I l_base, const T *l_values, const I
         const I first = rows_start[i] - out_base;
         I *cols = col_indx + first;
         const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end,
-                                start_offset, marker, cols);
+                                start_offset, marker, cols, rows_start[i + 1] - out_base - first);
         sort_columns(cols, n);
         for (I t = 0; t < n; ++t)
             marker[cols[t]] = first + t;
@@ -467,9 +473,11 @@ void syrk_block_row(I row_first, I row_end, I l_base, const T *l_values, const I
         for (I p = l_begin; p < l_end; ++p) {
             const I k = l_col[p] - l_base;
             const I end = r_rows_end[k] - r_base;
-            for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q)
-                block_mul_add(values + marker[r_col[q] - r_base] * bb, l_values + p * bb, r_values + q * bb, bs,
-                              col_major);
+            for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q) {
+                const I place = marker[r_col[q] - r_base];
+                if (place >= first)
+                    block_mul_add(values + place * bb, l_values + p * bb, r_values + q * bb, bs, col_major);
+            }
         }
         for (I t = 0; t < n; ++t)
             cols[t] += out_base;
