@@ -231,6 +231,16 @@ int transpose_section(const bench_options &options)
     return 0;
 }
 
+} // namespace
+
+namespace zel::bench {
+int syrk_section(int repeats); // bench_sparse_syrk.cpp
+}
+
+namespace {
+
+int syrk_section(const bench_options &options) { return zel::bench::syrk_section(options.repeats); }
+
 struct bench_section {
     const char *name;
     const char *summary;
@@ -238,6 +248,7 @@ struct bench_section {
 };
 const bench_section sections[] = {
     {"transpose", "transposed record and kernel vs cs_transpose", transpose_section},
+    {"syrk", "A·Aᵀ sparse result vs cs_multiply(A, cs_transpose(A)), dense result vs dsyrk_", syrk_section},
 };
 
 int run_sparse_bench(int argc, char **argv)

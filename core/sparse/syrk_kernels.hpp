@@ -1,0 +1,487 @@
+// Numeric kernels of the products of a sparse matrix with its own transpose, one chunk of rows
+// per call. L is the left operand, R the right one (rows indexed by L's columns, sorted rows).
+#pragma once
+
+#include <algorithm>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "zel_internal/scratch.hpp"
+#include "zel_internal/value_traits.hpp"
+
+namespace zel::sparse_syrk {
+
+// c += a·b without the library's NaN-recovery path for complex operands.
+template <class T> inline void mul_add(T &c, T a, T b)
+{
+    if constexpr (is_complex_v<T>) {
+        using R = real_t<T>;
+        R cr = c.real() + (a.real() * b.real() - a.imag() * b.imag());
+        R ci = c.imag() + (a.real() * b.imag() + a.imag() * b.real());
+        c = T(cr, ci);
+    } else {
+        c += a * b;
+    }
+}
+
+template <class T> inline T mul(T a, T b)
+{
+    T c{};
+    mul_add(c, a, b);
+    return c;
+}
+
+template <class T> inline bool is_one(T v) { return v == T(1); }
+
+// Scales n values spaced by `step` by beta; beta = 0 clears them (NaN and Inf included).
+template <class T> inline void scale(T *c, int64_t n, int64_t step, T beta)
+{
+    if (is_one(beta))
+        return;
+    if (beta == T(0)) {
+        for (int64_t t = 0; t < n; ++t)
+            c[t * step] = T(0);
+    } else {
+        for (int64_t t = 0; t < n; ++t)
+            c[t * step] = mul(c[t * step], beta);
+    }
+}
+
+// First position of R's row k holding a column >= i. The row's cursor moves there, or one
+// further when that entry is i itself: rows of the chunk come in increasing order, and with R the
+// transpose of L the next row to reference k is R's next entry, so the cursor rarely has to walk.
+template <class I> inline I advance_cursor(I k, I i, I r_base, const I *r_col, const I *r_rows_start,
+                                           const I *r_rows_end, I *start_offset, I &end)
+{
+    const I begin = r_rows_start[k] - r_base;
+    end = r_rows_end[k] - r_base;
+    I q = begin + start_offset[k];
+    while (q < end && r_col[q] - r_base < i)
+        ++q;
+    start_offset[k] = q - begin + (q < end && r_col[q] - r_base == i);
+    return q;
+}
+
+// The position advance_cursor returned for row i, from the cursor it left.
+template <class I> inline I cursor_position(I k, I i, I r_base, const I *r_col, const I *r_rows_start,
+                                            const I *start_offset)
+{
+    const I begin = r_rows_start[k] - r_base;
+    const I q = begin + start_offset[k];
+    return q > begin && r_col[q - 1] - r_base == i ? q - 1 : q;
+}
+
+// Blocked form of syrkd_n: the chunk's rows go in blocks whose L entries are chained by column k
+// (rows ascending in every chain), so a right-hand row is fetched once per block rather than once
+// per referencing row, and the block's rows of C stay in cache. Column-major C is summed in a
+// buffer of the block's rows and written back column by column. False when scratch is short.
+template <bool ColMajor, bool WithAlpha, class T, class I>
+bool syrkd_n_blocked(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col,
+                     const I *l_rows_start, const I *l_rows_end, I r_base, const T *r_values, const I *r_col,
+                     const I *r_rows_start, const I *r_rows_end, I *start_offset, T *c, I ldc, T alpha, T beta)
+{
+    const int64_t ld = ldc;
+    I columns = 0, longest = 0;
+    for (I i = row_first; i < row_end; ++i) {
+        longest = std::max(longest, l_rows_end[i] - l_rows_start[i]);
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p)
+            columns = std::max(columns, l_col[p] - l_base + 1);
+    }
+    const I block_rows = static_cast<I>(std::clamp<int64_t>((int64_t(1) << 20) / (int64_t(rows) * sizeof(T) + 1), 1, 128));
+    const size_t capacity = std::max<size_t>(size_t(longest), size_t(1) << 16);
+    scratch_array<I> head(size_t(columns) + 1, 4096), next(capacity, 4096), entry_row(capacity, 4096),
+        chain(capacity, 4096);
+    scratch_array<T> entry_value(capacity, 4096), buffer;
+    if constexpr (ColMajor)
+        buffer = scratch_array<T>(size_t(block_rows) * size_t(rows), 4096);
+    if (!head || !next || !entry_row || !chain || !entry_value || (ColMajor && !buffer))
+        return false;
+    std::fill(head.get(), head.get() + columns + 1, I(-1));
+    if constexpr (ColMajor)
+        std::fill(buffer.get(), buffer.get() + size_t(block_rows) * rows, T(0));
+    const bool beta_zero = beta == T(0), beta_one = is_one(beta);
+    for (I i0 = row_first; i0 < row_end;) {
+        I i1 = i0;
+        for (size_t used = 0; i1 < row_end && i1 - i0 < block_rows; ++i1) {
+            used += size_t(l_rows_end[i1] - l_rows_start[i1]);
+            if (used > capacity)
+                break;
+        }
+        i1 = std::max<I>(i1, i0 + 1);
+        if constexpr (!ColMajor)
+            for (I i = i0; i < i1; ++i)
+                scale(c + i * ld + i, rows - i, 1, beta);
+        // Chains by k, built from the last row back so that each chain lists rows ascending.
+        I chains = 0, e = 0;
+        for (I i = i1 - 1; i >= i0; --i)
+            for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p, ++e) {
+                const I k = l_col[p] - l_base;
+                entry_row[e] = i;
+                entry_value[e] = WithAlpha ? mul(alpha, l_values[p]) : l_values[p];
+                next[e] = head[k];
+                if (head[k] < 0)
+                    chain[chains++] = k;
+                head[k] = e;
+            }
+        for (I t = 0; t < chains; ++t) {
+            const I k = chain[t];
+            for (I f = head[k]; f >= 0; f = next[f]) {
+                const I i = entry_row[f];
+                const T a = entry_value[f];
+                I end;
+                const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+                T *target = ColMajor ? buffer.get() + int64_t(i - i0) * rows : c + i * ld;
+                for (I q = q0; q < end; ++q)
+                    mul_add(target[r_col[q] - r_base], a, r_values[q]);
+            }
+            head[k] = -1;
+        }
+        if constexpr (ColMajor) {
+            T *buf = buffer.get();
+            for (int64_t j = i0; j < rows; ++j) {
+                const I last = static_cast<I>(std::min<int64_t>(i1 - 1, j));
+                for (I i = i0; i <= last; ++i) {
+                    T &cij = c[i + j * ld];
+                    T &sum = buf[int64_t(i - i0) * rows + j];
+                    cij = beta_zero ? sum : beta_one ? cij + sum : mul(cij, beta) + sum;
+                    sum = T(0);
+                }
+            }
+        }
+        i0 = i1;
+    }
+    return true;
+}
+
+// C(i, i:m) = beta·C(i, i:m) + alpha·L(i,:)·R(:, i:m) for the chunk's rows. A column-major C
+// has its row i spread over m cache lines, so there the row is summed in a dense buffer first and
+// C touched once per entry (straight into C when the buffer cannot be had).
+template <bool ColMajor, bool WithAlpha, class T, class I>
+void syrkd_n(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+             const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+             const I *r_rows_end, I *start_offset, T *c, I ldc, T alpha, T beta)
+{
+    if (syrkd_n_blocked<ColMajor, WithAlpha>(row_first, row_end, rows, l_base, l_values, l_col, l_rows_start,
+                                             l_rows_end, r_base, r_values, r_col, r_rows_start, r_rows_end,
+                                             start_offset, c, ldc, alpha, beta))
+        return;
+    const int64_t ld = ldc;
+    scratch_array<T> buffer;
+    if constexpr (ColMajor)
+        buffer = scratch_array<T>(static_cast<size_t>(rows), 4096);
+    T *row = buffer.get();
+    if (row != nullptr)
+        std::fill(row, row + rows, T(0));
+    for (I i = row_first; i < row_end; ++i) {
+        T *target = row;
+        int64_t step = 1;
+        if (row == nullptr) {
+            if constexpr (ColMajor) {
+                scale(c + i + i * ld, rows - i, ld, beta);
+                target = c + i;
+                step = ld;
+            } else {
+                scale(c + i * ld + i, rows - i, 1, beta);
+                target = c + i * ld;
+            }
+        }
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            const T a = WithAlpha ? mul(alpha, l_values[p]) : l_values[p];
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            const I *cols = r_col + q0;
+            const T *vals = r_values + q0;
+            const I len = end - q0;
+            if (step == 1) {
+                for (I t = 0; t < len; ++t)
+                    mul_add(target[cols[t] - r_base], a, vals[t]);
+            } else {
+                for (I t = 0; t < len; ++t)
+                    mul_add(target[(cols[t] - r_base) * step], a, vals[t]);
+            }
+        }
+        if (row != nullptr) { // C(i, j) = beta·C(i, j) + row[j], column-major
+            const bool zero = beta == T(0), unit = is_one(beta);
+            for (int64_t j = i; j < rows; ++j) {
+                T &cij = c[i + j * ld];
+                cij = zero ? row[j] : unit ? cij + row[j] : mul(cij, beta) + row[j];
+                row[j] = T(0);
+            }
+        }
+    }
+}
+
+// Upper triangle of C = beta·C + alpha·Σ_i A(i,:)ᴴ·A(i,:) over rows [row_first, row_end) of A.
+template <bool ColMajor, bool WithAlpha, class T, class I>
+void syrkd_t(I row_first, I row_end, I cols, I base, const T *values, const I *col_indx, const I *rows_start,
+             const I *rows_end, T *c, I ldc, T alpha, T beta)
+{
+    const int64_t ld = ldc;
+    if (!is_one(beta))
+        for (int64_t j = 0; j < cols; ++j) {
+            if constexpr (ColMajor)
+                scale(c + j * ld, j + 1, 1, beta); // column j, rows 0..j
+            else
+                scale(c + j * ld + j, cols - j, 1, beta);
+        }
+    for (I i = row_first; i < row_end; ++i) {
+        const I begin = rows_start[i] - base, end = rows_end[i] - base;
+        for (I p = begin; p < end; ++p) {
+            const int64_t j = col_indx[p] - base;
+            T a = conj_if(values[p], true);
+            if constexpr (WithAlpha)
+                a = mul(alpha, a);
+            for (I q = begin; q < end; ++q) {
+                const int64_t k = col_indx[q] - base;
+                if (k < j)
+                    continue;
+                if constexpr (ColMajor)
+                    mul_add(c[j + k * ld], a, values[q]);
+                else
+                    mul_add(c[j * ld + k], a, values[q]);
+            }
+        }
+    }
+}
+
+// Marks of the passes over the marker array, all below the chunk preparation's -1 and -2 and
+// below every position in the output (>= 0), which the numeric pass stores there.
+template <class I> constexpr I symbolic_stamp(I i) { return -(2 * i + 3); }
+template <class I> constexpr I numeric_stamp(I i) { return -(2 * i + 4); }
+
+// Symbolic pass: counts of distinct columns j >= i per row.
+template <class I>
+void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
+                 I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
+                 I *counts, uint64_t *row_work)
+{
+    for (I i = row_first; i < row_end; ++i) {
+        const I stamp = symbolic_stamp(i);
+        I count = 0;
+        uint64_t work = 0;
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            work += static_cast<uint64_t>(end - q0);
+            for (I q = q0; q < end; ++q) {
+                const I j = r_col[q] - r_base;
+                count += marker[j] != stamp;
+                marker[j] = stamp;
+            }
+        }
+        counts[i + 1] = count;
+        row_work[i + 1] = work;
+    }
+}
+
+// Sorts a row's columns: insertion sort for the short rows that dominate, introsort beyond.
+template <class K, class I> inline void sort_columns(K *cols, I n)
+{
+    if (n > 32) {
+        std::sort(cols, cols + n);
+        return;
+    }
+    for (I t = 1; t < n; ++t) {
+        const K v = cols[t];
+        I s = t;
+        for (; s > 0 && cols[s - 1] > v; --s)
+            cols[s] = cols[s - 1];
+        cols[s] = v;
+    }
+}
+
+// Sorts n distinct keys into out by counting, for each key, the keys below it: no branches, and
+// the counting loop runs over whole vectors (keys is padded to a multiple of 8 with the maximum).
+template <class I> inline void rank_sort(I *keys, I n, I *out)
+{
+    const I padded = (n + 7) & ~I(7);
+    for (I t = n; t < padded; ++t)
+        keys[t] = std::numeric_limits<I>::max();
+    for (I t = 0; t < n; ++t) {
+        const I v = keys[t];
+        I rank = 0;
+        for (I s = 0; s < padded; ++s)
+            rank += keys[s] < v;
+        out[rank] = v;
+    }
+}
+
+// Collects row i's distinct columns into out (unsorted, at most cap: the row's counted length, so
+// that a row pointer inconsistent with the operands cannot write past the row), marking them with
+// the numeric stamp.
+template <class I>
+inline I collect_row(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
+                     const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker, I *out, I cap)
+{
+    const I stamp = numeric_stamp(i);
+    I n = 0;
+    for (I p = l_begin; p < l_end; ++p) {
+        const I k = l_col[p] - l_base;
+        I end;
+        const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+        for (I q = q0; q < end; ++q) {
+            const I j = r_col[q] - r_base;
+            if (marker[j] != stamp && n < cap) {
+                marker[j] = stamp;
+                out[n++] = j;
+            }
+        }
+    }
+    return n;
+}
+
+// Numeric pass of one long row: the columns are gathered and sorted first; each column's marker
+// then holds its final place, so the products accumulate straight into the output.
+template <class T, class I>
+void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_start, const I *l_rows_end,
+              I r_base, const T *r_values, const I *r_col, const I *r_rows_start, const I *r_rows_end,
+              I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx, T *values)
+{
+    const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+    const I first = rows_start[i] - out_base;
+    I *cols = col_indx + first;
+    T *vals = values + first;
+    const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end, start_offset,
+                            marker, cols, rows_start[i + 1] - out_base - first);
+    sort_columns(cols, n);
+    for (I t = 0; t < n; ++t) {
+        marker[cols[t]] = first + t;
+        vals[t] = T(0);
+    }
+    for (I p = l_begin; p < l_end; ++p) {
+        const I k = l_col[p] - l_base;
+        const T a = l_values[p];
+        const I end = r_rows_end[k] - r_base;
+        for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q) {
+            const I place = marker[r_col[q] - r_base];
+            if (place >= first) // only a column cut off by the cap has none
+                mul_add(values[place], a, r_values[q]);
+        }
+    }
+    for (I t = 0; t < n; ++t)
+        cols[t] += out_base;
+}
+
+// Numeric pass: sorted columns and values of the chunk's rows. Each row's products add into a
+// dense accumulator x indexed by column while the row's new columns are listed without branches
+// (the list slot is always written, its count advances only for a new column); the list is then
+// sorted and x gathered into the output and cleared. Without memory for x, long_row does the work.
+template <class T, class I>
+void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+              const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+              const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
+              T *values)
+{
+    scratch_array<T> accumulator(static_cast<size_t>(rows), 4096);
+    if (!accumulator) {
+        for (I i = row_first; i < row_end; ++i)
+            long_row(i, l_base, l_values, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col, r_rows_start,
+                     r_rows_end, start_offset, marker, rows_start, out_base, col_indx, values);
+        return;
+    }
+    T *x = accumulator.get();
+    std::fill(x, x + rows, T(0));
+    constexpr I short_row = 256;
+    I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
+    I sorted[short_row];
+    for (I i = row_first; i < row_end; ++i) {
+        const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
+        const I stamp = numeric_stamp(i);
+        const bool fits = count <= short_row;
+        I *cols = fits ? list : col_indx + first;
+        I n = 0;
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            const T a = l_values[p];
+            I end;
+            const I q0 = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, end);
+            if (fits) {
+                for (I q = q0; q < end; ++q) {
+                    const I j = r_col[q] - r_base;
+                    mul_add(x[j], a, r_values[q]);
+                    cols[n < short_row ? n : short_row] = j;
+                    n += marker[j] != stamp;
+                    marker[j] = stamp;
+                }
+            } else {
+                for (I q = q0; q < end; ++q) {
+                    const I j = r_col[q] - r_base;
+                    mul_add(x[j], a, r_values[q]);
+                    if (marker[j] != stamp && n < count) {
+                        marker[j] = stamp;
+                        cols[n++] = j;
+                    }
+                }
+            }
+        }
+        n = std::min(n, count); // the row pointer bounds the row, whatever the operands say
+        if (fits) {
+            rank_sort(cols, n, sorted);
+            cols = sorted;
+        } else {
+            sort_columns(cols, n);
+        }
+        I *out_cols = col_indx + first;
+        T *out_vals = values + first;
+        for (I t = 0; t < n; ++t) {
+            const I j = cols[t];
+            out_vals[t] = x[j];
+            x[j] = T(0);
+            out_cols[t] = j + out_base;
+        }
+    }
+}
+
+// c += a·b for bs×bs blocks stored row-major (ColMajor false) or column-major.
+template <class T, class I> inline void block_mul_add(T *c, const T *a, const T *b, I bs, bool col_major)
+{
+    for (I r = 0; r < bs; ++r)
+        for (I t = 0; t < bs; ++t) {
+            const T art = col_major ? a[t * bs + r] : a[r * bs + t];
+            for (I s = 0; s < bs; ++s) {
+                if (col_major)
+                    mul_add(c[s * bs + r], art, b[s * bs + t]);
+                else
+                    mul_add(c[r * bs + s], art, b[t * bs + s]);
+            }
+        }
+}
+
+// Numeric pass over the block pattern: block (I, J) = Σ_K L(I,K)·R(K,J), J >= I.
+template <class T, class I>
+void syrk_block_row(I row_first, I row_end, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
+                    const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
+                    const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
+                    T *values, I bs, I layout)
+{
+    const int64_t bb = static_cast<int64_t>(bs) * bs;
+    const bool col_major = layout != 0;
+    for (I i = row_first; i < row_end; ++i) {
+        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+        const I first = rows_start[i] - out_base;
+        I *cols = col_indx + first;
+        const I n = collect_row(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end,
+                                start_offset, marker, cols, rows_start[i + 1] - out_base - first);
+        sort_columns(cols, n);
+        for (I t = 0; t < n; ++t)
+            marker[cols[t]] = first + t;
+        std::fill(values + first * bb, values + (first + n) * bb, T(0));
+        for (I p = l_begin; p < l_end; ++p) {
+            const I k = l_col[p] - l_base;
+            const I end = r_rows_end[k] - r_base;
+            for (I q = cursor_position(k, i, r_base, r_col, r_rows_start, start_offset); q < end; ++q) {
+                const I place = marker[r_col[q] - r_base];
+                if (place >= first)
+                    block_mul_add(values + place * bb, l_values + p * bb, r_values + q * bb, bs, col_major);
+            }
+        }
+        for (I t = 0; t < n; ++t)
+            cols[t] += out_base;
+    }
+}
+
+} // namespace zel::sparse_syrk

@@ -1,0 +1,491 @@
+// Products of a sparse matrix with its own transpose, dense and sparse results, against an
+// independent dense computation of op(A)·op(A)ᴴ.
+#include <string>
+
+#include "mm_reader.hpp"
+#include "test_sparse_syrk.hpp"
+#include "zel/runtime.h"
+
+using namespace syrk_test;
+
+template <class M> class SparseSyrk : public ::testing::Test {};
+TYPED_TEST_SUITE(SparseSyrk, all_members);
+
+namespace {
+
+// The values alpha takes: exactly 1 (plain kernels), one just off 1 and a general one (alpha kernels).
+template <class T> std::vector<T> alphas()
+{
+    if constexpr (zel::is_complex_v<T>)
+        return {T(1), T(1, 1e-16), T(0.5, -0.25)};
+    else
+        return {T(1), std::nextafter(T(1), T(2)), T(-0.5)};
+}
+template <class T> std::vector<T> betas()
+{
+    if constexpr (zel::is_complex_v<T>)
+        return {T(0), T(0.75, 0.5)};
+    else
+        return {T(0), T(0.75)};
+}
+
+// Dense C of `dim` with leading dimension ldc: upper triangle compared with alpha·P + beta·C0
+// (C0's upper triangle is NaN when beta is 0, which must not leak), everything else unchanged.
+template <class T>
+void expect_dense(const std::vector<T> &c, const std::vector<T> &c0, const reference &ref, int64_t ldc,
+                  bool column_major, T alpha, T beta)
+{
+    using R = zel::real_t<T>;
+    const int64_t m = ref.m;
+    for (int64_t a = 0; a < m; ++a) // a: the stored line (row or column), b: the place in it
+        for (int64_t b = 0; b < ldc; ++b) {
+            const int64_t i = column_major ? b : a, j = column_major ? a : b, at = a * ldc + b;
+            if (i < m && j < m && j >= i) {
+                const cd c0v = beta == T(0) ? cd() : widen(c0[at]);
+                const cd expected = widen(alpha) * ref.at(i, j) + widen(beta) * c0v;
+                const double bound = std::abs(widen(alpha)) * ref.bound[i * m + j] + std::abs(widen(beta) * c0v);
+                ASSERT_NEAR(std::abs(widen(c[at]) - expected), 0.0, tolerance<R>(bound)) << i << "," << j;
+            } else {
+                ASSERT_EQ(std::memcmp(&c[at], &c0[at], sizeof(T)), 0) << "touched " << i << "," << j;
+            }
+        }
+}
+
+template <class T> std::vector<T> initial_c(int64_t m, int64_t ldc, bool column_major, bool nan_upper, uint32_t seed)
+{
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> value(-1.0, 1.0);
+    std::vector<T> c(m * ldc);
+    for (int64_t a = 0; a < m; ++a)
+        for (int64_t b = 0; b < ldc; ++b) {
+            const int64_t i = column_major ? b : a, j = column_major ? a : b;
+            const bool upper = i < m && j < m && j >= i;
+            c[a * ldc + b] = upper && nan_upper ? make_value<T>(std::nan(""), std::nan(""))
+                                                : make_value<T>(value(gen), value(gen));
+        }
+    return c;
+}
+
+template <class M> typename M::A::record &record_of(typename M::A::handle *h)
+{
+    return *static_cast<typename M::A::record *>(h->data);
+}
+
+// A result handle checked against the reference: sorted columns j >= i (blocks J >= I), the
+// pattern exactly, the values to rounding.
+template <class M> void expect_sparse(typename M::A::handle *h, const reference &ref, typename M::I base, typename M::I block)
+{
+    using I = typename M::I;
+    using T = typename M::T;
+    ASSERT_NE(h, nullptr);
+    const auto &r = record_of<M>(h);
+    const int64_t b = block, bb = b * b, m = ref.m / b;
+    ASSERT_EQ(r.rows, m);
+    ASSERT_EQ(r.cols, m);
+    ASSERT_EQ(h->rows, ref.m);
+    EXPECT_EQ(r.index_base, base);
+    EXPECT_EQ(r.owns_arrays, 1);
+    EXPECT_EQ(r.sorted, 1);
+    EXPECT_EQ(r.rows_end, r.rows_start + 1);
+    ASSERT_EQ(r.rows_start[0], base);
+    EXPECT_EQ(r.nnz, r.rows_start[m] - base);
+    const T *values = static_cast<const T *>(r.values);
+    int64_t expected_count = 0;
+    for (int64_t I0 = 0; I0 < m; ++I0)
+        for (int64_t J0 = I0; J0 < m; ++J0) {
+            bool any = false;
+            for (int64_t s = 0; s < bb; ++s)
+                any = any || ref.pattern[(I0 * b + s / b) * ref.m + J0 * b + s % b];
+            expected_count += any;
+        }
+    EXPECT_EQ(r.rows_start[m] - base, expected_count);
+    for (int64_t i = 0; i < m; ++i)
+        for (I p = r.rows_start[i] - base; p < r.rows_start[i + 1] - base; ++p) {
+            const int64_t j = r.col_indx[p] - base;
+            ASSERT_GE(j, i);
+            if (p > r.rows_start[i] - base) {
+                ASSERT_GT(r.col_indx[p], r.col_indx[p - 1]);
+            }
+            for (int64_t s = 0; s < b; ++s)
+                for (int64_t t = 0; t < b; ++t) {
+                    const int64_t gi = i * b + s, gj = j * b + t;
+                    const T v = values[p * bb + (r.block_layout == 0 ? s * b + t : t * b + s)];
+                    ASSERT_NEAR(std::abs(widen(v) - ref.at(gi, gj)), 0.0,
+                                tolerance<typename M::R>(ref.bound[gi * ref.m + gj]))
+                        << gi << "," << gj;
+                }
+        }
+}
+
+} // namespace
+
+TYPED_TEST(SparseSyrk, DenseResultMatchesReference)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    for (I base : {I(0), I(1)}) {
+        auto a = random_matrix<T, I>(13, 9, 0.3, base, 11 + base);
+        clear_row(a, I(6));
+        handle_holder<M> h(a);
+        const auto d = dense(a);
+        for (int op : {10, 11, 12}) {
+            const reference ref = syrk_reference(d, a.rows, a.cols, op);
+            const int64_t m = ref.m, ldc = m + 2;
+            for (int layout : {101, 102})
+                for (T alpha : alphas<T>())
+                    for (T beta : betas<T>()) {
+                        const bool cm = layout == 102;
+                        const auto c0 = initial_c<T>(m, ldc, cm, beta == T(0), 7);
+                        auto c = c0;
+                        ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
+                                              reinterpret_cast<typename M::C *>(c.data()), layout, I(ldc)),
+                                  0);
+                        SCOPED_TRACE(::testing::Message() << "op " << op << " layout " << layout << " base " << base);
+                        expect_dense(c, c0, ref, ldc, cm, alpha, beta);
+                    }
+        }
+    }
+}
+
+// alpha NaN is not 1: it reaches every formed entry instead of being dropped as a unit factor.
+TYPED_TEST(SparseSyrk, NanAlphaTakesTheScaledPath)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    auto a = random_matrix<T, I>(6, 5, 0.4, 0, 8);
+    handle_holder<M> h(a);
+    const T alpha = make_value<T>(std::nan(""), 0.0);
+    for (int op : {10, 11}) {
+        const reference ref = syrk_reference(dense(a), a.rows, a.cols, op);
+        std::vector<T> c(ref.m * ref.m, T(0));
+        ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(T(0)),
+                              reinterpret_cast<typename M::C *>(c.data()), 101, I(ref.m)),
+                  0);
+        for (int64_t i = 0; i < ref.m; ++i)
+            for (int64_t j = i; j < ref.m; ++j)
+                if (ref.pattern[i * ref.m + j]) {
+                    EXPECT_TRUE(std::isnan(std::abs(widen(c[i * ref.m + j])))) << i << "," << j;
+                }
+    }
+}
+
+TYPED_TEST(SparseSyrk, TransposedOperationsAgree)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    auto a = random_matrix<T, I>(10, 7, 0.35, 0, 5);
+    handle_holder<M> h(a);
+    const T alpha = alphas<T>()[2], beta = betas<T>()[1];
+    auto c11 = initial_c<T>(7, 7, false, false, 3), c12 = c11;
+    ASSERT_EQ(M::A::syrkd(11, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
+                          reinterpret_cast<typename M::C *>(c11.data()), 101, I(7)),
+              0);
+    ASSERT_EQ(M::A::syrkd(12, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
+                          reinterpret_cast<typename M::C *>(c12.data()), 101, I(7)),
+              0);
+    EXPECT_EQ(std::memcmp(c11.data(), c12.data(), c11.size() * sizeof(T)), 0);
+    typename M::A::handle *p11 = nullptr, *p12 = nullptr;
+    ASSERT_EQ(M::A::syrk(11, h.h, &p11), 0);
+    ASSERT_EQ(M::A::syrk(12, h.h, &p12), 0);
+    const auto &r11 = record_of<M>(p11), &r12 = record_of<M>(p12);
+    ASSERT_EQ(r11.nnz, r12.nnz);
+    EXPECT_EQ(std::memcmp(r11.col_indx, r12.col_indx, r11.nnz * sizeof(I)), 0);
+    EXPECT_EQ(std::memcmp(r11.values, r12.values, r11.nnz * sizeof(T)), 0);
+    M::A::destroy(p11);
+    M::A::destroy(p12);
+}
+
+TYPED_TEST(SparseSyrk, SparseResultMatchesReference)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    for (I base : {I(0), I(1)})
+        for (bool shuffled : {false, true}) {
+            auto a = random_matrix<T, I>(17, 11, 0.25, base, 21 + base, shuffled);
+            handle_holder<M> h(a);
+            const auto d = dense(a);
+            for (int op : {10, 11, 12}) {
+                SCOPED_TRACE(::testing::Message() << "op " << op << " base " << base << " shuffled " << shuffled);
+                typename M::A::handle *c = nullptr;
+                ASSERT_EQ(M::A::syrk(op, h.h, &c), 0);
+                EXPECT_EQ(c->format, ZEL_SPARSE_FORMAT_CSR);
+                EXPECT_EQ(c->data_type, h.h->data_type);
+                expect_sparse<M>(c, syrk_reference(d, a.rows, a.cols, op), base, 1);
+                M::A::destroy(c);
+            }
+        }
+}
+
+TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto a = random_matrix<T, I>(15, 12, 0.3, 1, 9);
+    handle_holder<M> h(a);
+    for (int op : {10, 11}) {
+        typename M::A::handle *full = nullptr;
+        ASSERT_EQ(M::A::syrk(op, h.h, &full), 0);
+        const auto &r = record_of<M>(full);
+        const I dim = r.rows;
+        std::vector<I> rows_start(dim + 1);
+        I nnz = -1;
+        ASSERT_EQ(M::A::count(op, h.h, rows_start.data(), &nnz), 0);
+        ASSERT_EQ(nnz, r.nnz);
+        EXPECT_EQ(std::memcmp(rows_start.data(), r.rows_start, (dim + 1) * sizeof(I)), 0);
+        std::vector<I> col(nnz);
+        std::vector<T> val(nnz);
+        ASSERT_EQ(M::A::fill(op, h.h, rows_start.data(), col.data(), val.data()), 0);
+        EXPECT_EQ(std::memcmp(col.data(), r.col_indx, nnz * sizeof(I)), 0);
+        EXPECT_EQ(std::memcmp(val.data(), r.values, nnz * sizeof(T)), 0);
+
+        // The stage function itself: 91 counts (null columns and values), 92 fills, one-based
+        // result from zero-based operands.
+        auto z = random_matrix<T, I>(15, 12, 0.3, 0, 9);
+        handle_holder<M> hz(z);
+        typename M::A::handle *zfull = nullptr;
+        ASSERT_EQ(M::A::syrk(op, hz.h, &zfull), 0); // builds and caches the transposed record
+        const auto &zr = *static_cast<typename M::A::record *>(hz.h->data);
+        const auto &t = *hz.h->transposed;
+        const C *tv = static_cast<const C *>(M::complex ? t.aux : t.values);
+        C *v = reinterpret_cast<C *>(&v); // non-null garbage must come back null from stage 91
+        I *ci = reinterpret_cast<I *>(&ci);
+        I *rs = nullptr;
+        ASSERT_EQ(M::A::stage(91, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
+                              zr.rows_start, zr.rows_end, 0, tv, t.col_indx, t.rows_start, t.rows_end, 1, &v, &ci,
+                              &rs),
+                  0);
+        EXPECT_EQ(v, nullptr);
+        EXPECT_EQ(ci, nullptr);
+        ASSERT_NE(rs, nullptr);
+        EXPECT_EQ(rs[0], 1);
+        EXPECT_EQ(rs[dim] - 1, record_of<M>(zfull).nnz);
+        ASSERT_EQ(M::A::stage(92, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
+                              zr.rows_start, zr.rows_end, 0, tv, t.col_indx, t.rows_start, t.rows_end, 1, &v, &ci,
+                              &rs),
+                  0);
+        for (I p = 0; p < rs[dim] - 1; ++p)
+            ASSERT_EQ(ci[p], record_of<M>(zfull).col_indx[p] + 1);
+        EXPECT_EQ(std::memcmp(v, record_of<M>(zfull).values, (rs[dim] - 1) * sizeof(T)), 0);
+        zel_serv_free(v);
+        zel_serv_free(ci);
+        zel_serv_free(rs);
+        M::A::destroy(zfull);
+        M::A::destroy(full);
+    }
+}
+
+// L·R with a right-hand row whose columns all lie left of the later chunks' first rows: its
+// offset is its length and it adds nothing there.
+TYPED_TEST(SparseSyrk, RightRowLeftOfChunkStart)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    auto L = random_matrix<T, I>(8, 5, 0.4, 0, 31);
+    auto R = random_matrix<T, I>(5, 8, 0.4, 0, 32);
+    // R's row 2 holds columns 0 and 1 only; every row of L references column 2.
+    matrix<T, I> L2;
+    L2.rows = 8;
+    L2.cols = 5;
+    for (I i = 0; i < 8; ++i) {
+        bool has2 = false;
+        for (I p = L.rows_start[i]; p < L.rows_start[i + 1]; ++p) {
+            L2.col_indx.push_back(L.col_indx[p]);
+            L2.values.push_back(L.values[p]);
+            has2 = has2 || L.col_indx[p] == 2;
+        }
+        if (!has2) {
+            L2.col_indx.push_back(2);
+            L2.values.push_back(make_value<T>(0.5, 0.25));
+        }
+        std::sort(L2.col_indx.begin() + L2.rows_start.back(), L2.col_indx.end()); // values follow loosely
+        L2.rows_start.push_back(static_cast<I>(L2.col_indx.size()));
+    }
+    matrix<T, I> R2 = R;
+    R2.rows_start.assign(1, 0);
+    R2.col_indx.clear();
+    R2.values.clear();
+    for (I k = 0; k < 5; ++k) {
+        for (I p = R.rows_start[k]; p < R.rows_start[k + 1]; ++p)
+            if (k != 2) {
+                R2.col_indx.push_back(R.col_indx[p]);
+                R2.values.push_back(R.values[p]);
+            }
+        if (k == 2)
+            for (I j : {I(0), I(1)}) {
+                R2.col_indx.push_back(j);
+                R2.values.push_back(make_value<T>(1.5, -0.5));
+            }
+        R2.rows_start.push_back(static_cast<I>(R2.col_indx.size()));
+    }
+    const reference ref = upper_product(dense(L2), dense(R2), 8, 5);
+    const auto c0 = initial_c<T>(8, 8, false, true, 1);
+    auto c = c0;
+    ASSERT_EQ(M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()),
+                             L2.col_indx.data(), L2.rows_start.data(), L2.rows_start.data() + 1, 0,
+                             reinterpret_cast<const C *>(R2.values.data()), R2.col_indx.data(), R2.rows_start.data(),
+                             R2.rows_start.data() + 1, reinterpret_cast<C *>(c.data()), 101, 8),
+              0);
+    expect_dense(c, c0, ref, 8, false, T(1), T(0));
+
+    // Sparse result of the same pair (operation 10: L first, R second).
+    C *v = nullptr;
+    I *ci = nullptr, *rs = nullptr;
+    ASSERT_EQ(M::A::stage(90, 10, 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()), L2.col_indx.data(),
+                          L2.rows_start.data(), L2.rows_start.data() + 1, 0,
+                          reinterpret_cast<const C *>(R2.values.data()), R2.col_indx.data(), R2.rows_start.data(),
+                          R2.rows_start.data() + 1, 0, &v, &ci, &rs),
+              0);
+    int64_t count = 0;
+    for (int64_t i = 0; i < 8; ++i)
+        for (int64_t j = i; j < 8; ++j)
+            count += ref.pattern[i * 8 + j];
+    ASSERT_EQ(rs[8], count);
+    const T *tv = reinterpret_cast<const T *>(v);
+    for (I i = 0; i < 8; ++i)
+        for (I p = rs[i]; p < rs[i + 1]; ++p)
+            EXPECT_NEAR(std::abs(widen(tv[p]) - ref.at(i, ci[p])), 0.0, tolerance<typename M::R>(ref.bound[i * 8 + ci[p]]));
+    zel_serv_free(v);
+    zel_serv_free(ci);
+    zel_serv_free(rs);
+}
+
+TYPED_TEST(SparseSyrk, ZeroRowsAndEmptyPatterns)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    for (I base : {I(0), I(1)}) {
+        // No rows: nothing to do for A·Aᵀ, a result with the single offset `base`.
+        matrix<T, I> none;
+        none.rows = 0;
+        none.cols = 4;
+        none.base = base;
+        none.rows_start = {base};
+        handle_holder<M> h(none);
+        T sentinel = make_value<T>(3.0, 1.0);
+        ASSERT_EQ(M::A::syrkd(10, h.h, to_c<C>(T(1)), to_c<C>(T(0)), reinterpret_cast<C *>(&sentinel), 101, I(1)), 0);
+        EXPECT_EQ(widen(sentinel), cd(3.0, M::complex ? 1.0 : 0.0));
+        typename M::A::handle *c = nullptr;
+        ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
+        EXPECT_EQ(record_of<M>(c).rows, 0);
+        EXPECT_EQ(record_of<M>(c).rows_start[0], base);
+        EXPECT_EQ(record_of<M>(c).nnz, 0);
+        M::A::destroy(c);
+        // Aᵀ·A of no rows: C = beta·C on the upper triangle, a 4×4 result without entries.
+        auto c0 = initial_c<T>(4, 4, true, false, 2);
+        auto cc = c0;
+        ASSERT_EQ(M::A::syrkd(11, h.h, to_c<C>(T(1)), to_c<C>(T(0.5)), reinterpret_cast<C *>(cc.data()), 102, I(4)), 0);
+        expect_dense(cc, c0, syrk_reference(dense(none), 0, 4, 11), 4, true, T(1), T(0.5));
+        ASSERT_EQ(M::A::syrk(11, h.h, &c), 0);
+        ASSERT_EQ(record_of<M>(c).rows, 4);
+        for (int i = 0; i <= 4; ++i)
+            EXPECT_EQ(record_of<M>(c).rows_start[i], base);
+        M::A::destroy(c);
+
+        // Rows without any entry.
+        matrix<T, I> empty;
+        empty.rows = 5;
+        empty.cols = 3;
+        empty.base = base;
+        empty.rows_start.assign(6, base);
+        handle_holder<M> he(empty);
+        for (int op : {10, 12}) {
+            ASSERT_EQ(M::A::syrk(op, he.h, &c), 0);
+            EXPECT_EQ(record_of<M>(c).nnz, 0);
+            EXPECT_EQ(record_of<M>(c).rows_start[record_of<M>(c).rows], base);
+            M::A::destroy(c);
+        }
+    }
+}
+
+TYPED_TEST(SparseSyrk, BlockResultMatchesReference)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    for (I block : {I(2), I(3)})
+        for (I base : {I(0), I(1)}) {
+            auto a = random_matrix<T, I>(6, 5, 0.3, base, 40 + block, base == 1, block);
+            handle_holder<M> h(a);
+            const auto d = dense(a);
+            for (int op : {10, 11}) {
+                SCOPED_TRACE(::testing::Message() << "op " << op << " block " << block << " base " << base);
+                typename M::A::handle *c = nullptr;
+                ASSERT_EQ(M::A::syrk(op, h.h, &c), 0);
+                EXPECT_EQ(c->format, ZEL_SPARSE_FORMAT_BSR);
+                EXPECT_EQ(record_of<M>(c).block_size, block);
+                EXPECT_EQ(record_of<M>(c).block_layout, base);
+                expect_sparse<M>(c, syrk_reference(d, a.rows * block, a.cols * block, op, true), base, block);
+                M::A::destroy(c);
+            }
+        }
+}
+
+// ---- real matrices ----
+
+namespace {
+
+// A Matrix Market file as a zero-based CSR matrix (rows in file order).
+template <class T, class I> matrix<T, I> from_triplets(const zel::test::mm_triplets &t)
+{
+    std::vector<std::vector<std::pair<I, T>>> rows(t.rows);
+    for (size_t e = 0; e < t.size(); ++e)
+        rows[t.row[e]].push_back({I(t.col[e]), make_value<T>(t.value[e].real(), t.value[e].imag())});
+    matrix<T, I> a;
+    a.rows = I(t.rows);
+    a.cols = I(t.cols);
+    for (auto &row : rows) {
+        for (auto &[j, v] : row) {
+            a.col_indx.push_back(j);
+            a.values.push_back(v);
+        }
+        a.rows_start.push_back(I(a.col_indx.size()));
+    }
+    return a;
+}
+
+template <class M> void check_real_matrix(const char *name)
+{
+    using T = typename M::T;
+    using I = typename M::I;
+    const std::string dir = zel::test::test_matrix_dir();
+    if (dir.empty())
+        GTEST_SKIP() << "no test matrices: set ZEL_TEST_MATRICES to the Matrix Market folder for " << name;
+    auto a = from_triplets<T, I>(zel::test::read_matrix_market(dir + "/" + name));
+    handle_holder<M> h(a);
+    const auto d = dense(a);
+    for (int op : {10, 11}) {
+        SCOPED_TRACE(::testing::Message() << name << " op " << op);
+        const reference ref = syrk_reference(d, a.rows, a.cols, op);
+        const int64_t m = ref.m;
+        const auto c0 = initial_c<T>(m, m, op == 11, true, 4);
+        auto c = c0;
+        ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(T(1)), to_c<typename M::C>(T(0)),
+                              reinterpret_cast<typename M::C *>(c.data()), op == 11 ? 102 : 101, I(m)),
+                  0);
+        expect_dense(c, c0, ref, m, op == 11, T(1), T(0));
+        typename M::A::handle *s = nullptr;
+        ASSERT_EQ(M::A::syrk(op, h.h, &s), 0);
+        expect_sparse<M>(s, ref, 0, 1);
+        M::A::destroy(s);
+    }
+}
+
+} // namespace
+
+TEST(SparseSyrkMatrices, LpE226) { check_real_matrix<member<double, int32_t>>("lp_e226.mtx"); }
+TEST(SparseSyrkMatrices, LpShare1b) { check_real_matrix<member<double, int64_t>>("lp_share1b.mtx"); }
+TEST(SparseSyrkMatrices, Young1cComplex)
+{
+    check_real_matrix<member<zel_complex16, int32_t>>("young1c.mtx");
+    check_real_matrix<member<zel_complex16, int64_t>>("young1c.mtx");
+}
