@@ -9,5 +9,6 @@
 #include "zel/sparse_types.h"
 #include "zel/sparse_handle.h"
 #include "zel/sparse_transpose.h"
+#include "zel/sparse_syrk.h"
 
 #endif
