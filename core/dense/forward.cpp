@@ -6,6 +6,7 @@
 #include "openblas.hpp"
 #include "report.hpp"
 #include "small.hpp"
+#include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::dense {
@@ -20,6 +21,24 @@ template <class T> int64_t small_zero_diagonal(int64_t n, const T *a, int64_t ld
         if (a[k + k * lda] == T(0))
             return k + 1;
     return 0;
+}
+
+// ainv = A^-1 by a copy of the factor and the in-place inverse; false when no workspace.
+template <class T>
+bool getri_copy(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *ainv, int64_t ldainv)
+{
+    T size_word(0);
+    const int64_t query = -1;
+    int64_t info = 0;
+    openblas<T>::getri(&n, ainv, &ldainv, ipiv, &size_word, &query, &info);
+    const int64_t lwork = std::max<int64_t>(n, static_cast<int64_t>(std::real(size_word)));
+    scratch_array<T> work(static_cast<size_t>(lwork), 64);
+    if (!work)
+        return false;
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(a + j * lda, a + j * lda + n, ainv + j * ldainv);
+    openblas<T>::getri(&n, ainv, &ldainv, ipiv, work.get(), &lwork, &info);
+    return true;
 }
 
 // Sets info to -position and reports it; returns true when there was an error.
@@ -87,7 +106,7 @@ void getri(const int64_t *n, T *a, const int64_t *lda, const int64_t *ipiv, T *w
         return;
     }
     *info = 0;
-    if (*n <= small_limit && *lwork >= *n * *n) {
+    if (*n <= small_for<T>().inverse_limit && *lwork >= *n * *n) {
         if ((*info = small_zero_diagonal(*n, a, *lda)) != 0)
             return;
         small_for<T>().inverse(*n, a, *lda, ipiv, work, *n);
@@ -109,10 +128,12 @@ void getri_oop(const int64_t *n, const T *a, const int64_t *lda, const int64_t *
     if (bad_argument<T>("getri_oop", position, info))
         return;
     *info = small_zero_diagonal(*n, a, *lda);
-    if (*n <= small_limit && *info == 0) {
+    if (*info == 0 && *n <= small_for<T>().inverse_limit) {
         small_for<T>().inverse(*n, a, *lda, ipiv, ainv, *ldainv);
         return;
     }
+    if (*info == 0 && getri_copy(*n, a, *lda, ipiv, ainv, *ldainv))
+        return;
     // The reference sequence; with a zero pivot it leaves the same infinities behind.
     const T zero(0), one(1);
     const int64_t k1 = 1, step = 1;
@@ -128,7 +149,7 @@ template <class T> void potrf(const char *uplo, const int64_t *n, T *a, const in
     const int64_t position = (u != 'U' && u != 'L') ? 1 : *n < 0 ? 2 : *lda < std::max<int64_t>(1, *n) ? 4 : 0;
     if (bad_argument<T>("potrf", position, info))
         return;
-    if (*n <= small_limit) {
+    if (*n <= small_for<T>().potrf_limit) {
         *info = 0;
         (u == 'L' ? small_for<T>().potrf_lower : small_for<T>().potrf_upper)(*n, a, *lda, info);
         return;

@@ -21,8 +21,10 @@ template <class T> struct small_kernels {
                   int64_t ldb);
     // The inverse from a nonsingular LU factor, written to inv.
     void (*inverse)(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *inv, int64_t ldinv);
-    // Order up to which getrf is faster here than in OpenBLAS.
+    // Orders up to which these beat OpenBLAS.
     int64_t getrf_limit;
+    int64_t potrf_limit;
+    int64_t inverse_limit;
 };
 
 struct small_set {

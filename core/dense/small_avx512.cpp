@@ -42,6 +42,8 @@ struct zmm8 {
     static reg mask_mul(reg v, __mmask8 m, reg s) { return _mm512_mask_mul_pd(v, m, v, s); }
     static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm512_mask_xor_pd(v, m, v, s); }
     static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm512_mask3_fnmadd_pd(l, u, c, m); }
+    static reg fnmadd(reg l, reg u, reg c) { return _mm512_fnmadd_pd(l, u, c); }
+    static reg unit(int j) { return _mm512_maskz_mov_pd(static_cast<__mmask8>(1u << j), _mm512_set1_pd(1.0)); }
     static double first(reg v) { return _mm512_cvtsd_f64(v); }
 };
 struct ymm4 {
@@ -69,6 +71,8 @@ struct ymm4 {
     static reg mask_mul(reg v, __mmask8 m, reg s) { return _mm256_mask_mul_pd(v, m, v, s); }
     static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm256_mask_xor_pd(v, m, v, s); }
     static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm256_mask3_fnmadd_pd(l, u, c, m); }
+    static reg fnmadd(reg l, reg u, reg c) { return _mm256_fnmadd_pd(l, u, c); }
+    static reg unit(int j) { return _mm256_maskz_mov_pd(static_cast<__mmask8>(1u << j), _mm256_set1_pd(1.0)); }
     static double first(reg v) { return _mm256_cvtsd_f64(v); }
 };
 
@@ -115,6 +119,66 @@ template <int N, class V> void getrf_d_registers(double *a, int64_t lda, int64_t
         V::store(rows, a + j * lda, col[j]);
 }
 
+// The inverse U^-1 * L^-1 * P^T of an N x N double LU factor, one column of the result per
+// register; the column interchanges become the store addresses.
+template <int N, class V>
+void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    using reg = typename V::reg;
+    constexpr __mmask8 rows = static_cast<__mmask8>((1u << N) - 1);
+    reg x[N];
+    double r[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) {
+        x[j] = V::unit(j);
+        r[j] = 1.0 / a[j + j * lda];
+    }
+#pragma GCC unroll 8
+    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
+        const reg l = V::load(static_cast<__mmask8>(rows & ~((2u << k) - 1)), a + k * lda);
+#pragma GCC unroll 8
+        for (int j = 0; j <= k; ++j)
+            x[j] = V::fnmadd(l, V::lane(x[j], k), x[j]);
+    }
+#pragma GCC unroll 8
+    for (int k = N - 1; k >= 0; --k) { // U^-1
+        const reg u = V::load(static_cast<__mmask8>((1u << k) - 1), a + k * lda);
+        const reg rk = V::splat(r[k]);
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            x[j] = V::mask_mul(x[j], static_cast<__mmask8>(1u << k), rk);
+            if (k > 0)
+                x[j] = V::fnmadd(u, V::lane(x[j], k), x[j]);
+        }
+    }
+    int at[N]; // at[c]: the register that ends in column c
+    for (int c = 0; c < N; ++c)
+        at[c] = c;
+    for (int k = N - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    int to[N];
+    for (int c = 0; c < N; ++c)
+        to[at[c]] = c;
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        V::store(rows, inv + to[j] * ldinv, x[j]);
+}
+
+void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    switch (n) {
+    case 1: return inverse_d_registers<1, ymm4>(a, lda, ipiv, inv, ldinv);
+    case 2: return inverse_d_registers<2, ymm4>(a, lda, ipiv, inv, ldinv);
+    case 3: return inverse_d_registers<3, ymm4>(a, lda, ipiv, inv, ldinv);
+    case 4: return inverse_d_registers<4, ymm4>(a, lda, ipiv, inv, ldinv);
+    case 5: return inverse_d_registers<5, zmm8>(a, lda, ipiv, inv, ldinv);
+    case 6: return inverse_d_registers<6, zmm8>(a, lda, ipiv, inv, ldinv);
+    case 7: return inverse_d_registers<7, zmm8>(a, lda, ipiv, inv, ldinv);
+    case 8: return inverse_d_registers<8, zmm8>(a, lda, ipiv, inv, ldinv);
+    default: return inverse_loop(n, a, lda, ipiv, inv, ldinv);
+    }
+}
+
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -132,8 +196,9 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 
 constexpr small_kernels<double> double_table()
 {
-    small_kernels<double> t = table<double>(64);
+    small_kernels<double> t = table<double>(64, 16, 64);
     t.getrf = getrf_d;
+    t.inverse = inverse_d;
     return t;
 }
 
@@ -142,7 +207,7 @@ constexpr small_kernels<double> double_table()
 
 namespace zel::dense {
 
-const small_set small_set_avx512 = {avx512::table<float>(64), avx512::double_table(),
-                                    avx512::table<std::complex<float>>(64), avx512::table<std::complex<double>>(64)};
+const small_set small_set_avx512 = {avx512::table<float>(64, 16, 64), avx512::double_table(),
+                                    avx512::table<std::complex<float>>(32, 16, 64), avx512::table<std::complex<double>>(32, 16, 64)};
 
 } // namespace zel::dense

@@ -222,28 +222,54 @@ void getrs_loop(char trans, int64_t n, int64_t nrhs, const T *a, int64_t lda, co
     }
 }
 
-// The inverse from the packed LU factor into inv: the row-permuted identity, then L and U solves.
+// x_c -= l * x_c[k] for the four columns of a block (one load of l serves all four).
+template <class T> inline void update4(int64_t count, const T *l, T *x0, T *x1, T *x2, T *x3, int64_t k, int64_t from)
+{
+    const T s0 = x0[k], s1 = x1[k], s2 = x2[k], s3 = x3[k];
+    for (int64_t i = from; i < from + count; ++i) {
+        const T li = l[i];
+        x0[i] -= mul(li, s0);
+        x1[i] -= mul(li, s1);
+        x2[i] -= mul(li, s2);
+        x3[i] -= mul(li, s3);
+    }
+}
+
+// The inverse from the packed LU factor into inv as getri forms it: U^-1 * L^-1, then the
+// column interchanges in reverse. Columns go four at a time through both triangular solves.
 template <class T>
 void inverse_loop(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *inv, int64_t ldinv)
 {
     for (int64_t j = 0; j < n; ++j)
         for (int64_t i = 0; i < n; ++i)
-            inv[i + j * ldinv] = T(0);
-    // Row k of P*I ends up holding the unit that the swaps carried to it.
-    int64_t perm[small_limit];
-    for (int64_t i = 0; i < n; ++i)
-        perm[i] = i;
-    for (int64_t k = 0; k < n; ++k)
-        std::swap(perm[k], perm[ipiv[k] - 1]);
-    for (int64_t i = 0; i < n; ++i)
-        inv[i + perm[i] * ldinv] = T(1);
-    for (int64_t j = 0; j < n; ++j) {
-        T *x = inv + j * ldinv;
-        int64_t first = 0;
-        while (x[first] == T(0))
-            ++first;
-        lower_unit_solve(n, a, lda, x, first);
-        upper_solve(n, a, lda, x);
+            inv[i + j * ldinv] = T(i == j ? 1 : 0);
+    int64_t j = 0;
+    for (; j < n; j += 4) {
+        T *x0 = inv + j * ldinv;
+        T *x1 = j + 1 < n ? x0 + ldinv : x0, *x2 = j + 2 < n ? x0 + 2 * ldinv : x0, *x3 = j + 3 < n ? x0 + 3 * ldinv : x0;
+        if (j + 3 >= n) { // a short last block: handle its columns one by one
+            for (int64_t c = j; c < n; ++c) {
+                T *x = inv + c * ldinv;
+                for (int64_t k = c; k < n; ++k)
+                    axpy_minus(n - k - 1, a + k + 1 + k * lda, x[k], x + k + 1);
+                upper_solve(n, a, lda, x);
+            }
+            break;
+        }
+        // L^-1 on e_j..e_j+3: entries above the block's first row stay zero.
+        for (int64_t k = j; k < n; ++k)
+            update4(n - k - 1, a + k * lda, x0, x1, x2, x3, k, k + 1);
+        for (int64_t k = n - 1; k >= 0; --k) {
+            const T r = reciprocal(a[k + k * lda]);
+            x0[k] = mul(x0[k], r), x1[k] = mul(x1[k], r), x2[k] = mul(x2[k], r), x3[k] = mul(x3[k], r);
+            update4(k, a + k * lda, x0, x1, x2, x3, k, 0);
+        }
+    }
+    for (int64_t k = n - 1; k >= 0; --k) {
+        const int64_t p = ipiv[k] - 1;
+        if (p != k)
+            for (int64_t i = 0; i < n; ++i)
+                std::swap(inv[i + k * ldinv], inv[i + p * ldinv]);
     }
 }
 
@@ -319,9 +345,10 @@ void inverse_small(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *i
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
-template <class T> constexpr small_kernels<T> table(int64_t getrf_limit)
+template <class T> constexpr small_kernels<T> table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
 {
-    return {getrf_small<T>, potrf_lower_small<T>, potrf_upper_loop<T>, getrs_loop<T>, inverse_small<T>, getrf_limit};
+    return {getrf_small<T>,     potrf_lower_small<T>, potrf_upper_loop<T>, getrs_loop<T>,
+            inverse_small<T>,   getrf_limit,          potrf_limit,         inverse_limit};
 }
 
 } // namespace zel::dense::ZEL_SMALL_ISA
