@@ -43,6 +43,8 @@ struct zmm8 {
     static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm512_mask_xor_pd(v, m, v, s); }
     static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm512_mask3_fnmadd_pd(l, u, c, m); }
     static reg fnmadd(reg l, reg u, reg c) { return _mm512_fnmadd_pd(l, u, c); }
+    static reg sqrt(reg v) { return _mm512_sqrt_pd(v); }
+    static reg mask_div(reg v, __mmask8 m, reg s) { return _mm512_mask_div_pd(v, m, v, s); }
     static reg unit(int j) { return _mm512_maskz_mov_pd(static_cast<__mmask8>(1u << j), _mm512_set1_pd(1.0)); }
     static double first(reg v) { return _mm512_cvtsd_f64(v); }
 };
@@ -72,6 +74,8 @@ struct ymm4 {
     static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm256_mask_xor_pd(v, m, v, s); }
     static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm256_mask3_fnmadd_pd(l, u, c, m); }
     static reg fnmadd(reg l, reg u, reg c) { return _mm256_fnmadd_pd(l, u, c); }
+    static reg sqrt(reg v) { return _mm256_sqrt_pd(v); }
+    static reg mask_div(reg v, __mmask8 m, reg s) { return _mm256_mask_div_pd(v, m, v, s); }
     static reg unit(int j) { return _mm256_maskz_mov_pd(static_cast<__mmask8>(1u << j), _mm256_set1_pd(1.0)); }
     static double first(reg v) { return _mm256_cvtsd_f64(v); }
 };
@@ -179,6 +183,55 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
     }
 }
 
+// Cholesky A = L*L^T of an N x N double matrix, right-looking with one column per register.
+// On a non-positive pivot only the finished columns and that pivot are written back, as the
+// unblocked LAPACK routine leaves it.
+template <int N, class V> void potrf_lower_d_registers(double *a, int64_t lda, int64_t *info)
+{
+    using reg = typename V::reg;
+    reg col[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        col[j] = V::load(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const reg dv = V::lane(col[k], k);
+        const double d = V::first(dv);
+        if (!(d > 0.0)) {
+            for (int j = 0; j < k; ++j)
+                V::store(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda, col[j]);
+            a[k + k * lda] = d;
+            *info = k + 1;
+            return;
+        }
+        const reg root = V::sqrt(dv);
+        const __mmask8 below = static_cast<__mmask8>(((1u << N) - 1) & ~((2u << k) - 1));
+        col[k] = V::masked(static_cast<__mmask8>(~(1u << k)), V::mask_div(col[k], below, root), root);
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j)
+            col[j] = V::mask_fnmadd(col[k], V::lane(col[k], j), col[j],
+                                    static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)));
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        V::store(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda, col[j]);
+}
+
+void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
+{
+    switch (n) {
+    case 1: return potrf_lower_d_registers<1, ymm4>(a, lda, info);
+    case 2: return potrf_lower_d_registers<2, ymm4>(a, lda, info);
+    case 3: return potrf_lower_d_registers<3, ymm4>(a, lda, info);
+    case 4: return potrf_lower_d_registers<4, ymm4>(a, lda, info);
+    case 5: return potrf_lower_d_registers<5, zmm8>(a, lda, info);
+    case 6: return potrf_lower_d_registers<6, zmm8>(a, lda, info);
+    case 7: return potrf_lower_d_registers<7, zmm8>(a, lda, info);
+    case 8: return potrf_lower_d_registers<8, zmm8>(a, lda, info);
+    default: return potrf_lower_loop(n, a, lda, info);
+    }
+}
+
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -199,6 +252,7 @@ constexpr small_kernels<double> double_table()
     small_kernels<double> t = table<double>(64, 16, 64);
     t.getrf = getrf_d;
     t.inverse = inverse_d;
+    t.potrf_lower = potrf_lower_d;
     return t;
 }
 
