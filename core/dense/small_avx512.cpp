@@ -232,6 +232,134 @@ void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
     }
 }
 
+// Complex double LU with partial pivoting for N <= 8: a column is R = 1 or 2 registers of four
+// interleaved (re, im) pairs. The pivot is the first largest |re|+|im|, as LAPACK chooses it.
+template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int R = (N + 3) / 4;
+    double *ad = reinterpret_cast<double *>(a);
+    const __m512i iota = _mm512_set_epi64(7, 6, 5, 4, 3, 2, 1, 0);
+    const __m512i pair_offset = _mm512_set_epi64(1, 0, 1, 0, 1, 0, 1, 0);
+    const __m512d odd_negative = _mm512_set_pd(-0.0, 0.0, -0.0, 0.0, -0.0, 0.0, -0.0, 0.0);
+    // lanes of rows first..N-1 within register r
+    auto rows_from = [](int first, int r) {
+        unsigned m = 0;
+        for (int i = 0; i < 4; ++i)
+            if (4 * r + i >= first && 4 * r + i < N)
+                m |= 3u << (2 * i);
+        return static_cast<__mmask8>(m);
+    };
+    auto pair = [&](__m512d v, int lane) { return _mm512_permutexvar_pd(_mm512_set1_epi64(lane), v); };
+    __m512d col[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            col[j][r] = _mm512_maskz_loadu_pd(rows_from(0, r), ad + 2 * (j * lda + 4 * r));
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        __m512d size[R];
+        __m512d largest = _mm512_set1_pd(-1.0);
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            const __m512d m = _mm512_abs_pd(col[k][r]);
+            size[r] = _mm512_mask_mov_pd(_mm512_set1_pd(-1.0), rows_from(k, r), _mm512_add_pd(m, _mm512_permute_pd(m, 0x55)));
+            largest = _mm512_max_pd(largest, size[r]);
+        }
+        largest = zmm8::all_max(largest);
+        unsigned hits = 0;
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            hits |= static_cast<unsigned>(_mm512_cmp_pd_mask(size[r], largest, _CMP_EQ_OQ)) << (8 * r);
+        const int p = hits != 0 ? static_cast<int>(__builtin_ctz(hits)) / 2 : k;
+        ipiv[k] = p + 1;
+        // Rows k and p trade places: lanes (2k, 2k+1) <-> (2p, 2p+1) over the R*8 lanes.
+        __m512i idx[R];
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            idx[r] = _mm512_add_epi64(iota, _mm512_set1_epi64(8 * r));
+            if (k / 4 == r)
+                idx[r] = _mm512_mask_mov_epi64(idx[r], static_cast<__mmask8>(3u << (2 * (k % 4))),
+                                               _mm512_add_epi64(_mm512_set1_epi64(2 * p), pair_offset));
+        }
+        const int pr = p / 4;
+        const __mmask8 p_lanes = static_cast<__mmask8>(3u << (2 * (p % 4)));
+        const __m512i to_k = _mm512_add_epi64(_mm512_set1_epi64(2 * k), pair_offset);
+        if constexpr (R == 1) {
+            idx[0] = _mm512_mask_mov_epi64(idx[0], p_lanes, to_k);
+#pragma GCC unroll 8
+            for (int j = 0; j < N; ++j)
+                col[j][0] = _mm512_permutexvar_pd(idx[0], col[j][0]);
+        } else {
+            if (pr == 0)
+                idx[0] = _mm512_mask_mov_epi64(idx[0], p_lanes, to_k);
+            else
+                idx[1] = _mm512_mask_mov_epi64(idx[1], p_lanes, to_k);
+#pragma GCC unroll 8
+            for (int j = 0; j < N; ++j) {
+                const __m512d lo = col[j][0], hi = col[j][R - 1];
+                col[j][0] = _mm512_permutex2var_pd(lo, idx[0], hi);
+                col[j][R - 1] = _mm512_permutex2var_pd(lo, _mm512_and_si512(idx[R - 1], _mm512_set1_epi64(15)), hi);
+            }
+        }
+        const int kr = k / 4, kl = 2 * (k % 4);
+        const std::complex<double> pivot(_mm512_cvtsd_f64(pair(col[k][kr], kl)), _mm512_cvtsd_f64(pair(col[k][kr], kl + 1)));
+        if (pivot != 0.0) {
+            const std::complex<double> inverse = reciprocal(pivot);
+            const __m512d re = _mm512_set1_pd(inverse.real()), im = _mm512_set1_pd(inverse.imag());
+#pragma GCC unroll 2
+            for (int r = kr; r < R; ++r) {
+                const __m512d x = col[k][r];
+                const __m512d product = _mm512_fmaddsub_pd(x, re, _mm512_mul_pd(_mm512_permute_pd(x, 0x55), im));
+                col[k][r] = _mm512_mask_mov_pd(x, rows_from(k + 1, r), product);
+            }
+        } else if (*info == 0) {
+            *info = k + 1;
+        }
+        __m512d swapped[R];
+#pragma GCC unroll 2
+        for (int r = kr; r < R; ++r)
+            swapped[r] = _mm512_permute_pd(col[k][r], 0x55);
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            const __m512d ure = pair(col[j][kr], kl);
+            const __m512d uim = _mm512_xor_pd(pair(col[j][kr], kl + 1), odd_negative);
+#pragma GCC unroll 2
+            for (int r = kr; r < R; ++r) {
+                const __m512d y = _mm512_fnmadd_pd(col[k][r], ure, col[j][r]);
+                col[j][r] = _mm512_mask_mov_pd(col[j][r], rows_from(k + 1, r), _mm512_fmadd_pd(swapped[r], uim, y));
+            }
+        }
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            _mm512_mask_storeu_pd(ad + 2 * (j * lda + 4 * r), rows_from(0, r), col[j][r]);
+}
+
+void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    switch (n) {
+    case 1: return getrf_z_registers<1>(a, lda, ipiv, info);
+    case 2: return getrf_z_registers<2>(a, lda, ipiv, info);
+    case 3: return getrf_z_registers<3>(a, lda, ipiv, info);
+    case 4: return getrf_z_registers<4>(a, lda, ipiv, info);
+    case 5: return getrf_z_registers<5>(a, lda, ipiv, info);
+    case 6: return getrf_z_registers<6>(a, lda, ipiv, info);
+    case 7: return getrf_z_registers<7>(a, lda, ipiv, info);
+    case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
+    default: return getrf_loop(n, a, lda, ipiv, info);
+    }
+}
+
+constexpr small_kernels<std::complex<double>> complex_double_table()
+{
+    small_kernels<std::complex<double>> t = table<std::complex<double>>(32, 16, 64);
+    t.getrf = getrf_z;
+    return t;
+}
+
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -262,6 +390,6 @@ constexpr small_kernels<double> double_table()
 namespace zel::dense {
 
 const small_set small_set_avx512 = {avx512::table<float>(64, 16, 64), avx512::double_table(),
-                                    avx512::table<std::complex<float>>(32, 16, 64), avx512::table<std::complex<double>>(32, 16, 64)};
+                                    avx512::table<std::complex<float>>(32, 16, 64), avx512::complex_double_table()};
 
 } // namespace zel::dense

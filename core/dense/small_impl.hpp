@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "small.hpp"
@@ -52,7 +53,27 @@ template <class T> inline auto real_part(T a)
     else
         return a;
 }
-template <class T> inline T reciprocal(T a) { return T(1) / a; }
+// 1/a; for complex scaled by the larger part so that neither overflow nor a library call
+// (which would spill every vector register) gets in the way.
+template <class T> inline T reciprocal(T a)
+{
+    if constexpr (is_cplx<T>::value) {
+        using R = typename T::value_type;
+        const R norm = a.real() * a.real() + a.imag() * a.imag();
+        constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
+        constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
+        if (norm > low && norm < high) [[likely]] { // one division on the common path
+            const R q = R(1) / norm;
+            return T(a.real() * q, -a.imag() * q);
+        }
+        const R s = R(1) / std::max(std::abs(a.real()), std::abs(a.imag()));
+        const R re = a.real() * s, im = a.imag() * s;
+        const R q = s / (re * re + im * im);
+        return T(re * q, -im * q);
+    } else {
+        return T(1) / a;
+    }
+}
 
 // y[0..count) -= x[0..count) * s
 template <class T> inline void axpy_minus(int64_t count, const T *x, T s, T *y)
@@ -169,7 +190,7 @@ template <class T> void upper_solve(int64_t n, const T *a, int64_t lda, T *x)
 {
     for (int64_t k = n - 1; k >= 0; --k) {
         const T *ck = a + k * lda;
-        x[k] = x[k] / ck[k];
+        x[k] = mul(x[k], reciprocal(ck[k]));
         if (x[k] != T(0))
             axpy_minus(k, ck, x[k], x);
     }
@@ -187,7 +208,7 @@ template <class T> void transposed_solve(int64_t n, const T *a, int64_t lda, T *
         else
             for (int64_t i = 0; i < k; ++i)
                 s -= mul(ck[i], x[i]);
-        x[k] = s / (conjugate ? conj(ck[k]) : ck[k]);
+        x[k] = mul(s, reciprocal(conjugate ? conj(ck[k]) : ck[k]));
     }
     for (int64_t k = n - 1; k >= 0; --k) {
         const T *ck = a + k * lda;
