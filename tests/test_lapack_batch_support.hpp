@@ -150,8 +150,9 @@ template <class T> void expect_slack_kept(const strided<T> &after, const strided
     for (size_t e = 0; e < after.v.size(); ++e) {
         const int64_t k = static_cast<int64_t>(e) / after.stride, r = static_cast<int64_t>(e) % after.stride;
         const bool inside = k < after.count && r / after.ld < after.n && r % after.ld < after.m;
-        if (!inside)
+        if (!inside) {
             ASSERT_EQ(after.v[e], before.v[e]) << "slack element " << e;
+        }
     }
 }
 
