@@ -250,7 +250,7 @@ TYPED_TEST(LapackBatch, PotrfReconstructsEitherTriangleAndFlagsIndefiniteMember)
 
 // The trans option that a precision's gels accepts besides N, and the one it rejects.
 template <class T> constexpr char gels_transpose = zel::is_complex_v<T> ? 'C' : 'T';
-template <class T> constexpr char gels_foreign = zel::is_complex_v<T> ? 'T' : 'C';
+template <class T> constexpr char gels_foreign = zel::is_complex_v<T> ? 't' : 'c';
 
 TYPED_TEST(LapackBatch, GelsResidualIsOrthogonalOrZero)
 {
