@@ -111,8 +111,7 @@ public:
     void deliver(I *ipiv, int64_t length)
     {
         if constexpr (!is_wide)
-            std::transform(buffer_.get(), buffer_.get() + length, ipiv,
-                           [](int64_t p) { return static_cast<I>(p); });
+            std::transform(buffer_.get(), buffer_.get() + length, ipiv, [](int64_t p) { return static_cast<I>(p); });
     }
 
 private:

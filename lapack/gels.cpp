@@ -32,7 +32,8 @@ void gels_batch_strided(const char *name, const char *trans, const I *m, const I
 
     const int64_t threads = std::max(1, zel_serv_domain_get_max_threads(5));
     T size(0);
-    run_member(info[0], [&](int64_t *status) { gels(trans, rows, cols, columns, a, ld_a, b, ld_b, &size, -1, status); });
+    run_member(info[0],
+               [&](int64_t *status) { gels(trans, rows, cols, columns, a, ld_a, b, ld_b, &size, -1, status); });
     const int64_t lwork = std::max<int64_t>(1, static_cast<int64_t>(std::ceil(std::real(size))));
     scratch_array<T> work(static_cast<size_t>(std::min(count, threads) * lwork), 64);
     if (!work) {
@@ -47,7 +48,7 @@ void gels_batch_strided(const char *name, const char *trans, const I *m, const I
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
+#define ZEL_INSTANCE(T, I)                                                                                             \
     template void gels_batch_strided<T, I>(const char *, ZEL_LAPACK_GELS_BATCH_STRIDED_PARAMS(T, I));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

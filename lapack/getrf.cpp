@@ -36,8 +36,8 @@ void getrf_batch_strided(const char *name, const I *m, const I *n, T *a, const I
 }
 
 template <class T, class I>
-void getrf_batch(const char *name, const I *m, const I *n, T *const *a, const I *lda, I *const *ipiv, const I *group_count,
-                 const I *group_size, I *info)
+void getrf_batch(const char *name, const I *m, const I *n, T *const *a, const I *lda, I *const *ipiv,
+                 const I *group_count, const I *group_size, I *info)
 {
     const int64_t total = check_groups(name, 6, group_count, group_size, info, [&](int64_t g) {
         return first_failure({{m[g] < 0, 1}, {n[g] < 0, 2}, {lda[g] < std::max<I>(1, m[g]), 4}});
@@ -60,8 +60,8 @@ void getrf_batch(const char *name, const I *m, const I *n, T *const *a, const I 
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
-    template void getrf_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I));   \
+#define ZEL_INSTANCE(T, I)                                                                                             \
+    template void getrf_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I));                \
     template void getrf_batch<T, I>(const char *, ZEL_LAPACK_GETRF_BATCH_PARAMS(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

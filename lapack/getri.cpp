@@ -22,8 +22,8 @@ template <class T> int64_t getri_workspace(int64_t n, T *a, int64_t lda, const i
 // Checks as getri_oop in the true places of this list: n 1, lda 3, stride_a 4, stride_ipiv 6,
 // batch_size 7.
 template <class T, class I>
-void getri_batch_strided(const char *name, const I *n, T *a, const I *lda, const I *stride_a, const I *ipiv, const I *stride_ipiv,
-                         const I *batch_size, I *info)
+void getri_batch_strided(const char *name, const I *n, T *a, const I *lda, const I *stride_a, const I *ipiv,
+                         const I *stride_ipiv, const I *batch_size, I *info)
 {
     const int64_t order = *n, ld = *lda, step_a = *stride_a, step_piv = *stride_ipiv, count = *batch_size;
     if (count < 0)
@@ -50,7 +50,7 @@ void getri_batch_strided(const char *name, const I *n, T *a, const I *lda, const
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
+#define ZEL_INSTANCE(T, I)                                                                                             \
     template void getri_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRI_BATCH_STRIDED_PARAMS(T, I));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

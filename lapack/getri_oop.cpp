@@ -27,8 +27,8 @@ int64_t getri_oop_one(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T
 // place in the list (2, 3, 5, 6, 8): callers rely on these numbers.
 template <class T, class I>
 void getri_oop_batch_strided(const char *name, const I *n, const T *a, const I *lda, const I *stride_a, const I *ipiv,
-                             const I *stride_ipiv, T *ainv, const I *ldainv, const I *stride_ainv,
-                             const I *batch_size, I *info)
+                             const I *stride_ipiv, T *ainv, const I *ldainv, const I *stride_ainv, const I *batch_size,
+                             I *info)
 {
     const int64_t order = *n, ld_a = *lda, step_a = *stride_a, step_piv = *stride_ipiv;
     const int64_t ld_inv = *ldainv, step_inv = *stride_ainv, count = *batch_size;
@@ -57,8 +57,8 @@ void getri_oop_batch_strided(const char *name, const I *n, const T *a, const I *
 // The group form checks like getrf_batch: group_count at 7, group_size at 8, and per group
 // n -> 1, lda -> 3, ldainv -> 6 (their places in the list).
 template <class T, class I>
-void getri_oop_batch(const char *name, const I *n, T *const *a, const I *lda, I *const *ipiv, T *const *ainv, const I *ldainv,
-                     const I *group_count, const I *group_size, I *info)
+void getri_oop_batch(const char *name, const I *n, T *const *a, const I *lda, I *const *ipiv, T *const *ainv,
+                     const I *ldainv, const I *group_count, const I *group_size, I *info)
 {
     const int64_t total = check_groups(name, 7, group_count, group_size, info, [&](int64_t g) {
         const I bound = std::max<I>(1, n[g]);
@@ -80,8 +80,8 @@ void getri_oop_batch(const char *name, const I *n, T *const *a, const I *lda, I 
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
-    template void getri_oop_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRI_OOP_BATCH_STRIDED_PARAMS(T, I)); \
+#define ZEL_INSTANCE(T, I)                                                                                             \
+    template void getri_oop_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRI_OOP_BATCH_STRIDED_PARAMS(T, I));        \
     template void getri_oop_batch<T, I>(const char *, ZEL_LAPACK_GETRI_OOP_BATCH_PARAMS(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

@@ -7,8 +7,8 @@ namespace zel::lapack {
 
 template <class T, class I>
 void getrs_batch_strided(const char *name, const char *trans, const I *n, const I *nrhs, const T *a, const I *lda,
-                         const I *stride_a, const I *ipiv, const I *stride_ipiv, T *b, const I *ldb,
-                         const I *stride_b, const I *batch_size, I *info)
+                         const I *stride_a, const I *ipiv, const I *stride_ipiv, T *b, const I *ldb, const I *stride_b,
+                         const I *batch_size, I *info)
 {
     const int64_t order = *n, columns = *nrhs, ld_a = *lda, step_a = *stride_a, step_piv = *stride_ipiv;
     const int64_t ld_b = *ldb, step_b = *stride_b, count = *batch_size;
@@ -38,7 +38,7 @@ void getrs_batch_strided(const char *name, const char *trans, const I *n, const 
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
+#define ZEL_INSTANCE(T, I)                                                                                             \
     template void getrs_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRS_BATCH_STRIDED_PARAMS(T, I));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

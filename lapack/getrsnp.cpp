@@ -23,8 +23,7 @@ void getrsnp_one(const char *trans, int64_t n, int64_t nrhs, const T *a, int64_t
 
 template <class T, class I>
 void getrsnp_batch_strided(const char *name, const char *trans, const I *n, const I *nrhs, const T *a, const I *lda,
-                           const I *stride_a, T *b, const I *ldb, const I *stride_b, const I *batch_size,
-                           I *info)
+                           const I *stride_a, T *b, const I *ldb, const I *stride_b, const I *batch_size, I *info)
 {
     const int64_t order = *n, columns = *nrhs, ld_a = *lda, step_a = *stride_a;
     const int64_t ld_b = *ldb, step_b = *stride_b, count = *batch_size;
@@ -48,7 +47,7 @@ void getrsnp_batch_strided(const char *name, const char *trans, const I *n, cons
     }
 }
 
-#define ZEL_INSTANCE(T, I)                                                                                \
+#define ZEL_INSTANCE(T, I)                                                                                             \
     template void getrsnp_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRSNP_BATCH_STRIDED_PARAMS(T, I));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 

@@ -13,8 +13,8 @@ namespace zel::lapack {
 // argument. A bad group gets -position in the statuses of all its matrices, and the first
 // bad group's position is reported once. Returns the number of matrices to run, or -1.
 template <class I, class CheckGroup>
-int64_t check_groups(const char *name, int64_t count_position, const I *group_count, const I *group_size,
-                     I *info, CheckGroup check_group)
+int64_t check_groups(const char *name, int64_t count_position, const I *group_count, const I *group_size, I *info,
+                     CheckGroup check_group)
 {
     const int64_t groups = *group_count;
     if (groups < 0) {

@@ -15,13 +15,13 @@
 namespace {
 
 template <class T> struct blas;
-#define ZEL_TEST_BLAS(p, C, T)                                                                            \
-    template <> struct blas<T> {                                                                          \
-        using c_type = C;                                                                                  \
-        static constexpr auto axpy = zel_blas_##p##axpy;                                                   \
-        static constexpr auto copy = zel_blas_##p##copy;                                                   \
-        static constexpr auto axpy_batch = zel_blas_##p##axpy_batch_strided;                               \
-        static constexpr auto copy_batch = zel_blas_##p##copy_batch_strided;                               \
+#define ZEL_TEST_BLAS(p, C, T)                                                                                         \
+    template <> struct blas<T> {                                                                                       \
+        using c_type = C;                                                                                              \
+        static constexpr auto axpy = zel_blas_##p##axpy;                                                               \
+        static constexpr auto copy = zel_blas_##p##copy;                                                               \
+        static constexpr auto axpy_batch = zel_blas_##p##axpy_batch_strided;                                           \
+        static constexpr auto copy_batch = zel_blas_##p##copy_batch_strided;                                           \
     };
 ZEL_TEST_BLAS(s, float, float)
 ZEL_TEST_BLAS(d, double, double)
@@ -82,7 +82,8 @@ template <class T> struct layout {
         std::vector<T> out = y;
         for (int64_t i = 0; i < count; ++i)
             for (int64_t j = 0; j < n; ++j)
-                out[static_cast<size_t>(i * stridey + at(j, n, incy))] = x[static_cast<size_t>(i * stridex + at(j, n, incx))];
+                out[static_cast<size_t>(i * stridey + at(j, n, incy))] =
+                    x[static_cast<size_t>(i * stridex + at(j, n, incx))];
         return out;
     }
     std::vector<T> run_axpy(T alpha) const
@@ -135,7 +136,8 @@ TYPED_TEST(BlasBatch, OneVectorEntriesFollowBlas)
 TYPED_TEST(BlasBatch, EveryMemberIsUpdatedAndNothingElse)
 {
     using T = TypeParam;
-    for (const layout<T> &batch : {layout<T>(5, 2, 11, -1, 8, 3), layout<T>(4, -3, 13, 2, 9, 4), layout<T>(1, 1, 1, 1, 1, 6)}) {
+    for (const layout<T> &batch :
+         {layout<T>(5, 2, 11, -1, 8, 3), layout<T>(4, -3, 13, 2, 9, 4), layout<T>(1, 1, 1, 1, 1, 6)}) {
         expect_close(batch.run_axpy(alpha_value<T>()), batch.expected_axpy(alpha_value<T>()));
         EXPECT_EQ(batch.run_copy(), batch.expected_copy());
     }

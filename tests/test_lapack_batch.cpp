@@ -9,9 +9,9 @@ namespace {
 template <class C> struct LapackBatch : ::testing::Test {};
 TYPED_TEST_SUITE(LapackBatch, configs, config_names);
 
-#define ZEL_TEST_TYPES                                                                                    \
-    using T = typename TypeParam::T;                                                                      \
-    using I = typename TypeParam::I;                                                                      \
+#define ZEL_TEST_TYPES                                                                                                 \
+    using T = typename TypeParam::T;                                                                                   \
+    using I = typename TypeParam::I;                                                                                   \
     using A = typename TypeParam::A
 
 // Tolerance for products of n terms of size about one.
@@ -403,8 +403,8 @@ TYPED_TEST(LapackBatch, GroupGetrfnpAndInverseOutOfPlace)
             ipiv.push_back(p.data());
 
         std::vector<I> info(static_cast<size_t>(g.total), I(-9));
-        A::getrfnp_batch(path, g.m.data(), g.n.data(), c_ptr<T, I>(lu.data()), g.lda.data(), &groups,
-                         g.size.data(), info.data());
+        A::getrfnp_batch(path, g.m.data(), g.n.data(), c_ptr<T, I>(lu.data()), g.lda.data(), &groups, g.size.data(),
+                         info.data());
         EXPECT_EQ(info, std::vector<I>(static_cast<size_t>(g.total), 0));
         for (size_t k = 0; k < lu.mats.size(); ++k) {
             auto [l, u] = split_lu(lu.mats[k]);

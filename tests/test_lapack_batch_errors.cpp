@@ -18,17 +18,19 @@ template <class T, class I> struct buffers {
     std::vector<I> info = std::vector<I>(8, I(untouched));
     bool matrices_untouched() const
     {
-        auto all = [](const std::vector<T> &v, T x) { return std::all_of(v.begin(), v.end(), [&](T e) { return e == x; }); };
+        auto all = [](const std::vector<T> &v, T x) {
+            return std::all_of(v.begin(), v.end(), [&](T e) { return e == x; });
+        };
         return all(a, T(2)) && all(b, T(3)) && all(c, T(4));
     }
 };
 
 // One strided routine: its integer arguments by index, a valid set, and the call.
-#define ZEL_ROUTINE_FRAME(routine_suffix)                                                                 \
-    using T = typename C::T;                                                                              \
-    using I = typename C::I;                                                                              \
-    using A = typename C::A;                                                                              \
-    static constexpr const char *suffix = routine_suffix;                                                 \
+#define ZEL_ROUTINE_FRAME(routine_suffix)                                                                              \
+    using T = typename C::T;                                                                                           \
+    using I = typename C::I;                                                                                           \
+    using A = typename C::A;                                                                                           \
+    static constexpr const char *suffix = routine_suffix;                                                              \
     static I *iv(std::vector<I> &w, size_t k) { return &w[k]; }
 
 template <class C> struct getrf_r {
@@ -57,8 +59,8 @@ template <class C> struct potrf_r {
     static constexpr std::array<int64_t, 4> valid = {3, 3, 9, 3};
     static void run(via path, std::vector<I> w, const char *uplo, buffers<T, I> &b)
     {
-        A::potrf_batch_strided(path, uplo, iv(w, n), c_ptr<T, I>(b.a.data()), iv(w, lda), iv(w, stride_a),
-                               iv(w, batch), b.info.data());
+        A::potrf_batch_strided(path, uplo, iv(w, n), c_ptr<T, I>(b.a.data()), iv(w, lda), iv(w, stride_a), iv(w, batch),
+                               b.info.data());
     }
 };
 template <class C> struct getrs_r {
@@ -67,9 +69,9 @@ template <class C> struct getrs_r {
     static constexpr std::array<int64_t, 8> valid = {3, 2, 3, 9, 3, 3, 6, 3};
     static void run(via path, std::vector<I> w, const char *trans, buffers<T, I> &b)
     {
-        A::getrs_batch_strided(path, trans, iv(w, n), iv(w, nrhs), c_ptr<T, I>(b.a.data()), iv(w, lda),
-                               iv(w, stride_a), b.ipiv.data(), iv(w, stride_ipiv), c_ptr<T, I>(b.b.data()),
-                               iv(w, ldb), iv(w, stride_b), iv(w, batch), b.info.data());
+        A::getrs_batch_strided(path, trans, iv(w, n), iv(w, nrhs), c_ptr<T, I>(b.a.data()), iv(w, lda), iv(w, stride_a),
+                               b.ipiv.data(), iv(w, stride_ipiv), c_ptr<T, I>(b.b.data()), iv(w, ldb), iv(w, stride_b),
+                               iv(w, batch), b.info.data());
     }
 };
 template <class C> struct getrsnp_r {
@@ -89,9 +91,9 @@ template <class C> struct getri_oop_r {
     static constexpr std::array<int64_t, 7> valid = {3, 3, 9, 3, 3, 9, 3};
     static void run(via path, std::vector<I> w, const char *, buffers<T, I> &b)
     {
-        A::getri_oop_batch_strided(path, iv(w, n), c_ptr<T, I>(b.a.data()), iv(w, lda), iv(w, stride_a),
-                                   b.ipiv.data(), iv(w, stride_ipiv), c_ptr<T, I>(b.c.data()), iv(w, ldainv),
-                                   iv(w, stride_ainv), iv(w, batch), b.info.data());
+        A::getri_oop_batch_strided(path, iv(w, n), c_ptr<T, I>(b.a.data()), iv(w, lda), iv(w, stride_a), b.ipiv.data(),
+                                   iv(w, stride_ipiv), c_ptr<T, I>(b.c.data()), iv(w, ldainv), iv(w, stride_ainv),
+                                   iv(w, batch), b.info.data());
     }
 };
 template <class C> struct getri_r {
@@ -122,8 +124,7 @@ template <class R> std::string routine_name() { return std::string(1, R::A::lett
 // Runs R with `changes` applied to its valid arguments, on both paths, and checks the outcome:
 // position > 0 rejects (statuses -position unless batch_size < 0), 0 means silent and untouched.
 template <class R>
-void expect_outcome(std::initializer_list<std::pair<int, int64_t>> changes, int64_t position,
-                    const char *option = "N")
+void expect_outcome(std::initializer_list<std::pair<int, int64_t>> changes, int64_t position, const char *option = "N")
 {
     using T = typename R::T;
     using I = typename R::I;
@@ -272,8 +273,8 @@ TYPED_TEST(LapackBatchErrors, GelsLeavesTallLdbToTheKernel)
         report_log log;
         A::gels_batch_strided(via::entry, trans, &m, &n, &nrhs, c_ptr<T, I>(b.a.data()), &lda, &stride_a,
                               c_ptr<T, I>(b.b.data()), &ldb, &stride_b, &count, b.info.data());
-        EXPECT_EQ(b.info, (std::vector<I>{-8, -8, -8, I(untouched), I(untouched), I(untouched), I(untouched),
-                                          I(untouched)}));
+        EXPECT_EQ(b.info,
+                  (std::vector<I>{-8, -8, -8, I(untouched), I(untouched), I(untouched), I(untouched), I(untouched)}));
         for (const auto &entry : log.entries())
             EXPECT_EQ(entry.name.find("_batch"), std::string::npos) << entry.name;
     }
@@ -326,31 +327,43 @@ TYPED_TEST(LapackBatchErrors, StridedWorkersReportFailedPivotArrays)
     };
     for (via path : both_paths) {
         // Only a 32-bit worker needs a pivot array (alignment 64); its failure stops the batch.
-        expect_allocation_failures<T, I>(p + "getrf", narrow ? 1 : 0, [&](buffers<T, I> &b) {
-            log.clear();
-            fill_factors(b, n, stride, count);
-            A::getrf_batch_strided(path, &n, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(), &stride_ipiv,
-                                   &count, b.info.data());
-        }, stopped("getrf_batch_strided"));
-        expect_allocation_failures<T, I>(p + "getrs", narrow ? 1 : 0, [&](buffers<T, I> &b) {
-            log.clear();
-            fill_factors(b, n, stride, count);
-            A::getrs_batch_strided(path, "N", &n, &nrhs, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(),
-                                   &stride_ipiv, c_ptr<T, I>(b.b.data()), &ldb, &stride_b, &count, b.info.data());
-        }, stopped("getrs_batch_strided"));
-        expect_allocation_failures<T, I>(p + "getri_oop", narrow ? 1 : 0, [&](buffers<T, I> &b) {
-            log.clear();
-            fill_factors(b, n, stride, count);
-            A::getri_oop_batch_strided(path, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(), &stride_ipiv,
-                                       c_ptr<T, I>(b.c.data()), &lda, &stride, &count, b.info.data());
-        }, stopped("getri_oop_batch_strided"));
+        expect_allocation_failures<T, I>(
+            p + "getrf", narrow ? 1 : 0,
+            [&](buffers<T, I> &b) {
+                log.clear();
+                fill_factors(b, n, stride, count);
+                A::getrf_batch_strided(path, &n, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(),
+                                       &stride_ipiv, &count, b.info.data());
+            },
+            stopped("getrf_batch_strided"));
+        expect_allocation_failures<T, I>(
+            p + "getrs", narrow ? 1 : 0,
+            [&](buffers<T, I> &b) {
+                log.clear();
+                fill_factors(b, n, stride, count);
+                A::getrs_batch_strided(path, "N", &n, &nrhs, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(),
+                                       &stride_ipiv, c_ptr<T, I>(b.b.data()), &ldb, &stride_b, &count, b.info.data());
+            },
+            stopped("getrs_batch_strided"));
+        expect_allocation_failures<T, I>(
+            p + "getri_oop", narrow ? 1 : 0,
+            [&](buffers<T, I> &b) {
+                log.clear();
+                fill_factors(b, n, stride, count);
+                A::getri_oop_batch_strided(path, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(),
+                                           &stride_ipiv, c_ptr<T, I>(b.c.data()), &lda, &stride, &count, b.info.data());
+            },
+            stopped("getri_oop_batch_strided"));
         // getri adds its workspace: either failure is reported as 1000 with no status written.
-        expect_allocation_failures<T, I>(p + "getri", narrow ? 2 : 1, [&](buffers<T, I> &b) {
-            log.clear();
-            fill_factors(b, n, stride, count);
-            A::getri_batch_strided(path, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(), &stride_ipiv,
-                                   &count, b.info.data());
-        }, stopped("getri_batch_strided"));
+        expect_allocation_failures<T, I>(
+            p + "getri", narrow ? 2 : 1,
+            [&](buffers<T, I> &b) {
+                log.clear();
+                fill_factors(b, n, stride, count);
+                A::getri_batch_strided(path, &n, c_ptr<T, I>(b.a.data()), &lda, &stride, b.ipiv.data(), &stride_ipiv,
+                                       &count, b.info.data());
+            },
+            stopped("getri_batch_strided"));
     }
 }
 
@@ -363,16 +376,19 @@ TYPED_TEST(LapackBatchErrors, GelsWorkspaceFailureSetsEveryStatus)
     const std::string p(1, A::letter);
     for (via path : both_paths) {
         report_log log;
-        expect_allocation_failures<T, I>(p + "gels", 1, [&](buffers<T, I> &b) {
-            log.clear();
-            fill_factors(b, 4, stride_a, count);
-            A::gels_batch_strided(path, "N", &m, &n, &nrhs, c_ptr<T, I>(b.a.data()), &lda, &stride_a,
-                                  c_ptr<T, I>(b.b.data()), &ldb, &stride_b, &count, b.info.data());
-        }, [&](const std::vector<I> &info) {
-            EXPECT_EQ(info, (std::vector<I>{1000, 1000, 1000, I(untouched), I(untouched), I(untouched), I(untouched),
-                                            I(untouched)}));
-            EXPECT_EQ(log.only(), p + "gels_batch_strided:1000");
-        });
+        expect_allocation_failures<T, I>(
+            p + "gels", 1,
+            [&](buffers<T, I> &b) {
+                log.clear();
+                fill_factors(b, 4, stride_a, count);
+                A::gels_batch_strided(path, "N", &m, &n, &nrhs, c_ptr<T, I>(b.a.data()), &lda, &stride_a,
+                                      c_ptr<T, I>(b.b.data()), &ldb, &stride_b, &count, b.info.data());
+            },
+            [&](const std::vector<I> &info) {
+                EXPECT_EQ(info, (std::vector<I>{1000, 1000, 1000, I(untouched), I(untouched), I(untouched),
+                                                I(untouched), I(untouched)}));
+                EXPECT_EQ(log.only(), p + "gels_batch_strided:1000");
+            });
     }
 }
 
@@ -419,18 +435,18 @@ template <class T, class I> struct group_call {
     }
     void getrf(via path)
     {
-        A::getrf_batch(path, m.data(), n.data(), c_ptr<T, I>(a.data()), lda.data(), ipiv.data(), &groups,
-                           size.data(), info.data());
+        A::getrf_batch(path, m.data(), n.data(), c_ptr<T, I>(a.data()), lda.data(), ipiv.data(), &groups, size.data(),
+                       info.data());
     }
     void getrfnp(via path)
     {
         A::getrfnp_batch(path, m.data(), n.data(), c_ptr<T, I>(a.data()), lda.data(), &groups, size.data(),
-                             info.data());
+                         info.data());
     }
     void getri_oop(via path)
     {
-        A::getri_oop_batch(path, n.data(), c_ptr<T, I>(a.data()), lda.data(), ipiv.data(),
-                               c_ptr<T, I>(ainv.data()), ldainv.data(), &groups, size.data(), info.data());
+        A::getri_oop_batch(path, n.data(), c_ptr<T, I>(a.data()), lda.data(), ipiv.data(), c_ptr<T, I>(ainv.data()),
+                           ldainv.data(), &groups, size.data(), info.data());
     }
     bool kept(size_t k) const { return mats[k] == originals[k]; }
     std::vector<I> statuses(std::initializer_list<int64_t> head) const
@@ -557,10 +573,9 @@ TYPED_TEST(LapackGroupErrors, FailedPivotWorkArraySetsEveryStatus)
             const int64_t requests = zel::test::for_each_failing_allocation(
                 [&] {
                     log.clear();
-                    calls.push_back(std::make_unique<group_call<T, I>>(std::vector<int64_t>{3, 2},
-                                                                       std::vector<int64_t>{3, 2},
-                                                                       std::vector<int64_t>{3, 2},
-                                                                       std::vector<int64_t>{2, 1}));
+                    calls.push_back(
+                        std::make_unique<group_call<T, I>>(std::vector<int64_t>{3, 2}, std::vector<int64_t>{3, 2},
+                                                           std::vector<int64_t>{3, 2}, std::vector<int64_t>{2, 1}));
                     last = calls.back().get();
                     (last->*driver)(path);
                     return 0;

@@ -36,26 +36,29 @@ template <class Worker, class Entry> struct routine {
             entry(args..., selector);
     }
 };
-template <class W, class E> constexpr routine<W, E> make_routine(W w, E e, int64_t selector) { return {w, e, selector}; }
+template <class W, class E> constexpr routine<W, E> make_routine(W w, E e, int64_t selector)
+{
+    return {w, e, selector};
+}
 
 template <class T, class I> struct api;
-#define ZEL_TEST_ROUTINE(p, w, op)                                                                        \
+#define ZEL_TEST_ROUTINE(p, w, op)                                                                                     \
     static constexpr auto op = make_routine(zel_lapack_##p##op##_omp_internal##w, zel_lapack_##p##op, w == 32);
-#define ZEL_TEST_API(p, C, T, w)                                                                          \
-    template <> struct api<T, int##w##_t> {                                                               \
-        using c_type = C;                                                                                  \
-        static constexpr char letter = #p[0];                                                              \
-        ZEL_TEST_ROUTINE(p, w, getrf_batch_strided)                                                        \
-        ZEL_TEST_ROUTINE(p, w, getrfnp_batch_strided)                                                      \
-        ZEL_TEST_ROUTINE(p, w, getrs_batch_strided)                                                        \
-        ZEL_TEST_ROUTINE(p, w, getrsnp_batch_strided)                                                      \
-        ZEL_TEST_ROUTINE(p, w, getri_oop_batch_strided)                                                    \
-        ZEL_TEST_ROUTINE(p, w, getri_batch_strided)                                                        \
-        ZEL_TEST_ROUTINE(p, w, potrf_batch_strided)                                                        \
-        ZEL_TEST_ROUTINE(p, w, gels_batch_strided)                                                         \
-        ZEL_TEST_ROUTINE(p, w, getrf_batch)                                                                \
-        ZEL_TEST_ROUTINE(p, w, getrfnp_batch)                                                              \
-        ZEL_TEST_ROUTINE(p, w, getri_oop_batch)                                                            \
+#define ZEL_TEST_API(p, C, T, w)                                                                                       \
+    template <> struct api<T, int##w##_t> {                                                                            \
+        using c_type = C;                                                                                              \
+        static constexpr char letter = #p[0];                                                                          \
+        ZEL_TEST_ROUTINE(p, w, getrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, getrfnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(p, w, getrs_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, getrsnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(p, w, getri_oop_batch_strided)                                                                \
+        ZEL_TEST_ROUTINE(p, w, getri_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, potrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, gels_batch_strided)                                                                     \
+        ZEL_TEST_ROUTINE(p, w, getrf_batch)                                                                            \
+        ZEL_TEST_ROUTINE(p, w, getrfnp_batch)                                                                          \
+        ZEL_TEST_ROUTINE(p, w, getri_oop_batch)                                                                        \
     };
 #define ZEL_TEST_API_WIDTHS(p, C, T) ZEL_TEST_API(p, C, T, 32) ZEL_TEST_API(p, C, T, 64)
 ZEL_TEST_API_WIDTHS(s, float, float)
@@ -71,10 +74,10 @@ template <class Value, class Index> struct config {
     using I = Index;
     using A = api<Value, Index>;
 };
-using configs = ::testing::Types<config<float, int32_t>, config<float, int64_t>, config<double, int32_t>,
-                                 config<double, int64_t>, config<std::complex<float>, int32_t>,
-                                 config<std::complex<float>, int64_t>, config<std::complex<double>, int32_t>,
-                                 config<std::complex<double>, int64_t>>;
+using configs =
+    ::testing::Types<config<float, int32_t>, config<float, int64_t>, config<double, int32_t>, config<double, int64_t>,
+                     config<std::complex<float>, int32_t>, config<std::complex<float>, int64_t>,
+                     config<std::complex<double>, int32_t>, config<std::complex<double>, int64_t>>;
 
 struct config_names {
     template <class C> static std::string GetName(int)
@@ -88,17 +91,15 @@ template <class T> constexpr real<T> eps = std::numeric_limits<real<T>>::epsilon
 template <class T> T conj(T x) { return zel::conj_if(x, true); }
 
 template <class T, class I> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T, I>::c_type *>(p); }
-template <class T, class I> auto c_ptr(T *const *p)
-{
-    return reinterpret_cast<typename api<T, I>::c_type *const *>(p);
-}
+template <class T, class I> auto c_ptr(T *const *p) { return reinterpret_cast<typename api<T, I>::c_type *const *>(p); }
 
 // Column-major m x n matrix with leading dimension ld.
 template <class T> struct matrix {
     int64_t m = 0, n = 0, ld = 1;
     std::vector<T> v;
     matrix(int64_t rows, int64_t cols, int64_t lead = 0)
-        : m(rows), n(cols), ld(std::max<int64_t>({1, rows, lead})), v(static_cast<size_t>(ld * std::max<int64_t>(1, cols)))
+        : m(rows), n(cols), ld(std::max<int64_t>({1, rows, lead})),
+          v(static_cast<size_t>(ld * std::max<int64_t>(1, cols)))
     {
     }
     T &operator()(int64_t i, int64_t j) { return v[static_cast<size_t>(i + j * ld)]; }
@@ -120,7 +121,8 @@ template <class T> struct strided {
     int64_t m, n, ld, stride, count;
     std::vector<T> v;
     strided(int64_t rows, int64_t cols, int64_t lead, int64_t step, int64_t members, uint64_t seed)
-        : m(rows), n(cols), ld(lead), stride(step), count(members), v(static_cast<size_t>(std::max<int64_t>(1, step * members)))
+        : m(rows), n(cols), ld(lead), stride(step), count(members),
+          v(static_cast<size_t>(std::max<int64_t>(1, step * members)))
     {
         std::mt19937_64 rng(seed);
         for (T &x : v)
