@@ -12,6 +12,7 @@
 #include <random>
 #include <string>
 #include <vector>
+#include <unistd.h>
 
 #include "zel/dense_kernels.h"
 #include "zel_internal/value_traits.hpp"
@@ -26,6 +27,7 @@ template <class T> struct api;
         static constexpr auto getrfnp = zel_lapack_##p##getrfnp;                                          \
         static constexpr auto getrs = zel_lapack_##p##getrs;                                              \
         static constexpr auto getri = zel_lapack_##p##getri;                                              \
+        static constexpr auto getri_oop = zel_lapack_##p##getri_oop;                                      \
         static constexpr auto potrf = zel_lapack_##p##potrf;                                              \
         static constexpr auto laset = zel_lapack_##p##laset;                                              \
         static constexpr auto laswp = zel_lapack_##p##laswp;                                              \
@@ -459,7 +461,13 @@ TYPED_TEST(DenseKernels, InverseInPlaceAndOutOfPlace)
         api<T>::trsm("L", "U", "N", "N", &n, &n, c_ptr(&one), c_ptr(f.data()), &f.ld, c_ptr(oop.data()),
                      &oop.ld, 1, 1, 1, 1);
 
-        for (const matrix<T> *x : {&inv, &oop}) {
+        matrix<T> fused(n, n, n + 2);
+        const matrix<T> f_before = f;
+        api<T>::getri_oop(&n, c_ptr(f.data()), &f.ld, ipiv.data(), c_ptr(fused.data()), &fused.ld, &info);
+        ASSERT_EQ(info, 0);
+        EXPECT_EQ(f.v, f_before.v); // the factor is only read
+
+        for (const matrix<T> *x : {&inv, &oop, &fused}) {
             matrix<T> ai = product(a, *x);
             matrix<T> id(n, n);
             for (int64_t i = 0; i < n; ++i)
@@ -473,8 +481,16 @@ TYPED_TEST(DenseKernels, InverseInPlaceAndOutOfPlace)
     f(0, 0) = T(2), f(1, 1) = T(0), f(2, 2) = T(1);
     int64_t ipiv[3] = {1, 2, 3};
     T work[3];
+    matrix<T> g = f, out(3, 3);
     api<T>::getri(&n, c_ptr(f.data()), &f.ld, ipiv, c_ptr(work), &lwork, &info);
     EXPECT_EQ(info, 2);
+    EXPECT_EQ(f.v, g.v); // nothing is touched before the check
+    info = 0;
+    api<T>::getri_oop(&n, c_ptr(g.data()), &g.ld, ipiv, c_ptr(out.data()), &out.ld, &info);
+    EXPECT_EQ(info, 2);
+    int64_t bad_ld = 2;
+    api<T>::getri_oop(&n, c_ptr(g.data()), &g.ld, ipiv, c_ptr(out.data()), &bad_ld, &info);
+    EXPECT_EQ(info, -6);
 }
 
 TYPED_TEST(DenseKernels, GelsResidualOrthogonalOrExact)
@@ -549,6 +565,19 @@ TYPED_TEST(DenseKernels, AxpyAndCopyWithIncrements)
     api<T>::copy(&n, c_ptr(x.data()), &incx, c_ptr(z.data()), &one);
     for (int64_t i = 0; i < n; ++i)
         EXPECT_EQ(z[static_cast<size_t>(i)], x[static_cast<size_t>(3 * i)]);
+}
+
+// Every instruction-set variant of the small paths passes the same tests: the suite above runs
+// again in child processes restricted to the AVX2 and the baseline kernels.
+TEST(DenseKernelsIsa, EveryVariantPassesTheSameTests)
+{
+    char self[4096] = {};
+    ASSERT_GT(readlink("/proc/self/exe", self, sizeof self - 1), 0);
+    for (const char *isa : {"avx2", "baseline"}) {
+        const std::string command = std::string("ZEL_DENSE_ISA=") + isa + " '" + self +
+                                    "' --gtest_filter='DenseKernels/*' > /dev/null 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << "variant " << isa;
+    }
 }
 
 // An application that links the 32-bit-integer system LAPACK and BLAS next to the core gets

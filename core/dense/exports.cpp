@@ -26,6 +26,10 @@ using zel::dense::openblas;
     ZEL_API void zel_lapack_##p##getri(const int64_t *n, C *a, const int64_t *lda, const int64_t *ipiv,   \
                                        C *work, const int64_t *lwork, int64_t *info)                       \
     { zel::dense::getri(n, as_cpp(a), lda, ipiv, as_cpp(work), lwork, info); }                            \
+    ZEL_API void zel_lapack_##p##getri_oop(const int64_t *n, const C *a, const int64_t *lda,              \
+                                           const int64_t *ipiv, C *ainv, const int64_t *ldainv,          \
+                                           int64_t *info)                                                 \
+    { zel::dense::getri_oop(n, as_cpp(a), lda, ipiv, as_cpp(ainv), ldainv, info); }                       \
     ZEL_API void zel_lapack_##p##potrf(const char *uplo, const int64_t *n, C *a, const int64_t *lda,      \
                                        int64_t *info, size_t)                                              \
     { zel::dense::potrf(uplo, n, as_cpp(a), lda, info); }                                                 \

@@ -16,6 +16,9 @@ void getrs(const char *trans, const int64_t *n, const int64_t *nrhs, const T *a,
 template <class T>
 void getri(const int64_t *n, T *a, const int64_t *lda, const int64_t *ipiv, T *work, const int64_t *lwork,
            int64_t *info);
+template <class T>
+void getri_oop(const int64_t *n, const T *a, const int64_t *lda, const int64_t *ipiv, T *ainv,
+               const int64_t *ldainv, int64_t *info);
 template <class T> void potrf(const char *uplo, const int64_t *n, T *a, const int64_t *lda, int64_t *info);
 
 } // namespace zel::dense
