@@ -12,18 +12,17 @@ namespace zel::lapack {
 // The core's kernels for value type T and the C type they take.
 template <class T> struct kernels;
 
-#define ZEL_DENSE_KERNEL_TABLE(p, C)                                                                      \
-    template <> struct kernels<cpp_value_t<C>> {                                                          \
-        using c_type = C;                                                                                  \
-        static constexpr auto getrf = zel_lapack_x##p##getrf;                                              \
-        static constexpr auto getrfnp = zel_lapack_##p##getrfnp;                                           \
-        static constexpr auto getrs = zel_lapack_##p##getrs;                                               \
-        static constexpr auto getri = zel_lapack_##p##getri;                                               \
-        static constexpr auto potrf = zel_lapack_##p##potrf;                                               \
-        static constexpr auto laset = zel_lapack_##p##laset;                                               \
-        static constexpr auto laswp = zel_lapack_##p##laswp;                                               \
-        static constexpr auto gels = zel_lapack_##p##gels;                                                 \
-        static constexpr auto trsm = zel_blas_##p##trsm;                                                   \
+#define ZEL_DENSE_KERNEL_TABLE(p, C)                                                                                   \
+    template <> struct kernels<cpp_value_t<C>> {                                                                       \
+        using c_type = C;                                                                                              \
+        static constexpr auto getrf = zel_lapack_x##p##getrf;                                                          \
+        static constexpr auto getrfnp = zel_lapack_##p##getrfnp;                                                       \
+        static constexpr auto getrs = zel_lapack_##p##getrs;                                                           \
+        static constexpr auto getri = zel_lapack_##p##getri;                                                           \
+        static constexpr auto getri_oop = zel_lapack_##p##getri_oop;                                                   \
+        static constexpr auto potrf = zel_lapack_##p##potrf;                                                           \
+        static constexpr auto gels = zel_lapack_##p##gels;                                                             \
+        static constexpr auto trsm = zel_blas_##p##trsm;                                                               \
     };
 ZEL_DENSE_KERNEL_TABLE(s, float)
 ZEL_DENSE_KERNEL_TABLE(d, double)
@@ -48,16 +47,23 @@ template <class T> void getrfnp(int64_t m, int64_t n, T *a, int64_t lda, int64_t
 }
 
 template <class T>
-void getrs(const char *trans, int64_t n, int64_t nrhs, const T *a, int64_t lda, const int64_t *ipiv, T *b,
-           int64_t ldb, int64_t *info)
+void getrs(const char *trans, int64_t n, int64_t nrhs, const T *a, int64_t lda, const int64_t *ipiv, T *b, int64_t ldb,
+           int64_t *info)
 {
     kernels<T>::getrs(trans, &n, &nrhs, to_c(a), &lda, ipiv, to_c(b), &ldb, info, one_char);
 }
 
-template <class T>
-void getri(int64_t n, T *a, int64_t lda, const int64_t *ipiv, T *work, int64_t lwork, int64_t *info)
+template <class T> void getri(int64_t n, T *a, int64_t lda, const int64_t *ipiv, T *work, int64_t lwork, int64_t *info)
 {
     kernels<T>::getri(&n, to_c(a), &lda, ipiv, to_c(work), &lwork, info);
+}
+
+// Ainv = (P*L*U)^-1 from the factors in A, which stays as it is: identity, the interchanges and
+// the two triangular solves (fused by the core for small n); info names a zero U(j,j).
+template <class T>
+void getri_oop(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *ainv, int64_t ldainv, int64_t *info)
+{
+    kernels<T>::getri_oop(&n, to_c(a), &lda, ipiv, to_c(ainv), &ldainv, info);
 }
 
 template <class T> void potrf(const char *uplo, int64_t n, T *a, int64_t lda, int64_t *info)
@@ -65,34 +71,21 @@ template <class T> void potrf(const char *uplo, int64_t n, T *a, int64_t lda, in
     kernels<T>::potrf(uplo, &n, to_c(a), &lda, info, one_char);
 }
 
-// Off-diagonal entries of the whole matrix to `off`, the diagonal to `diagonal`.
-template <class T> void laset(int64_t m, int64_t n, T off, T diagonal, T *a, int64_t lda)
-{
-    kernels<T>::laset("A", &m, &n, to_c(&off), to_c(&diagonal), to_c(a), &lda, one_char);
-}
-
-// Row interchanges k1..k2 of ipiv (increment 1) on the n columns of A.
-template <class T> void laswp(int64_t n, T *a, int64_t lda, int64_t k1, int64_t k2, const int64_t *ipiv)
-{
-    const int64_t increment = 1;
-    kernels<T>::laswp(&n, to_c(a), &lda, &k1, &k2, ipiv, &increment);
-}
-
 template <class T>
-void gels(const char *trans, int64_t m, int64_t n, int64_t nrhs, T *a, int64_t lda, T *b, int64_t ldb,
-          T *work, int64_t lwork, int64_t *info)
+void gels(const char *trans, int64_t m, int64_t n, int64_t nrhs, T *a, int64_t lda, T *b, int64_t ldb, T *work,
+          int64_t lwork, int64_t *info)
 {
     kernels<T>::gels(trans, &m, &n, &nrhs, to_c(a), &lda, to_c(b), &ldb, to_c(work), &lwork, info, one_char);
 }
 
 // B = op(A)^-1 * B from the left with the triangle `uplo` of A; alpha = 1.
 template <class T>
-void trsm_left(const char *uplo, const char *trans, const char *diag, int64_t m, int64_t n, const T *a,
-               int64_t lda, T *b, int64_t ldb)
+void trsm_left(const char *uplo, const char *trans, const char *diag, int64_t m, int64_t n, const T *a, int64_t lda,
+               T *b, int64_t ldb)
 {
     const T one(1);
-    kernels<T>::trsm("L", uplo, trans, diag, &m, &n, to_c(&one), to_c(a), &lda, to_c(b), &ldb, one_char,
-                     one_char, one_char, one_char);
+    kernels<T>::trsm("L", uplo, trans, diag, &m, &n, to_c(&one), to_c(a), &lda, to_c(b), &ldb, one_char, one_char,
+                     one_char, one_char);
 }
 
 } // namespace zel::lapack

@@ -5,23 +5,6 @@
 #include "group_frame.hpp"
 
 namespace zel::lapack {
-namespace {
-
-// Ainv = (P*L*U)^-1 from the factors in A; returns j > 0, with Ainv untouched, when U(j,j) = 0.
-template <class T>
-int64_t getri_oop_one(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *ainv, int64_t ldainv)
-{
-    for (int64_t j = 0; j < n; ++j)
-        if (a[j + j * lda] == T(0))
-            return j + 1;
-    laset(n, n, T(0), T(1), ainv, ldainv);
-    laswp(n, ainv, ldainv, 1, n, ipiv);
-    trsm_left("L", "N", "U", n, n, a, lda, ainv, ldainv);
-    trsm_left("U", "N", "N", n, n, a, lda, ainv, ldainv);
-    return 0;
-}
-
-} // namespace
 
 // Positions of lda, stride_a, stride_ipiv, ldainv and stride_ainv are one lower than their
 // place in the list (2, 3, 5, 6, 8): callers rely on these numbers.
@@ -50,7 +33,9 @@ void getri_oop_batch_strided(const char *name, const I *n, const T *a, const I *
         return report(name, code_no_memory);
     for (int64_t i = 0; i < count; ++i) {
         const int64_t *piv = work.load(ipiv + i * step_piv, order);
-        info[i] = static_cast<I>(getri_oop_one(order, a + i * step_a, ld_a, piv, ainv + i * step_inv, ld_inv));
+        run_member(info[i], [&](int64_t *status) {
+            getri_oop(order, a + i * step_a, ld_a, piv, ainv + i * step_inv, ld_inv, status);
+        });
     }
 }
 
@@ -75,7 +60,9 @@ void getri_oop_batch(const char *name, const I *n, T *const *a, const I *lda, I 
         const int64_t order = n[g], ld_a = lda[g], ld_inv = ldainv[g];
         for (int64_t end = k + group_size[g]; k < end; ++k) {
             std::copy(ipiv[k], ipiv[k] + order, pivots.get());
-            info[k] = static_cast<I>(getri_oop_one<T>(order, a[k], ld_a, pivots.get(), ainv[k], ld_inv));
+            run_member(info[k], [&](int64_t *status) {
+                getri_oop<T>(order, a[k], ld_a, pivots.get(), ainv[k], ld_inv, status);
+            });
         }
     }
 }
