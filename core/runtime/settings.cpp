@@ -25,7 +25,17 @@ constexpr cbwr_name cbwr_names[] = {
     {"SSE4_2", 8}, {"AVX", 9},  {"AVX2", 10},      {"AVX512", 12},
 };
 
-// ZEL_CBWR holds a mode name, optionally followed by ",STRICT".
+bool is_decimal(const char *word)
+{
+    if (*word == '\0')
+        return false;
+    for (; *word != '\0'; ++word)
+        if (*word < '0' || *word > '9')
+            return false;
+    return true;
+}
+
+// ZEL_CBWR holds a mode name or its numeric code, optionally followed by ",STRICT".
 void parse_cbwr(const char *text, process_settings &settings)
 {
     char word[64] = {0};
@@ -36,6 +46,9 @@ void parse_cbwr(const char *text, process_settings &settings)
     for (const cbwr_name &entry : cbwr_names)
         if (std::strcmp(word, entry.name) == 0)
             settings.cbwr_mode = entry.code;
+    // Codes without a name (a newer mode, say) pass through numerically.
+    if (is_decimal(word) && length <= 9)
+        settings.cbwr_mode = static_cast<int>(std::strtol(word, nullptr, 10));
     if (text[length] == ',' && std::strcmp(text + length + 1, "STRICT") == 0)
         settings.cbwr_strict = 1;
 }
