@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "command.hpp"
-#include "zel/dense_kernels.h"
+#include "zel/lapack.h"
 
 // The peer: OpenBLAS ILP64 from its shared object (the core carries its own private copy).
 extern "C" {
@@ -49,68 +49,38 @@ template <> struct peer<zcomplex> {
     static constexpr auto getri = zgetri_;
 };
 
-// The library's side: the core's one-matrix kernels.
+// The library's side: the layer's strided batch drivers (64-bit integers, selector 0).
 template <class T> struct ours;
-template <> struct ours<double> {
-    static void getrf(const int64_t *m, const int64_t *n, double *a, const int64_t *lda, int64_t *ipiv, int64_t *info)
-    {
-        zel_lapack_xdgetrf(m, n, a, lda, ipiv, info);
-    }
-    static void potrf(const char *u, const int64_t *n, double *a, const int64_t *lda, int64_t *info)
-    {
-        zel_lapack_dpotrf(u, n, a, lda, info, 1);
-    }
-    static void getrs(const char *t, const int64_t *n, const int64_t *nrhs, const double *a, const int64_t *lda,
-                      const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info)
-    {
-        zel_lapack_dgetrs(t, n, nrhs, a, lda, ipiv, b, ldb, info, 1);
-    }
-    static constexpr auto getri_oop = zel_lapack_dgetri_oop;
-    static constexpr auto laset = zel_lapack_dlaset;
-    static constexpr auto laswp = zel_lapack_dlaswp;
-    static constexpr auto trsm = zel_blas_dtrsm;
-    using c_type = double;
-};
-template <> struct ours<zcomplex> {
-    static void getrf(const int64_t *m, const int64_t *n, zcomplex *a, const int64_t *lda, int64_t *ipiv, int64_t *info)
-    {
-        zel_lapack_xzgetrf(m, n, reinterpret_cast<zel_complex16 *>(a), lda, ipiv, info);
-    }
-    static void potrf(const char *u, const int64_t *n, zcomplex *a, const int64_t *lda, int64_t *info)
-    {
-        zel_lapack_zpotrf(u, n, reinterpret_cast<zel_complex16 *>(a), lda, info, 1);
-    }
-    static void getrs(const char *t, const int64_t *n, const int64_t *nrhs, const zcomplex *a, const int64_t *lda,
-                      const int64_t *ipiv, zcomplex *b, const int64_t *ldb, int64_t *info)
-    {
-        zel_lapack_zgetrs(t, n, nrhs, reinterpret_cast<const zel_complex16 *>(a), lda, ipiv,
-                          reinterpret_cast<zel_complex16 *>(b), ldb, info, 1);
-    }
-    static constexpr auto getri_oop = zel_lapack_zgetri_oop;
-    static constexpr auto laset = zel_lapack_zlaset;
-    static constexpr auto laswp = zel_lapack_zlaswp;
-    static constexpr auto trsm = zel_blas_ztrsm;
-    using c_type = zel_complex16;
-};
-
-// The out-of-place inverse as the layer's driver builds it, one member at a time.
-template <class T>
-void ours_inverse(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *inv, int64_t ldinv)
-{
-    using C = typename ours<T>::c_type;
-    int64_t info = 0;
-    ours<T>::getri_oop(&n, reinterpret_cast<const C *>(a), &lda, ipiv, reinterpret_cast<C *>(inv), &ldinv, &info);
-    return;
-    const T zero(0), one(1);
-    const int64_t k1 = 1, inc = 1;
-    const C *c_one = reinterpret_cast<const C *>(&one);
-    ours<T>::laset("A", &n, &n, reinterpret_cast<const C *>(&zero), c_one, reinterpret_cast<C *>(inv), &ldinv, 1);
-    ours<T>::laswp(&n, reinterpret_cast<C *>(inv), &ldinv, &k1, &n, ipiv, &inc);
-    ours<T>::trsm("L", "L", "N", "U", &n, &n, c_one, reinterpret_cast<const C *>(a), &lda,
-                  reinterpret_cast<C *>(inv), &ldinv, 1, 1, 1, 1);
-    ours<T>::trsm("L", "U", "N", "N", &n, &n, c_one, reinterpret_cast<const C *>(a), &lda,
-                  reinterpret_cast<C *>(inv), &ldinv, 1, 1, 1, 1);
-}
+#define ZEL_BENCH_OURS(p, T, C)                                                                           \
+    template <> struct ours<T> {                                                                          \
+        static void getrf(int64_t n, T *a, int64_t stride, int64_t *ipiv, int64_t count, int64_t *info)   \
+        {                                                                                                 \
+            zel_lapack_##p##getrf_batch_strided(&n, &n, reinterpret_cast<C *>(a), &n, &stride, ipiv, &n,  \
+                                                &count, info, 0);                                         \
+        }                                                                                                 \
+        static void potrf(int64_t n, T *a, int64_t stride, int64_t count, int64_t *info)                  \
+        {                                                                                                 \
+            zel_lapack_##p##potrf_batch_strided("L", &n, reinterpret_cast<C *>(a), &n, &stride, &count,   \
+                                                info, 0);                                                 \
+        }                                                                                                 \
+        static void inverse(int64_t n, const T *a, int64_t stride, const int64_t *ipiv, T *inv,           \
+                            int64_t count, int64_t *info)                                                 \
+        {                                                                                                 \
+            zel_lapack_##p##getri_oop_batch_strided(&n, reinterpret_cast<const C *>(a), &n, &stride, ipiv, \
+                                                    &n, reinterpret_cast<C *>(inv), &n, &stride, &count,  \
+                                                    info, 0);                                             \
+        }                                                                                                 \
+        static void getrs(int64_t n, const T *a, int64_t stride, const int64_t *ipiv, T *b, int64_t count, \
+                          int64_t *info)                                                                  \
+        {                                                                                                 \
+            const int64_t one = 1;                                                                        \
+            zel_lapack_##p##getrs_batch_strided("N", &n, &one, reinterpret_cast<const C *>(a), &n, &stride, \
+                                                ipiv, &n, reinterpret_cast<C *>(b), &n, &n, &count, info, 0); \
+        }                                                                                                 \
+    };
+ZEL_BENCH_OURS(d, double, double)
+ZEL_BENCH_OURS(z, zcomplex, zel_complex16)
+#undef ZEL_BENCH_OURS
 
 template <class T> T random_value(std::mt19937_64 &rng)
 {
@@ -209,13 +179,12 @@ template <class T> void run_precision(char letter, const std::vector<int64_t> &s
     for (int64_t n : sizes) {
         const int64_t count = std::max<int64_t>(8, static_cast<int64_t>(bytes / (sizeof(T) * n * n)));
         const double nd = static_cast<double>(n);
-        const int64_t one = 1;
+        const int64_t one_rhs = 1;
 
         batch<T> b(n, count, false);
         auto restore = [&] { std::memcpy(b.work.data(), b.source.data(), b.source.size() * sizeof(T)); };
         auto [t_ours, t_peer] = best_per_member(repeats, count, restore, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                ours<T>::getrf(&n, &n, b.work.data() + k * b.stride, &n, b.ipiv.data() + k * n, b.info.data() + k);
+            ours<T>::getrf(n, b.work.data(), b.stride, b.ipiv.data(), count, b.info.data());
         }, [&] {
             for (int64_t k = 0; k < count; ++k)
                 peer<T>::getrf(&n, &n, b.work.data() + k * b.stride, &n, b.ipiv.data() + k * n, b.info.data() + k);
@@ -225,8 +194,7 @@ template <class T> void run_precision(char letter, const std::vector<int64_t> &s
         batch<T> h(n, count, true);
         auto restore_h = [&] { std::memcpy(h.work.data(), h.source.data(), h.source.size() * sizeof(T)); };
         std::tie(t_ours, t_peer) = best_per_member(repeats, count, restore_h, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                ours<T>::potrf("L", &n, h.work.data() + k * h.stride, &n, h.info.data() + k);
+            ours<T>::potrf(n, h.work.data(), h.stride, count, h.info.data());
         }, [&] {
             for (int64_t k = 0; k < count; ++k)
                 peer<T>::potrf("L", &n, h.work.data() + k * h.stride, &n, h.info.data() + k, 1);
@@ -238,8 +206,7 @@ template <class T> void run_precision(char letter, const std::vector<int64_t> &s
         std::vector<T> lwork_buffer(static_cast<size_t>(64 * n));
         const int64_t lwork = 64 * n;
         std::tie(t_ours, t_peer) = best_per_member(repeats, count, touch_out, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                ours_inverse(n, b.factor.data() + k * b.stride, n, b.ipiv.data() + k * n, b.out.data() + k * b.stride, n);
+            ours<T>::inverse(n, b.factor.data(), b.stride, b.ipiv.data(), b.out.data(), count, b.info.data());
         }, [&] {
             for (int64_t k = 0; k < count; ++k) {
                 T *inv = b.out.data() + k * b.stride;
@@ -251,12 +218,10 @@ template <class T> void run_precision(char letter, const std::vector<int64_t> &s
 
         auto restore_rhs = [&] { std::memcpy(b.rhs.data(), b.rhs_source.data(), b.rhs.size() * sizeof(T)); };
         std::tie(t_ours, t_peer) = best_per_member(repeats, count, restore_rhs, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                ours<T>::getrs("N", &n, &one, b.factor.data() + k * b.stride, &n, b.ipiv.data() + k * n,
-                               b.rhs.data() + k * n, &n, b.info.data() + k);
+            ours<T>::getrs(n, b.factor.data(), b.stride, b.ipiv.data(), b.rhs.data(), count, b.info.data());
         }, [&] {
             for (int64_t k = 0; k < count; ++k)
-                peer<T>::getrs("N", &n, &one, b.factor.data() + k * b.stride, &n, b.ipiv.data() + k * n,
+                peer<T>::getrs("N", &n, &one_rhs, b.factor.data() + k * b.stride, &n, b.ipiv.data() + k * n,
                                b.rhs.data() + k * n, &n, b.info.data() + k, 1);
         });
         print_row({"getrs", letter, n, count, t_ours, t_peer, cx * 2.0 * nd * nd});
@@ -292,7 +257,8 @@ int run(int argc, char **argv)
                 "memory already touched (each pass restores its inputs untimed first).\n"
                 "peer: plain loop over OpenBLAS ILP64 dgetrf_/zgetrf_, dpotrf_/zpotrf_ (lower), the\n"
                 "inverse as copy of the LU factor + dgetri_/zgetri_, dgetrs_/zgetrs_ with nrhs = 1.\n"
-                "ours: the core's one-matrix kernels in a loop; inverse = laset + laswp + 2 trsm.\n\n",
+                "ours: the layer's strided drivers zel_lapack_?getrf_batch_strided, ?potrf_, ?getri_oop_,\n"
+                "?getrs_ (64-bit integers), over the core's one-matrix kernels.\n\n",
                 repeats, bytes / 1024);
     std::printf("%-8s %c %4s %7s  %11s %11s  %8s %8s  %7s\n", "routine", 'p', "n", "batch", "ours ns",
                 "peer ns", "ours GF", "peer GF", "ratio");
