@@ -360,6 +360,85 @@ constexpr small_kernels<std::complex<double>> complex_double_table()
     return t;
 }
 
+// Real double LU with partial pivoting for 8 < n <= 8*R on a copy with zero-padded columns of
+// R full vectors: every load and store is a whole aligned vector (masked ones would defeat
+// store forwarding), the pivot search is vectorised, and each update skips the vectors above
+// the pivot row.
+template <int R> void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int64_t ld = 8 * R;
+    alignas(64) double work[ld * ld];
+    for (int64_t j = 0; j < n; ++j) {
+        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, 0.0);
+    }
+    __mmask8 valid[R];
+#pragma GCC unroll 8
+    for (int r = 0; r < R; ++r) {
+        const int64_t here = std::min<int64_t>(8, std::max<int64_t>(0, n - 8 * r));
+        valid[r] = static_cast<__mmask8>((1u << here) - 1);
+    }
+    auto from_row = [](int64_t first, int r) { // lanes of rows >= first in vector r
+        const int64_t skip = std::min<int64_t>(8, std::max<int64_t>(0, first - 8 * r));
+        return static_cast<__mmask8>(0xFFu << skip);
+    };
+    for (int64_t k = 0; k < n; ++k) {
+        double *col = work + k * ld;
+        __m512d size[R];
+        __m512d largest = _mm512_set1_pd(-1.0);
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r) {
+            const __mmask8 m = valid[r] & from_row(k, r);
+            size[r] = _mm512_mask_mov_pd(_mm512_set1_pd(-1.0), m, _mm512_abs_pd(_mm512_load_pd(col + 8 * r)));
+            largest = _mm512_max_pd(largest, size[r]);
+        }
+        largest = zmm8::all_max(largest);
+        uint64_t hits = 0;
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r)
+            hits |= static_cast<uint64_t>(_mm512_cmp_pd_mask(size[r], largest, _CMP_EQ_OQ)) << (8 * r);
+        const int64_t p = hits != 0 ? __builtin_ctzll(hits) : k;
+        ipiv[k] = p + 1;
+        if (p != k)
+            for (int64_t j = 0; j < n; ++j)
+                std::swap(work[k + j * ld], work[p + j * ld]);
+        const double pivot = col[k];
+        const int first = static_cast<int>((k + 1) / 8);
+        const __mmask8 boundary = from_row(k + 1, first);
+        __m512d l[R];
+        if (pivot != 0.0) {
+            const __m512d inverse = _mm512_set1_pd(1.0 / pivot);
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first) {
+                    const __m512d c = _mm512_load_pd(col + 8 * r);
+                    l[r] = _mm512_maskz_mul_pd(r == first ? boundary : 0xFF, c, inverse);
+                    _mm512_store_pd(col + 8 * r, r == first ? _mm512_mask_mov_pd(c, boundary, l[r]) : l[r]);
+                }
+        } else {
+            if (*info == 0)
+                *info = k + 1;
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first)
+                    l[r] = _mm512_maskz_load_pd(r == first ? boundary : 0xFF, col + 8 * r);
+        }
+        for (int64_t j = k + 1; j < n; ++j) {
+            double *target = work + j * ld;
+            const __m512d u = _mm512_set1_pd(target[k]);
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first) {
+                    const __m512d c = _mm512_load_pd(target + 8 * r);
+                    _mm512_store_pd(target + 8 * r, r == first ? _mm512_mask3_fnmadd_pd(l[r], u, c, boundary)
+                                                               : _mm512_fnmadd_pd(l[r], u, c));
+                }
+        }
+    }
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+}
+
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -371,8 +450,15 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
     case 6: return getrf_d_registers<6, zmm8>(a, lda, ipiv, info);
     case 7: return getrf_d_registers<7, zmm8>(a, lda, ipiv, info);
     case 8: return getrf_d_registers<8, zmm8>(a, lda, ipiv, info);
-    default: return getrf_loop(n, a, lda, ipiv, info);
+    default: break;
     }
+    if (n <= 16)
+        return getrf_d_columns<2>(n, a, lda, ipiv, info);
+    if (n <= 32)
+        return getrf_d_columns<4>(n, a, lda, ipiv, info);
+    if (n <= 64)
+        return getrf_d_columns<8>(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
 }
 
 constexpr small_kernels<double> double_table()
