@@ -149,7 +149,8 @@ template <class T> void potrf(const char *uplo, const int64_t *n, T *a, const in
     const int64_t position = (u != 'U' && u != 'L') ? 1 : *n < 0 ? 2 : *lda < std::max<int64_t>(1, *n) ? 4 : 0;
     if (bad_argument<T>("potrf", position, info))
         return;
-    if (*n <= small_for<T>().potrf_limit) {
+    // The upper triangle's small path works by dot products: only worth it for the smallest.
+    if (*n <= (u == 'L' ? small_for<T>().potrf_limit : std::min<int64_t>(16, small_for<T>().potrf_limit))) {
         *info = 0;
         (u == 'L' ? small_for<T>().potrf_lower : small_for<T>().potrf_upper)(*n, a, *lda, info);
         return;

@@ -123,6 +123,151 @@ template <int N, class V> void getrf_d_registers(double *a, int64_t lda, int64_t
         V::store(rows, a + j * lda, col[j]);
 }
 
+// Copies the n x n matrix at a into a zero-padded work array with leading dimension ld.
+inline void copy_padded(int64_t n, const double *a, int64_t lda, double *work, int64_t ld)
+{
+    for (int64_t j = 0; j < n; ++j) {
+        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, 0.0);
+    }
+}
+
+// Lanes of rows >= first in vector r of a padded column.
+inline __mmask8 rows_from(int64_t first, int r)
+{
+    const int64_t skip = std::min<int64_t>(8, std::max<int64_t>(0, first - 8 * r));
+    return static_cast<__mmask8>(0xFFu << skip);
+}
+
+// Cholesky A = L*L^T for 8 < n <= 8*R, right-looking on a padded copy with whole vectors;
+// only the lower triangle goes back.
+template <int R> void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
+{
+    constexpr int64_t ld = 8 * R;
+    alignas(64) double work[ld * ld];
+    copy_padded(n, a, lda, work, ld);
+    int64_t done = n;
+    for (int64_t k = 0; k < n; ++k) {
+        double *col = work + k * ld;
+        const double d = col[k];
+        if (!(d > 0.0)) {
+            col[k] = d;
+            *info = k + 1;
+            done = k;
+            break;
+        }
+        const double root = std::sqrt(d);
+        const __m512d inverse = _mm512_set1_pd(1.0 / root);
+        const int first = static_cast<int>((k + 1) / 8);
+        __m512d l[R];
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r)
+            if (r >= first) {
+                const __m512d c = _mm512_load_pd(col + 8 * r);
+                l[r] = _mm512_maskz_mul_pd(rows_from(k + 1, r), c, inverse);
+                _mm512_store_pd(col + 8 * r, _mm512_mask_mov_pd(c, rows_from(k + 1, r), l[r]));
+            }
+        col[k] = root;
+        for (int64_t j = k + 1; j < n; ++j) {
+            double *target = work + j * ld;
+            const __m512d u = _mm512_set1_pd(col[j]);
+            const int from = static_cast<int>(j / 8); // rows above j of column j are not the factor's
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= from)
+                    _mm512_store_pd(target + 8 * r, _mm512_fnmadd_pd(l[r], u, _mm512_load_pd(target + 8 * r)));
+        }
+    }
+    for (int64_t j = 0; j < done; ++j)
+        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+    if (done < n)
+        a[done + done * lda] = work[done + done * ld];
+}
+
+// The inverse U^-1 * L^-1 * P^T for 8 < n <= 8*R from a padded copy of the factor: four
+// columns of the result at a time live in registers through both triangular solves, so the
+// four independent chains overlap; the interchanges become the store addresses.
+template <int R>
+void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    constexpr int64_t ld = 8 * R;
+    constexpr int G = 4;
+    alignas(64) double f[ld * ld];
+    double scale[ld];
+    copy_padded(n, a, lda, f, ld);
+    for (int64_t k = 0; k < n; ++k)
+        scale[k] = 1.0 / f[k + k * ld];
+    int64_t at[ld], to[ld];
+    for (int64_t c = 0; c < n; ++c)
+        at[c] = c;
+    for (int64_t k = n - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    for (int64_t c = 0; c < n; ++c)
+        to[at[c]] = c;
+    // Lane k of a column held as R vectors, in every lane.
+    auto element = [](const __m512d *x, int64_t k) {
+        __m512d v = x[0];
+#pragma GCC unroll 8
+        for (int r = 1; r < R; ++r)
+            if (k / 8 == r)
+                v = x[r];
+        return _mm512_permutexvar_pd(_mm512_set1_epi64(k % 8), v);
+    };
+    for (int64_t j0 = 0; j0 < n; j0 += G) {
+        __m512d x[G][R];
+#pragma GCC unroll 4
+        for (int g = 0; g < G; ++g)
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                x[g][r] = (j0 + g) / 8 == r ? _mm512_maskz_mov_pd(static_cast<__mmask8>(1u << ((j0 + g) % 8)), _mm512_set1_pd(1.0))
+                                            : _mm512_setzero_pd();
+        for (int64_t k = j0; k + 1 < n; ++k) { // L^-1: these columns are zero above row j0
+            const int first = static_cast<int>((k + 1) / 8);
+            __m512d l[R];
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                l[r] = r >= first ? _mm512_maskz_load_pd(rows_from(k + 1, r), f + k * ld + 8 * r) : _mm512_setzero_pd();
+#pragma GCC unroll 4
+            for (int g = 0; g < G; ++g) {
+                const __m512d b = element(x[g], k);
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (r >= first)
+                        x[g][r] = _mm512_fnmadd_pd(l[r], b, x[g][r]);
+            }
+        }
+        for (int64_t k = n - 1; k >= 0; --k) { // U^-1
+            const int last = static_cast<int>((k + 7) / 8) - 1; // vectors holding rows < k
+            __m512d u[R];
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                u[r] = r <= last ? _mm512_maskz_load_pd(static_cast<__mmask8>(~rows_from(k, r)), f + k * ld + 8 * r)
+                                 : _mm512_setzero_pd();
+            const __m512d s = _mm512_set1_pd(scale[k]);
+            const __mmask8 lane_k = static_cast<__mmask8>(1u << (k % 8));
+#pragma GCC unroll 4
+            for (int g = 0; g < G; ++g) {
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (k / 8 == r)
+                        x[g][r] = _mm512_mask_mul_pd(x[g][r], lane_k, x[g][r], s);
+                const __m512d b = element(x[g], k);
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (r <= last)
+                        x[g][r] = _mm512_fnmadd_pd(u[r], b, x[g][r]);
+            }
+        }
+#pragma GCC unroll 4
+        for (int g = 0; g < G; ++g)
+            if (j0 + g < n)
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    _mm512_mask_storeu_pd(inv + to[j0 + g] * ldinv + 8 * r,
+                                          static_cast<__mmask8>(~rows_from(n, r)), x[g][r]);
+    }
+}
+
 // The inverse U^-1 * L^-1 * P^T of an N x N double LU factor, one column of the result per
 // register; the column interchanges become the store addresses.
 template <int N, class V>
@@ -179,8 +324,13 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
     case 6: return inverse_d_registers<6, zmm8>(a, lda, ipiv, inv, ldinv);
     case 7: return inverse_d_registers<7, zmm8>(a, lda, ipiv, inv, ldinv);
     case 8: return inverse_d_registers<8, zmm8>(a, lda, ipiv, inv, ldinv);
-    default: return inverse_loop(n, a, lda, ipiv, inv, ldinv);
+    default: break;
     }
+    if (n <= 16)
+        return inverse_d_columns<2>(n, a, lda, ipiv, inv, ldinv);
+    if (n <= 32)
+        return inverse_d_columns<4>(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
 // Cholesky A = L*L^T of an N x N double matrix, right-looking with one column per register.
@@ -228,8 +378,15 @@ void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
     case 6: return potrf_lower_d_registers<6, zmm8>(a, lda, info);
     case 7: return potrf_lower_d_registers<7, zmm8>(a, lda, info);
     case 8: return potrf_lower_d_registers<8, zmm8>(a, lda, info);
-    default: return potrf_lower_loop(n, a, lda, info);
+    default: break;
     }
+    if (n <= 16)
+        return potrf_lower_d_columns<2>(n, a, lda, info);
+    if (n <= 32)
+        return potrf_lower_d_columns<4>(n, a, lda, info);
+    if (n <= 64)
+        return potrf_lower_d_columns<8>(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
 }
 
 // Complex double LU with partial pivoting for N <= 8: a column is R = 1 or 2 registers of four
@@ -463,7 +620,7 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 
 constexpr small_kernels<double> double_table()
 {
-    small_kernels<double> t = table<double>(64, 16, 64);
+    small_kernels<double> t = table<double>(64, 64, 64);
     t.getrf = getrf_d;
     t.inverse = inverse_d;
     t.potrf_lower = potrf_lower_d;
