@@ -495,6 +495,268 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
             _mm512_mask_storeu_pd(ad + 2 * (j * lda + 4 * r), rows_from(0, r), col[j][r]);
 }
 
+// Complex double helpers: a vector holds four (re, im) pairs.
+struct zvec {
+    static __m512d odd_negative() { return _mm512_set_pd(-0.0, 0.0, -0.0, 0.0, -0.0, 0.0, -0.0, 0.0); }
+    // x*s for a scalar s.
+    static __m512d scale(__m512d x, std::complex<double> s)
+    {
+        return _mm512_fmaddsub_pd(x, _mm512_set1_pd(s.real()), _mm512_mul_pd(_mm512_permute_pd(x, 0x55), _mm512_set1_pd(s.imag())));
+    }
+    // x - l*u for a scalar u given as (re in every lane, (im, -im) pairs).
+    static __m512d minus_product(__m512d x, __m512d l, __m512d u_re, __m512d u_im_alt)
+    {
+        return _mm512_fmadd_pd(_mm512_permute_pd(l, 0x55), u_im_alt, _mm512_fnmadd_pd(l, u_re, x));
+    }
+    static __m512d re(std::complex<double> u) { return _mm512_set1_pd(u.real()); }
+    static __m512d im_alt(std::complex<double> u) { return _mm512_xor_pd(_mm512_set1_pd(u.imag()), odd_negative()); }
+    // Lanes of rows >= first (of a padded column) in vector r.
+    static __mmask8 rows_from(int64_t first, int r)
+    {
+        const int64_t skip = std::min<int64_t>(4, std::max<int64_t>(0, first - 4 * r));
+        return static_cast<__mmask8>(0xFFu << (2 * skip));
+    }
+};
+
+inline void copy_padded(int64_t n, const std::complex<double> *a, int64_t lda, std::complex<double> *work, int64_t ld)
+{
+    for (int64_t j = 0; j < n; ++j) {
+        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, std::complex<double>(0.0));
+    }
+}
+
+// Complex double LU with partial pivoting for n <= 4*R on a zero-padded copy; the pivot is
+// the first largest |re|+|im|.
+template <int R> void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int64_t ld = 4 * R;
+    alignas(64) std::complex<double> work[ld * ld];
+    copy_padded(n, a, lda, work, ld);
+    for (int64_t k = 0; k < n; ++k) {
+        std::complex<double> *col = work + k * ld;
+        const double *cold = reinterpret_cast<const double *>(col);
+        __m512d size[R];
+        __m512d largest = _mm512_set1_pd(-1.0);
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r) {
+            const __m512d m = _mm512_abs_pd(_mm512_load_pd(cold + 8 * r));
+            const __mmask8 keep = zvec::rows_from(k, r) & static_cast<__mmask8>(~zvec::rows_from(n, r));
+            size[r] = _mm512_mask_mov_pd(_mm512_set1_pd(-1.0), keep, _mm512_add_pd(m, _mm512_permute_pd(m, 0x55)));
+            largest = _mm512_max_pd(largest, size[r]);
+        }
+        largest = zmm8::all_max(largest);
+        uint64_t hits = 0;
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r)
+            hits |= static_cast<uint64_t>(_mm512_cmp_pd_mask(size[r], largest, _CMP_EQ_OQ)) << (8 * r);
+        const int64_t p = hits != 0 ? __builtin_ctzll(hits) / 2 : k;
+        ipiv[k] = p + 1;
+        if (p != k)
+            for (int64_t j = 0; j < n; ++j)
+                std::swap(work[k + j * ld], work[p + j * ld]);
+        const std::complex<double> pivot = col[k];
+        const int first = static_cast<int>((k + 1) / 4);
+        const __mmask8 boundary = zvec::rows_from(k + 1, first);
+        __m512d l[R];
+        double *cold_w = reinterpret_cast<double *>(col);
+        if (pivot != 0.0) {
+            const std::complex<double> inverse = reciprocal(pivot);
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first) {
+                    const __m512d c = _mm512_load_pd(cold_w + 8 * r);
+                    l[r] = _mm512_maskz_mov_pd(r == first ? boundary : 0xFF, zvec::scale(c, inverse));
+                    _mm512_store_pd(cold_w + 8 * r, r == first ? _mm512_mask_mov_pd(c, boundary, l[r]) : l[r]);
+                }
+        } else {
+            if (*info == 0)
+                *info = k + 1;
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first)
+                    l[r] = _mm512_maskz_load_pd(r == first ? boundary : 0xFF, cold_w + 8 * r);
+        }
+        for (int64_t j = k + 1; j < n; ++j) {
+            double *target = reinterpret_cast<double *>(work + j * ld);
+            const std::complex<double> u = work[k + j * ld];
+            const __m512d ure = zvec::re(u), uim = zvec::im_alt(u);
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= first) {
+                    const __m512d c = _mm512_load_pd(target + 8 * r);
+                    const __m512d updated = zvec::minus_product(c, l[r], ure, uim);
+                    _mm512_store_pd(target + 8 * r, r == first ? _mm512_mask_mov_pd(c, boundary, updated) : updated);
+                }
+        }
+    }
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+}
+
+// Complex Cholesky A = L*L^H for n <= 4*R, right-looking on a padded copy; only the lower
+// triangle goes back, and a non-positive pivot stops it as LAPACK does.
+template <int R> void potrf_lower_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    constexpr int64_t ld = 4 * R;
+    alignas(64) std::complex<double> work[ld * ld];
+    copy_padded(n, a, lda, work, ld);
+    int64_t done = n;
+    for (int64_t k = 0; k < n; ++k) {
+        std::complex<double> *col = work + k * ld;
+        const double d = col[k].real();
+        if (!(d > 0.0)) {
+            col[k] = d;
+            *info = k + 1;
+            done = k;
+            break;
+        }
+        const double root = std::sqrt(d);
+        const __m512d inverse = _mm512_set1_pd(1.0 / root);
+        const int first = static_cast<int>((k + 1) / 4);
+        double *cold = reinterpret_cast<double *>(col);
+        __m512d l[R];
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r)
+            if (r >= first) {
+                const __m512d c = _mm512_load_pd(cold + 8 * r);
+                l[r] = _mm512_maskz_mul_pd(zvec::rows_from(k + 1, r), c, inverse);
+                _mm512_store_pd(cold + 8 * r, _mm512_mask_mov_pd(c, zvec::rows_from(k + 1, r), l[r]));
+            }
+        col[k] = root;
+        for (int64_t j = k + 1; j < n; ++j) {
+            double *target = reinterpret_cast<double *>(work + j * ld);
+            const std::complex<double> u = std::conj(col[j]);
+            const __m512d ure = zvec::re(u), uim = zvec::im_alt(u);
+            const int from = static_cast<int>(j / 4);
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                if (r >= from)
+                    _mm512_store_pd(target + 8 * r, zvec::minus_product(_mm512_load_pd(target + 8 * r), l[r], ure, uim));
+        }
+    }
+    for (int64_t j = 0; j < done; ++j) {
+        work[j + j * ld] = work[j + j * ld].real();
+        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+    }
+    if (done < n)
+        a[done + done * lda] = work[done + done * ld];
+}
+
+// The complex inverse U^-1 * L^-1 * P^T for n <= 4*R from a padded copy of the factor, two
+// columns of the result at a time in registers.
+template <int R>
+void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv,
+                       std::complex<double> *inv, int64_t ldinv)
+{
+    constexpr int64_t ld = 4 * R;
+    constexpr int G = 2;
+    alignas(64) std::complex<double> f[ld * ld];
+    std::complex<double> scale[ld];
+    copy_padded(n, a, lda, f, ld);
+    for (int64_t k = 0; k < n; ++k)
+        scale[k] = reciprocal(f[k + k * ld]);
+    int64_t at[ld], to[ld];
+    for (int64_t c = 0; c < n; ++c)
+        at[c] = c;
+    for (int64_t k = n - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    for (int64_t c = 0; c < n; ++c)
+        to[at[c]] = c;
+    const double *fd = reinterpret_cast<const double *>(f);
+    // Element k of a column held as R vectors: (re in every lane, (im, -im) pairs).
+    auto element = [](const __m512d *x, int64_t k, __m512d &re, __m512d &im_alt) {
+        __m512d v = x[0];
+#pragma GCC unroll 8
+        for (int r = 1; r < R; ++r)
+            if (k / 4 == r)
+                v = x[r];
+        re = _mm512_permutexvar_pd(_mm512_set1_epi64(2 * (k % 4)), v);
+        im_alt = _mm512_xor_pd(_mm512_permutexvar_pd(_mm512_set1_epi64(2 * (k % 4) + 1), v), zvec::odd_negative());
+    };
+    for (int64_t j0 = 0; j0 < n; j0 += G) {
+        __m512d x[G][R];
+#pragma GCC unroll 2
+        for (int g = 0; g < G; ++g)
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                x[g][r] = (j0 + g) / 4 == r ? _mm512_maskz_mov_pd(static_cast<__mmask8>(1u << (2 * ((j0 + g) % 4))),
+                                                                  _mm512_set1_pd(1.0))
+                                            : _mm512_setzero_pd();
+        for (int64_t k = j0; k + 1 < n; ++k) { // L^-1
+            const int first = static_cast<int>((k + 1) / 4);
+            __m512d l[R];
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                l[r] = r >= first ? _mm512_maskz_load_pd(zvec::rows_from(k + 1, r), fd + 2 * k * ld + 8 * r)
+                                  : _mm512_setzero_pd();
+#pragma GCC unroll 2
+            for (int g = 0; g < G; ++g) {
+                __m512d re, im;
+                element(x[g], k, re, im);
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (r >= first)
+                        x[g][r] = zvec::minus_product(x[g][r], l[r], re, im);
+            }
+        }
+        for (int64_t k = n - 1; k >= 0; --k) { // U^-1
+            const int last = static_cast<int>((k + 3) / 4) - 1;
+            __m512d u[R];
+#pragma GCC unroll 8
+            for (int r = 0; r < R; ++r)
+                u[r] = r <= last ? _mm512_maskz_load_pd(static_cast<__mmask8>(~zvec::rows_from(k, r)), fd + 2 * k * ld + 8 * r)
+                                 : _mm512_setzero_pd();
+            const __mmask8 lane_k = static_cast<__mmask8>(3u << (2 * (k % 4)));
+#pragma GCC unroll 2
+            for (int g = 0; g < G; ++g) {
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (k / 4 == r)
+                        x[g][r] = _mm512_mask_mov_pd(x[g][r], lane_k, zvec::scale(x[g][r], scale[k]));
+                __m512d re, im;
+                element(x[g], k, re, im);
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    if (r <= last)
+                        x[g][r] = zvec::minus_product(x[g][r], u[r], re, im);
+            }
+        }
+#pragma GCC unroll 2
+        for (int g = 0; g < G; ++g)
+            if (j0 + g < n)
+#pragma GCC unroll 8
+                for (int r = 0; r < R; ++r)
+                    _mm512_mask_storeu_pd(reinterpret_cast<double *>(inv + to[j0 + g] * ldinv) + 8 * r,
+                                          static_cast<__mmask8>(~zvec::rows_from(n, r)), x[g][r]);
+    }
+}
+
+void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    if (n <= 8)
+        return potrf_lower_small(n, a, lda, info);
+    if (n <= 16)
+        return potrf_lower_z_columns<4>(n, a, lda, info);
+    if (n <= 32)
+        return potrf_lower_z_columns<8>(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
+               int64_t ldinv)
+{
+    if (n <= 4)
+        return inverse_z_columns<1>(n, a, lda, ipiv, inv, ldinv);
+    if (n <= 8)
+        return inverse_z_columns<2>(n, a, lda, ipiv, inv, ldinv);
+    if (n <= 16)
+        return inverse_z_columns<4>(n, a, lda, ipiv, inv, ldinv);
+    if (n <= 32)
+        return inverse_z_columns<8>(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -506,14 +768,21 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
     case 6: return getrf_z_registers<6>(a, lda, ipiv, info);
     case 7: return getrf_z_registers<7>(a, lda, ipiv, info);
     case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
-    default: return getrf_loop(n, a, lda, ipiv, info);
+    default: break;
     }
+    if (n <= 16)
+        return getrf_z_columns<4>(n, a, lda, ipiv, info);
+    if (n <= 32)
+        return getrf_z_columns<8>(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
 }
 
 constexpr small_kernels<std::complex<double>> complex_double_table()
 {
-    small_kernels<std::complex<double>> t = table<std::complex<double>>(32, 16, 64);
+    small_kernels<std::complex<double>> t = table<std::complex<double>>(32, 32, 32);
     t.getrf = getrf_z;
+    t.potrf_lower = potrf_lower_z;
+    t.inverse = inverse_z;
     return t;
 }
 
