@@ -14,6 +14,7 @@
 #include <vector>
 #include <unistd.h>
 
+#include "alloc_fault.hpp"
 #include "zel/dense_kernels.h"
 #include "zel_internal/value_traits.hpp"
 
@@ -400,7 +401,7 @@ TYPED_TEST(DenseKernels, GetrsResidualsForEveryTranspose)
 {
     using T = TypeParam;
     for (int64_t n : square_sizes) {
-        for (int64_t nrhs : {1, 3, 8}) {
+        for (int64_t nrhs : {1, 3, 8, 12}) {
             for (char trans : {'N', 'T', 'C', 't'}) {
                 SCOPED_TRACE("n=" + std::to_string(n) + " nrhs=" + std::to_string(nrhs) + " trans=" + trans);
                 const matrix<T> a = random_matrix<T>(n, n, 700 + n, n + 2);
@@ -491,6 +492,34 @@ TYPED_TEST(DenseKernels, InverseInPlaceAndOutOfPlace)
     int64_t bad_ld = 2;
     api<T>::getri_oop(&n, c_ptr(g.data()), &g.ld, ipiv, c_ptr(out.data()), &bad_ld, &info);
     EXPECT_EQ(info, -6);
+}
+
+// Above the small sizes the out-of-place inverse borrows a workspace; without one it still
+// answers (by the four-call sequence), and nothing it took is left behind.
+TYPED_TEST(DenseKernels, OutOfPlaceInverseWithAndWithoutWorkspace)
+{
+    using T = TypeParam;
+    int64_t n = 70;
+    const matrix<T> a = random_matrix<T>(n, n, 1234);
+    matrix<T> f = a;
+    std::vector<int64_t> ipiv(static_cast<size_t>(n));
+    int64_t info = -1;
+    api<T>::getrf(&n, &n, c_ptr(f.data()), &f.ld, ipiv.data(), &info);
+    ASSERT_EQ(info, 0);
+    for (bool fail : {false, true}) {
+        SCOPED_TRACE(fail ? "allocation fails" : "allocation succeeds");
+        matrix<T> x(n, n, n + 1);
+        zel::test::allocator_probe probe;
+        probe.fail_all(fail);
+        api<T>::getri_oop(&n, c_ptr(f.data()), &f.ld, ipiv.data(), c_ptr(x.data()), &x.ld, &info);
+        EXPECT_EQ(info, 0);
+        EXPECT_EQ(probe.live(), 0);
+        EXPECT_EQ(probe.failures(), fail ? probe.requests() : 0);
+        matrix<T> id(n, n);
+        for (int64_t i = 0; i < n; ++i)
+            id(i, i) = T(1);
+        EXPECT_LE(max_diff(product(a, x), id), 32 * real<T>(n) * eps<T> * max_abs(a) * max_abs(x));
+    }
 }
 
 TYPED_TEST(DenseKernels, GelsResidualOrthogonalOrExact)

@@ -82,7 +82,7 @@ void getrs(const char *trans, const int64_t *n, const int64_t *nrhs, const T *a,
     *info = 0;
     if (bad_argument<T>("getrs", position, info))
         return;
-    if (*n <= small_limit && *nrhs <= small_limit) {
+    if (*n <= small_limit && *nrhs <= 8) { // column-at-a-time solves: few right-hand sides only
         small_for<T>().getrs(t, *n, *nrhs, a, *lda, ipiv, b, *ldb);
         return;
     }
