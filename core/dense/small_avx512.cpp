@@ -416,14 +416,15 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
         __m512d size[R];
-        __m512d largest = _mm512_set1_pd(-1.0);
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
             const __m512d m = _mm512_abs_pd(col[k][r]);
             size[r] = _mm512_mask_mov_pd(_mm512_set1_pd(-1.0), rows_from(k, r), _mm512_add_pd(m, _mm512_permute_pd(m, 0x55)));
-            largest = _mm512_max_pd(largest, size[r]);
         }
-        largest = zmm8::all_max(largest);
+        __m512d largest = R == 1 ? size[0] : _mm512_max_pd(size[0], size[R - 1]);
+        // both lanes of a pair hold the same size: two exchanges reach every pair
+        largest = _mm512_max_pd(largest, _mm512_shuffle_f64x2(largest, largest, 0x4E));
+        largest = _mm512_max_pd(largest, _mm512_shuffle_f64x2(largest, largest, 0xB1));
         unsigned hits = 0;
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r)
