@@ -733,10 +733,78 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
     }
 }
 
+// Complex Cholesky A = L*L^H for N <= 8, right-looking with a column in R = 1 or 2 registers.
+template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    constexpr int R = (N + 3) / 4;
+    double *ad = reinterpret_cast<double *>(a);
+    auto rows = [](int first, int r) { // lanes of rows first..N-1 in register r
+        unsigned m = 0;
+        for (int i = 0; i < 4; ++i)
+            if (4 * r + i >= first && 4 * r + i < N)
+                m |= 3u << (2 * i);
+        return static_cast<__mmask8>(m);
+    };
+    auto lane = [](__m512d v, int l) { return _mm512_permutexvar_pd(_mm512_set1_epi64(l), v); };
+    __m512d col[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            col[j][r] = _mm512_maskz_loadu_pd(rows(j, r), ad + 2 * (j * lda + 4 * r));
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const int kr = k / 4, kl = 2 * (k % 4);
+        const __m512d dv = lane(col[k][kr], kl);
+        const double d = _mm512_cvtsd_f64(dv);
+        if (!(d > 0.0)) {
+            for (int j = 0; j < k; ++j)
+                for (int r = 0; r < R; ++r)
+                    _mm512_mask_storeu_pd(ad + 2 * (j * lda + 4 * r), rows(j, r), col[j][r]);
+            a[k + k * lda] = d;
+            *info = k + 1;
+            return;
+        }
+        const __m512d root = _mm512_sqrt_pd(dv);
+#pragma GCC unroll 2
+        for (int r = kr; r < R; ++r)
+            col[k][r] = _mm512_mask_div_pd(col[k][r], rows(k + 1, r), col[k][r], root);
+        col[k][kr] = _mm512_mask_mov_pd(col[k][kr], static_cast<__mmask8>(3u << kl),
+                                        _mm512_maskz_mov_pd(static_cast<__mmask8>(0x55), root));
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            const int jr = j / 4, jl = 2 * (j % 4);
+            // u = conj(l_j): re in every lane, and (im, -im) pairs of conj = (-im_l, im_l)
+            const __m512d ure = lane(col[k][jr], jl);
+            const __m512d uim = _mm512_xor_pd(lane(col[k][jr], jl + 1), _mm512_set_pd(0.0, -0.0, 0.0, -0.0, 0.0, -0.0, 0.0, -0.0));
+#pragma GCC unroll 2
+            for (int r = jr; r < R; ++r)
+                col[j][r] = _mm512_mask_mov_pd(col[j][r], rows(j, r), zvec::minus_product(col[j][r], col[k][r], ure, uim));
+        }
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) {
+        const int jr = j / 4, jl = 2 * (j % 4);
+        col[j][jr] = _mm512_mask_mov_pd(col[j][jr], static_cast<__mmask8>(2u << jl), _mm512_setzero_pd());
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            _mm512_mask_storeu_pd(ad + 2 * (j * lda + 4 * r), rows(j, r), col[j][r]);
+    }
+}
+
 void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
 {
-    if (n <= 8)
-        return potrf_lower_small(n, a, lda, info);
+    switch (n) {
+    case 1: return potrf_lower_z_registers<1>(a, lda, info);
+    case 2: return potrf_lower_z_registers<2>(a, lda, info);
+    case 3: return potrf_lower_z_registers<3>(a, lda, info);
+    case 4: return potrf_lower_z_registers<4>(a, lda, info);
+    case 5: return potrf_lower_z_registers<5>(a, lda, info);
+    case 6: return potrf_lower_z_registers<6>(a, lda, info);
+    case 7: return potrf_lower_z_registers<7>(a, lda, info);
+    case 8: return potrf_lower_z_registers<8>(a, lda, info);
+    default: break;
+    }
     if (n <= 16)
         return potrf_lower_z_columns<4>(n, a, lda, info);
     if (n <= 32)
