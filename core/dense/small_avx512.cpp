@@ -645,13 +645,13 @@ template <int R> void potrf_lower_z_columns(int64_t n, std::complex<double> *a, 
 }
 
 // The complex inverse U^-1 * L^-1 * P^T for n <= 4*R from a padded copy of the factor, two
-// columns of the result at a time in registers.
+// or four columns of the result at a time in registers.
 template <int R>
 void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv,
                        std::complex<double> *inv, int64_t ldinv)
 {
     constexpr int64_t ld = 4 * R;
-    constexpr int G = 2;
+    constexpr int G = R <= 2 ? 4 : 2; // as many independent columns as the registers hold
     alignas(64) std::complex<double> f[ld * ld];
     std::complex<double> scale[ld];
     copy_padded(n, a, lda, f, ld);
@@ -677,7 +677,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
     };
     for (int64_t j0 = 0; j0 < n; j0 += G) {
         __m512d x[G][R];
-#pragma GCC unroll 2
+#pragma GCC unroll 4
         for (int g = 0; g < G; ++g)
 #pragma GCC unroll 8
             for (int r = 0; r < R; ++r)
@@ -691,7 +691,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
             for (int r = 0; r < R; ++r)
                 l[r] = r >= first ? _mm512_maskz_load_pd(zvec::rows_from(k + 1, r), fd + 2 * k * ld + 8 * r)
                                   : _mm512_setzero_pd();
-#pragma GCC unroll 2
+#pragma GCC unroll 4
             for (int g = 0; g < G; ++g) {
                 __m512d re, im;
                 element(x[g], k, re, im);
@@ -709,7 +709,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
                 u[r] = r <= last ? _mm512_maskz_load_pd(static_cast<__mmask8>(~zvec::rows_from(k, r)), fd + 2 * k * ld + 8 * r)
                                  : _mm512_setzero_pd();
             const __mmask8 lane_k = static_cast<__mmask8>(3u << (2 * (k % 4)));
-#pragma GCC unroll 2
+#pragma GCC unroll 4
             for (int g = 0; g < G; ++g) {
 #pragma GCC unroll 8
                 for (int r = 0; r < R; ++r)
@@ -723,7 +723,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
                         x[g][r] = zvec::minus_product(x[g][r], u[r], re, im);
             }
         }
-#pragma GCC unroll 2
+#pragma GCC unroll 4
         for (int g = 0; g < G; ++g)
             if (j0 + g < n)
 #pragma GCC unroll 8
