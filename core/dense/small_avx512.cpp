@@ -529,10 +529,11 @@ inline void copy_padded(int64_t n, const std::complex<double> *a, int64_t lda, s
 
 // Complex double LU with partial pivoting for n <= 4*R on a zero-padded copy; the pivot is
 // the first largest |re|+|im|.
-template <int R> void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+template <int R>
+void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info,
+                     std::complex<double> *work)
 {
     constexpr int64_t ld = 4 * R;
-    alignas(64) std::complex<double> work[ld * ld];
     copy_padded(n, a, lda, work, ld);
     for (int64_t k = 0; k < n; ++k) {
         std::complex<double> *col = work + k * ld;
@@ -839,10 +840,11 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
     case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
     default: break;
     }
+    alignas(64) std::complex<double> work[32 * 32];
     if (n <= 16)
-        return getrf_z_columns<4>(n, a, lda, ipiv, info);
+        return getrf_z_columns<4>(n, a, lda, ipiv, info, work);
     if (n <= 32)
-        return getrf_z_columns<8>(n, a, lda, ipiv, info);
+        return getrf_z_columns<8>(n, a, lda, ipiv, info, work);
     getrf_loop(n, a, lda, ipiv, info);
 }
 
