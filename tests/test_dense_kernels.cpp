@@ -16,6 +16,7 @@
 
 #include "alloc_fault.hpp"
 #include "zel/dense_kernels.h"
+#include "zel/serv.h"
 #include "zel_internal/value_traits.hpp"
 
 namespace {
@@ -594,6 +595,40 @@ TYPED_TEST(DenseKernels, AxpyAndCopyWithIncrements)
     api<T>::copy(&n, c_ptr(x.data()), &incx, c_ptr(z.data()), &one);
     for (int64_t i = 0; i < n; ++i)
         EXPECT_EQ(z[static_cast<size_t>(i)], x[static_cast<size_t>(3 * i)]);
+}
+
+std::vector<std::pair<std::string, int64_t>> reports;
+void record_report(const char *name, const int64_t *info, int32_t name_len)
+{
+    reports.push_back({std::string(name, static_cast<size_t>(name_len)), *info});
+}
+
+// Bad arguments come back as -position and reach the layer's error handler by lower-case
+// name, whether the core or OpenBLAS inside it found them.
+TEST(DenseKernelsErrors, ReportedThroughTheLayersHandler)
+{
+    reports.clear();
+    zel_xerbla_handler previous = zel_serv_set_xerbla(record_report);
+    int64_t n = 3, bad = 1, nrhs = 1, info = 0, ipiv[3] = {1, 2, 3}, lwork = 1;
+    double a[9] = {}, b[3] = {}, work[1];
+    zel_lapack_dgetrs("N", &n, &nrhs, a, &n, ipiv, b, &bad, &info, 1);
+    EXPECT_EQ(info, -8);
+    zel_lapack_xdgetrf(&n, &n, a, &bad, ipiv, &info);
+    EXPECT_EQ(info, -4);
+    zel_lapack_dpotrf("Q", &n, a, &n, &info, 1);
+    EXPECT_EQ(info, -1);
+    zel_lapack_dgetri(&n, a, &n, ipiv, work, &lwork, &info);
+    EXPECT_EQ(info, -6);
+    zel_lapack_dgetrfnp(&n, &n, a, &bad, &info);
+    EXPECT_EQ(info, -4);
+    int64_t m = 5, lda = 5, ldb = 3, query = -1; // ldb < max(m, n): OpenBLAS's own check
+    double big[25] = {}, rhs[5] = {}, size_word = 0;
+    zel_lapack_dgels("N", &m, &n, &nrhs, big, &lda, rhs, &ldb, &size_word, &query, &info, 1);
+    EXPECT_EQ(info, -8);
+    zel_serv_set_xerbla(previous);
+    const std::vector<std::pair<std::string, int64_t>> expected = {
+        {"dgetrs", 8}, {"dgetrf", 4}, {"dpotrf", 1}, {"dgetri", 6}, {"dgetrfnp", 4}, {"dgels", 8}};
+    EXPECT_EQ(reports, expected);
 }
 
 // Every instruction-set variant of the small paths passes the same tests: the suite above runs
