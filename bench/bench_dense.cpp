@@ -231,7 +231,7 @@ template <class T> void run_precision(char letter, const std::vector<int64_t> &s
 int run(int argc, char **argv)
 {
     std::vector<int64_t> sizes = {4, 8, 16, 32, 64, 128};
-    int repeats = 7;
+    int repeats = 15;
     double bytes = 4.0 * 1024 * 1024;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {

@@ -8,6 +8,6 @@ constexpr bool fixed_orders = false;
 namespace zel::dense {
 
 const small_set small_set_base = {base::table<float>(16, 8, 16), base::table<double>(16, 8, 16),
-                                  base::table<std::complex<float>>(16, 8, 16), base::table<std::complex<double>>(16, 8, 16)};
+                                  base::table<std::complex<float>>(16, 8, 8), base::table<std::complex<double>>(16, 8, 8)};
 
 } // namespace zel::dense
