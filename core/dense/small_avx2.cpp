@@ -7,7 +7,7 @@ constexpr bool fixed_orders = true;
 
 namespace zel::dense {
 
-const small_set small_set_avx2 = {avx2::table<float>(32, 16, 32), avx2::table<double>(32, 16, 32),
+const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::table<double>(32, 16, 32),
                                   avx2::table<std::complex<float>>(32, 16, 32), avx2::table<std::complex<double>>(32, 16, 32)};
 
 } // namespace zel::dense

@@ -850,11 +850,8 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
 
 constexpr small_kernels<std::complex<double>> complex_double_table()
 {
-    small_kernels<std::complex<double>> t = table<std::complex<double>>(32, 32, 32);
-    t.getrf = getrf_z;
-    t.potrf_lower = potrf_lower_z;
-    t.inverse = inverse_z;
-    return t;
+    return {getrf_z,           potrf_lower_z, potrf_upper_loop<std::complex<double>>,
+            getrs_loop<std::complex<double>>, inverse_z, 32, 32, 32};
 }
 
 // Real double LU with partial pivoting for 8 < n <= 8*R on a copy with zero-padded columns of
@@ -960,11 +957,8 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 
 constexpr small_kernels<double> double_table()
 {
-    small_kernels<double> t = table<double>(64, 64, 64);
-    t.getrf = getrf_d;
-    t.inverse = inverse_d;
-    t.potrf_lower = potrf_lower_d;
-    return t;
+    // listed whole so that the generic fixed-order code is not compiled for nothing
+    return {getrf_d, potrf_lower_d, potrf_upper_loop<double>, getrs_loop<double>, inverse_d, 64, 64, 64};
 }
 
 } // namespace
@@ -972,7 +966,7 @@ constexpr small_kernels<double> double_table()
 
 namespace zel::dense {
 
-const small_set small_set_avx512 = {avx512::table<float>(64, 16, 64), avx512::double_table(),
+const small_set small_set_avx512 = {avx512::table<float>(64, 8, 64), avx512::double_table(),
                                     avx512::table<std::complex<float>>(32, 16, 64), avx512::complex_double_table()};
 
 } // namespace zel::dense
