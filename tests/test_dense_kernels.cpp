@@ -289,6 +289,22 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
     int64_t ipiv[2] = {};
     api<T>::getrf(&zero, &two, c_ptr(dummy), &one, ipiv, &info);
     EXPECT_EQ(info, 0);
+    info = 5;
+    api<T>::getrf(&zero, &zero, c_ptr(dummy), &one, ipiv, &info);
+    EXPECT_EQ(info, 0);
+    info = 5;
+    api<T>::potrf("L", &zero, c_ptr(dummy), &one, &info, 1);
+    EXPECT_EQ(info, 0);
+    info = 5;
+    api<T>::getrs("N", &zero, &two, c_ptr(dummy), &one, ipiv, c_ptr(dummy), &one, &info, 1);
+    EXPECT_EQ(info, 0);
+    info = 5;
+    api<T>::getri(&zero, c_ptr(dummy), &one, ipiv, c_ptr(dummy), &one, &info);
+    EXPECT_EQ(info, 0);
+    info = 5;
+    api<T>::getri_oop(&zero, c_ptr(dummy), &one, ipiv, c_ptr(dummy + 2), &one, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(dummy[2], T(0));
     api<T>::getrf(&two, &two, c_ptr(dummy), &one, ipiv, &info);
     EXPECT_EQ(info, -4);
 }
