@@ -22,6 +22,11 @@ ZEL_BEGIN_DECLS
     /* In-place inverse from the factors of getrf; lwork = -1 queries the workspace size. */              \
     ZEL_API void zel_lapack_##p##getri(const int64_t *n, T *a, const int64_t *lda, const int64_t *ipiv,   \
                                        T *work, const int64_t *lwork, int64_t *info);                      \
+    /* The inverse from the factors of getrf written to ainv, A left as it is: the same result as     \
+     * laset + laswp + two trsm, fused for small n. info > 0 names a zero diagonal entry of U. */      \
+    ZEL_API void zel_lapack_##p##getri_oop(const int64_t *n, const T *a, const int64_t *lda,             \
+                                           const int64_t *ipiv, T *ainv, const int64_t *ldainv,         \
+                                           int64_t *info);                                               \
     /* Cholesky factorisation of the uplo triangle. */                                                    \
     ZEL_API void zel_lapack_##p##potrf(const char *uplo, const int64_t *n, T *a, const int64_t *lda,      \
                                        int64_t *info, size_t uplo_len);                                    \

@@ -1,0 +1,41 @@
+// The exported level-1 entries: one-vector forms over the core's kernels and their strided batches.
+#include "batch_strided.hpp"
+#include "zel/blas.h"
+#include "zel/core_imports.h"
+
+#define ZEL_BLAS_TYPES(X)                                                                                 \
+    X(s, float)                                                                                            \
+    X(d, double)                                                                                           \
+    X(c, zel_complex8)                                                                                     \
+    X(z, zel_complex16)
+
+#define ZEL_BLAS_EXPORTS(p, C)                                                                            \
+    ZEL_API void zel_blas_##p##axpy(const int64_t *n, const C *alpha, const C *x, const int64_t *incx, C *y, \
+                                    const int64_t *incy)                                                   \
+    {                                                                                                      \
+        zel_blas_x##p##axpy(n, alpha, x, incx, y, incy);                                                   \
+    }                                                                                                      \
+    ZEL_API void zel_blas_##p##copy(const int64_t *n, const C *x, const int64_t *incx, C *y,               \
+                                    const int64_t *incy)                                                   \
+    {                                                                                                      \
+        zel_blas_x##p##copy(n, x, incx, y, incy);                                                          \
+    }                                                                                                      \
+    ZEL_API void zel_blas_##p##axpy_batch_strided(const int64_t *n, const C *alpha, const C *x,            \
+                                                  const int64_t *incx, const int64_t *stridex, C *y,        \
+                                                  const int64_t *incy, const int64_t *stridey,              \
+                                                  const int64_t *batch_size)                                \
+    {                                                                                                      \
+        zel::blas::axpy_batch_strided(zel_blas_##p##axpy, n, alpha, x, incx, stridex, y, incy, stridey,     \
+                                      batch_size);                                                         \
+    }                                                                                                      \
+    ZEL_API void zel_blas_##p##copy_batch_strided(const int64_t *n, const C *x, const int64_t *incx,       \
+                                                  const int64_t *stridex, C *y, const int64_t *incy,        \
+                                                  const int64_t *stridey, const int64_t *batch_size)        \
+    {                                                                                                      \
+        zel::blas::copy_batch_strided(zel_blas_##p##copy, n, x, incx, stridex, y, incy, stridey,            \
+                                      batch_size);                                                         \
+    }
+
+extern "C" {
+ZEL_BLAS_TYPES(ZEL_BLAS_EXPORTS)
+}

@@ -1,0 +1,310 @@
+// Shared by the batched LAPACK tests: the exported entries per (value type, width), batches of
+// column-major matrices with padding, dense reference products and an error-report recorder.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "zel/lapack.h"
+#include "zel/serv.h"
+#include "zel_internal/value_traits.hpp"
+
+namespace batch_test {
+
+// Which door a call goes through: the typed worker, or the entry with its width selector.
+enum class via { worker, entry };
+constexpr via both_paths[] = {via::worker, via::entry};
+
+template <class Worker, class Entry> struct routine {
+    Worker worker;
+    Entry entry;
+    int64_t selector;
+    template <class... A> void operator()(via path, A... args) const
+    {
+        if (path == via::worker)
+            worker(args...);
+        else
+            entry(args..., selector);
+    }
+};
+template <class W, class E> constexpr routine<W, E> make_routine(W w, E e, int64_t selector)
+{
+    return {w, e, selector};
+}
+
+template <class T, class I> struct api;
+#define ZEL_TEST_ROUTINE(p, w, op)                                                                                     \
+    static constexpr auto op = make_routine(zel_lapack_##p##op##_omp_internal##w, zel_lapack_##p##op, w == 32);
+#define ZEL_TEST_API(p, C, T, w)                                                                                       \
+    template <> struct api<T, int##w##_t> {                                                                            \
+        using c_type = C;                                                                                              \
+        static constexpr char letter = #p[0];                                                                          \
+        ZEL_TEST_ROUTINE(p, w, getrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, getrfnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(p, w, getrs_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, getrsnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(p, w, getri_oop_batch_strided)                                                                \
+        ZEL_TEST_ROUTINE(p, w, getri_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, potrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(p, w, gels_batch_strided)                                                                     \
+        ZEL_TEST_ROUTINE(p, w, getrf_batch)                                                                            \
+        ZEL_TEST_ROUTINE(p, w, getrfnp_batch)                                                                          \
+        ZEL_TEST_ROUTINE(p, w, getri_oop_batch)                                                                        \
+    };
+#define ZEL_TEST_API_WIDTHS(p, C, T) ZEL_TEST_API(p, C, T, 32) ZEL_TEST_API(p, C, T, 64)
+ZEL_TEST_API_WIDTHS(s, float, float)
+ZEL_TEST_API_WIDTHS(d, double, double)
+ZEL_TEST_API_WIDTHS(c, zel_complex8, std::complex<float>)
+ZEL_TEST_API_WIDTHS(z, zel_complex16, std::complex<double>)
+#undef ZEL_TEST_API_WIDTHS
+#undef ZEL_TEST_API
+#undef ZEL_TEST_ROUTINE
+
+template <class Value, class Index> struct config {
+    using T = Value;
+    using I = Index;
+    using A = api<Value, Index>;
+};
+using configs =
+    ::testing::Types<config<float, int32_t>, config<float, int64_t>, config<double, int32_t>, config<double, int64_t>,
+                     config<std::complex<float>, int32_t>, config<std::complex<float>, int64_t>,
+                     config<std::complex<double>, int32_t>, config<std::complex<double>, int64_t>>;
+
+struct config_names {
+    template <class C> static std::string GetName(int)
+    {
+        return std::string(1, C::A::letter) + (sizeof(typename C::I) == 4 ? "_i4" : "_i8");
+    }
+};
+
+template <class T> using real = zel::real_t<T>;
+template <class T> constexpr real<T> eps = std::numeric_limits<real<T>>::epsilon();
+template <class T> T conj(T x) { return zel::conj_if(x, true); }
+
+template <class T, class I> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T, I>::c_type *>(p); }
+template <class T, class I> auto c_ptr(T *const *p) { return reinterpret_cast<typename api<T, I>::c_type *const *>(p); }
+
+// Column-major m x n matrix with leading dimension ld.
+template <class T> struct matrix {
+    int64_t m = 0, n = 0, ld = 1;
+    std::vector<T> v;
+    matrix(int64_t rows, int64_t cols, int64_t lead = 0)
+        : m(rows), n(cols), ld(std::max<int64_t>({1, rows, lead})),
+          v(static_cast<size_t>(ld * std::max<int64_t>(1, cols)))
+    {
+    }
+    T &operator()(int64_t i, int64_t j) { return v[static_cast<size_t>(i + j * ld)]; }
+    T operator()(int64_t i, int64_t j) const { return v[static_cast<size_t>(i + j * ld)]; }
+};
+
+template <class T> T random_value(std::mt19937_64 &rng)
+{
+    std::uniform_real_distribution<double> d(-1.0, 1.0);
+    if constexpr (zel::is_complex_v<T>)
+        return T(real<T>(d(rng)), real<T>(d(rng)));
+    else
+        return T(real<T>(d(rng)));
+}
+
+// `count` members of m x n at distance `stride` from one another; the slack is filled too,
+// so that a driver touching it is caught.
+template <class T> struct strided {
+    int64_t m, n, ld, stride, count;
+    std::vector<T> v;
+    strided(int64_t rows, int64_t cols, int64_t lead, int64_t step, int64_t members, uint64_t seed)
+        : m(rows), n(cols), ld(lead), stride(step), count(members),
+          v(static_cast<size_t>(std::max<int64_t>(1, step * members)))
+    {
+        std::mt19937_64 rng(seed);
+        for (T &x : v)
+            x = random_value<T>(rng);
+    }
+    T *data() { return v.data(); }
+    T &at(int64_t k, int64_t i, int64_t j) { return v[static_cast<size_t>(k * stride + i + j * ld)]; }
+    matrix<T> member(int64_t k) const
+    {
+        matrix<T> a(m, n);
+        for (int64_t j = 0; j < n; ++j)
+            for (int64_t i = 0; i < m; ++i)
+                a(i, j) = v[static_cast<size_t>(k * stride + i + j * ld)];
+        return a;
+    }
+    void set(int64_t k, const matrix<T> &a)
+    {
+        for (int64_t j = 0; j < n; ++j)
+            for (int64_t i = 0; i < m; ++i)
+                at(k, i, j) = a(i, j);
+    }
+};
+
+// Every element outside the members' m x n blocks is as it was.
+template <class T> void expect_slack_kept(const strided<T> &after, const strided<T> &before)
+{
+    for (size_t e = 0; e < after.v.size(); ++e) {
+        const int64_t k = static_cast<int64_t>(e) / after.stride, r = static_cast<int64_t>(e) % after.stride;
+        const bool inside = k < after.count && r / after.ld < after.n && r % after.ld < after.m;
+        if (!inside) {
+            ASSERT_EQ(after.v[e], before.v[e]) << "slack element " << e;
+        }
+    }
+}
+
+template <class T> matrix<T> random_matrix(int64_t m, int64_t n, uint64_t seed)
+{
+    std::mt19937_64 rng(seed);
+    matrix<T> a(m, n);
+    for (T &x : a.v)
+        x = random_value<T>(rng);
+    return a;
+}
+
+// Random entries with n added on the diagonal: LU without pivoting is stable on it.
+template <class T> matrix<T> dominant_matrix(int64_t n, uint64_t seed)
+{
+    matrix<T> a = random_matrix<T>(n, n, seed);
+    for (int64_t i = 0; i < n; ++i)
+        a(i, i) += T(real<T>(n));
+    return a;
+}
+
+// B*B^H + n*I: Hermitian positive definite.
+template <class T> matrix<T> hpd_matrix(int64_t n, uint64_t seed)
+{
+    matrix<T> b = random_matrix<T>(n, n, seed), a(n, n);
+    for (int64_t i = 0; i < n; ++i)
+        for (int64_t j = 0; j < n; ++j) {
+            T s(0);
+            for (int64_t k = 0; k < n; ++k)
+                s += b(i, k) * conj(b(j, k));
+            a(i, j) = s + (i == j ? T(real<T>(n)) : T(0));
+        }
+    return a;
+}
+
+template <class T> matrix<T> product(const matrix<T> &a, const matrix<T> &b)
+{
+    matrix<T> c(a.m, b.n);
+    for (int64_t j = 0; j < b.n; ++j)
+        for (int64_t k = 0; k < a.n; ++k)
+            for (int64_t i = 0; i < a.m; ++i)
+                c(i, j) += a(i, k) * b(k, j);
+    return c;
+}
+
+// op(A) for op one of N, T, C.
+template <class T> matrix<T> op(const matrix<T> &a, char trans)
+{
+    if (trans == 'N')
+        return a;
+    matrix<T> t(a.n, a.m);
+    for (int64_t j = 0; j < a.n; ++j)
+        for (int64_t i = 0; i < a.m; ++i)
+            t(j, i) = trans == 'C' ? conj(a(i, j)) : a(i, j);
+    return t;
+}
+
+template <class T> real<T> max_abs(const matrix<T> &a)
+{
+    real<T> r = 0;
+    for (int64_t j = 0; j < a.n; ++j)
+        for (int64_t i = 0; i < a.m; ++i)
+            r = std::max(r, std::abs(a(i, j)));
+    return r;
+}
+
+template <class T> real<T> max_diff(const matrix<T> &a, const matrix<T> &b)
+{
+    real<T> r = 0;
+    for (int64_t j = 0; j < a.n; ++j)
+        for (int64_t i = 0; i < a.m; ++i)
+            r = std::max(r, std::abs(a(i, j) - b(i, j)));
+    return r;
+}
+
+// Unit lower L (m x k) and upper U (k x n) of a packed LU factor.
+template <class T> std::pair<matrix<T>, matrix<T>> split_lu(const matrix<T> &f)
+{
+    const int64_t k = std::min(f.m, f.n);
+    matrix<T> l(f.m, k), u(k, f.n);
+    for (int64_t j = 0; j < k; ++j)
+        for (int64_t i = 0; i < f.m; ++i)
+            l(i, j) = i == j ? T(1) : i > j ? f(i, j) : T(0);
+    for (int64_t j = 0; j < f.n; ++j)
+        for (int64_t i = 0; i < k && i <= j; ++i)
+            u(i, j) = f(i, j);
+    return {l, u};
+}
+
+// P*L*U from a packed factor and its 1-based pivots: the interchanges undone last to first.
+template <class T, class I> matrix<T> reconstruct_plu(const matrix<T> &f, const I *ipiv)
+{
+    auto [l, u] = split_lu(f);
+    matrix<T> a = product(l, u);
+    for (int64_t s = std::min(f.m, f.n) - 1; s >= 0; --s) {
+        const int64_t p = static_cast<int64_t>(ipiv[s]) - 1;
+        EXPECT_GE(p, s);
+        EXPECT_LT(p, f.m);
+        if (p < s || p >= f.m)
+            continue;
+        for (int64_t j = 0; j < a.n; ++j)
+            std::swap(a(s, j), a(p, j));
+    }
+    return a;
+}
+
+template <class T> matrix<T> identity(int64_t n)
+{
+    matrix<T> e(n, n);
+    for (int64_t i = 0; i < n; ++i)
+        e(i, i) = T(1);
+    return e;
+}
+
+// Records every report that reaches the error handler while alive.
+class report_log {
+public:
+    struct entry {
+        std::string name;
+        int64_t code;
+    };
+    report_log()
+    {
+        clear();
+        previous_ = zel_serv_set_xerbla(record);
+    }
+    ~report_log() { zel_serv_set_xerbla(previous_); }
+    report_log(const report_log &) = delete;
+    report_log &operator=(const report_log &) = delete;
+
+    static std::vector<entry> &entries()
+    {
+        static std::vector<entry> log;
+        return log;
+    }
+    // The one report that must have come, as "name:code".
+    static std::string only()
+    {
+        if (entries().size() != 1)
+            return "reports: " + std::to_string(entries().size());
+        return entries()[0].name + ":" + std::to_string(entries()[0].code);
+    }
+    static void clear() { entries().clear(); }
+
+private:
+    static void record(const char *name, const int64_t *info, int32_t name_len)
+    {
+        entries().push_back({std::string(name, static_cast<size_t>(name_len)), *info});
+    }
+    zel_xerbla_handler previous_;
+};
+
+} // namespace batch_test
