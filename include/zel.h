@@ -6,6 +6,8 @@
 #include "zel/runtime.h"
 #include "zel/serv.h"
 #include "zel/dense_kernels.h"
+#include "zel/lapack.h"
+#include "zel/blas.h"
 #include "zel/sparse_types.h"
 #include "zel/sparse_handle.h"
 #include "zel/sparse_transpose.h"

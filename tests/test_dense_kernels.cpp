@@ -676,7 +676,8 @@ TEST(DenseKernelsLink, SystemLp64LapackBesideTheCore)
 #endif
     const std::string build = "cc -std=c99 -O1" + sanitize + " -I" + source_dir + "/include " + source_dir +
                               "/tests/support/dense_lp64_link.c -o " + program + " -L" + binary_dir +
-                              " -Wl,-rpath," + binary_dir + " -lzel_core -llapack -lblas -lm 2>&1";
+                              " -Wl,-rpath," + binary_dir + " -Wl,--push-state,--no-as-needed -lzel_core -lzel_sequential -Wl,--pop-state"
+                              " -llapack -lblas -lm 2>&1";
     ASSERT_EQ(std::system(build.c_str()), 0) << build << "\n(needs the libblas-dev and liblapack-dev packages)";
     EXPECT_EQ(std::system(program.c_str()), 0);
 }

@@ -87,6 +87,8 @@ TEST(Objects, ReadmeExampleBuildsAndRuns)
     std::string output = run(program + " 2>&1", &status);
     EXPECT_EQ(status, 0) << output;
     EXPECT_NE(output.find("Zelmath 2."), std::string::npos) << output;
+    EXPECT_NE(output.find("x_0 = (1, 1, 1), info 0"), std::string::npos) << output;
+    EXPECT_NE(output.find("x_1 = (1, 1, 1), info 0"), std::string::npos) << output;
 }
 
 TEST(Objects, PublicHeadersCompileAsCxx)

@@ -14,8 +14,8 @@ struct catalogue_entry {
 // Arguments: integers are long long, names are const char *.
 constexpr catalogue_entry catalogue[] = {
     {0, "\nZelmath: error report\n"},
-    {6, "  Error code %lld was returned by routine %s.\n"},
-    {7, "  Parameter %lld was incorrect on entry to %s.\n"},
+    {6, "  Parameter %lld was incorrect on entry to %s.\n"},
+    {7, "  Parameter %lld had an illegal value on entry to %s (reported as a negative code).\n"},
     {8, "  Routine %s could not allocate its workspace (not enough memory).\n"},
     {9, "  Routine %s could not allocate its internal buffers (not enough memory).\n"},
     {1103, "  Routine %s was given a null pointer where an array or value is required.\n"},
