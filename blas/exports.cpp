@@ -2,14 +2,9 @@
 #include "batch_strided.hpp"
 #include "zel/blas.h"
 #include "zel/core_imports.h"
+#include "zel_internal/members.hpp"
 
-#define ZEL_BLAS_TYPES(X)                                                                                 \
-    X(s, float)                                                                                            \
-    X(d, double)                                                                                           \
-    X(c, zel_complex8)                                                                                     \
-    X(z, zel_complex16)
-
-#define ZEL_BLAS_EXPORTS(p, C)                                                                            \
+#define ZEL_BLAS_EXPORTS(p, C, T)                                                                            \
     ZEL_API void zel_blas_##p##axpy(const int64_t *n, const C *alpha, const C *x, const int64_t *incx, C *y, \
                                     const int64_t *incy)                                                   \
     {                                                                                                      \
@@ -37,5 +32,5 @@
     }
 
 extern "C" {
-ZEL_BLAS_TYPES(ZEL_BLAS_EXPORTS)
+ZEL_DENSE_MEMBERS(ZEL_BLAS_EXPORTS)
 }

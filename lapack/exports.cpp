@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "batch_frame.hpp"
+#include "zel_internal/members.hpp"
 #include "drivers.hpp"
 #include "zel/lapack.h"
 #include "zel_internal/value_traits.hpp"
@@ -26,12 +27,6 @@ template <class... P, class... A> void forward(void (*driver)(const char *, P...
 
 } // namespace
 } // namespace zel::lapack
-
-#define ZEL_LAPACK_TYPES(X)                                                                               \
-    X(s, float, float)                                                                                     \
-    X(d, double, double)                                                                                   \
-    X(c, zel_complex8, std::complex<float>)                                                                \
-    X(z, zel_complex16, std::complex<double>)
 
 // The group forms' parameter lists, and the strided ones spread to the same three arguments.
 #define ZEL_P_GETRF_STRIDED(T, I, IP) ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I)
@@ -90,5 +85,5 @@ template <class... P, class... A> void forward(void (*driver)(const char *, P...
                       (n, a, lda, ipiv, ainv, ldainv, group_count, group_size, info))
 
 extern "C" {
-ZEL_LAPACK_TYPES(ZEL_LAPACK_EXPORTS)
+ZEL_DENSE_MEMBERS(ZEL_LAPACK_EXPORTS)
 }

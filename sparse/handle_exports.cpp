@@ -1,23 +1,11 @@
 // Exported handle accessors, checks, ordering and conversions of the layer: one-line shells over
 // sparse/handle.hpp, sparse/order.hpp and sparse/convert.hpp.
 #include "convert.hpp"
+#include "zel_internal/members.hpp"
 #include "handle.hpp"
 #include "order.hpp"
 
 namespace zs = zel::sparse;
-
-// letter, C value type, C++ value type, width, index type
-#define ZEL_SPARSE_MEMBERS(X)                                                                             \
-    X(s, float, float, i4, int32_t)                                                                       \
-    X(d, double, double, i4, int32_t)                                                                     \
-    X(c, zel_complex8, std::complex<float>, i4, int32_t)                                                  \
-    X(z, zel_complex16, std::complex<double>, i4, int32_t)                                                \
-    X(s, float, float, i8, int64_t)                                                                       \
-    X(d, double, double, i8, int64_t)                                                                     \
-    X(c, zel_complex8, std::complex<float>, i8, int64_t)                                                  \
-    X(z, zel_complex16, std::complex<double>, i8, int64_t)
-
-#define ZEL_SPARSE_WIDTHS(X) X(i4, int32_t) X(i8, int64_t)
 
 // The four conversions out of one source format (code -1: the handle's own, for convert_any).
 #define ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, from, code)                                               \

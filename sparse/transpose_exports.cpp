@@ -1,20 +1,10 @@
 // Exported members of the copy and transpose family: one-line shells over the templates.
 #include "zel/sparse_transpose.h"
+#include "zel_internal/members.hpp"
 
 #include "transpose_out_of_place.hpp"
 
 namespace sp = zel::sparse;
-
-// Rows: letter, C value type, C++ value type, width suffix, index type.
-#define ZEL_SPARSE_TRANSPOSE_MEMBERS(X)                                                                   \
-    X(s, float, float, i4, int32_t)                                                                        \
-    X(d, double, double, i4, int32_t)                                                                      \
-    X(c, zel_complex8, std::complex<float>, i4, int32_t)                                                   \
-    X(z, zel_complex16, std::complex<double>, i4, int32_t)                                                 \
-    X(s, float, float, i8, int64_t)                                                                        \
-    X(d, double, double, i8, int64_t)                                                                      \
-    X(c, zel_complex8, std::complex<float>, i8, int64_t)                                                   \
-    X(z, zel_complex16, std::complex<double>, i8, int64_t)
 
 #define ZEL_SPARSE_TRANSPOSE_SHELLS(L, C, T, W, I)                                                        \
     ZEL_API int zel_sparse_##L##_copy_sparse_matrix_##W(zel_sparse_matrix_##W *handle)                   \
@@ -54,7 +44,7 @@ namespace sp = zel::sparse;
 
 extern "C" {
 
-ZEL_SPARSE_TRANSPOSE_MEMBERS(ZEL_SPARSE_TRANSPOSE_SHELLS)
+ZEL_SPARSE_MEMBERS(ZEL_SPARSE_TRANSPOSE_SHELLS)
 
 ZEL_API int zel_sparse_transposeMatrix_i4(zel_sparse_matrix_i4 *handle) { return sp::transpose_dispatch<int32_t>(handle); }
 ZEL_API int zel_sparse_transposeMatrix_i8(zel_sparse_matrix_i8 *handle) { return sp::transpose_dispatch<int64_t>(handle); }

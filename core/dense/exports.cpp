@@ -1,5 +1,6 @@
 // Exported dense kernels: one-line shells over the templates and the private OpenBLAS.
 #include "zel/dense_kernels.h"
+#include "zel_internal/members.hpp"
 
 #include "kernels.hpp"
 #include "openblas.hpp"
@@ -7,10 +8,6 @@
 
 using zel::as_cpp;
 using zel::dense::openblas;
-
-#define ZEL_DENSE_TYPES(X)                                                                                \
-    X(s, float, float) X(d, double, double) X(c, zel_complex8, std::complex<float>)                      \
-    X(z, zel_complex16, std::complex<double>)
 
 #define ZEL_DENSE_EXPORTS(p, C, T)                                                                        \
     ZEL_API void zel_lapack_x##p##getrf(const int64_t *m, const int64_t *n, C *a, const int64_t *lda,     \
@@ -58,5 +55,5 @@ using zel::dense::openblas;
     { openblas<T>::copy(n, as_cpp(x), incx, as_cpp(y), incy); }
 
 extern "C" {
-ZEL_DENSE_TYPES(ZEL_DENSE_EXPORTS)
+ZEL_DENSE_MEMBERS(ZEL_DENSE_EXPORTS)
 }

@@ -1,20 +1,8 @@
 // Exported sparse handle lifecycle of the core: one-line shells over core/sparse/lifecycle.hpp.
 #include "lifecycle.hpp"
+#include "zel_internal/members.hpp"
 
 namespace zs = zel::sparse;
-
-// letter, C value type, C++ value type, width, index type
-#define ZEL_SPARSE_MEMBERS(X)                                                                             \
-    X(s, float, float, i4, int32_t)                                                                       \
-    X(d, double, double, i4, int32_t)                                                                     \
-    X(c, zel_complex8, std::complex<float>, i4, int32_t)                                                  \
-    X(z, zel_complex16, std::complex<double>, i4, int32_t)                                                \
-    X(s, float, float, i8, int64_t)                                                                       \
-    X(d, double, double, i8, int64_t)                                                                     \
-    X(c, zel_complex8, std::complex<float>, i8, int64_t)                                                  \
-    X(z, zel_complex16, std::complex<double>, i8, int64_t)
-
-#define ZEL_SPARSE_WIDTHS(X) X(i4, int32_t) X(i8, int64_t)
 
 #define ZEL_SPARSE_LIFECYCLE_SHELLS(p, T, Cpp, W, I)                                                      \
     ZEL_API int zel_sparse_##p##_create_coo_##W(zel_sparse_matrix_##W **A, int index_base, I rows, I cols, \
