@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "alloc_fault.hpp"
+#include "dense_reference.hpp"
 #include "zel/dense_kernels.h"
 #include "zel/serv.h"
 #include "zel_internal/value_traits.hpp"
@@ -47,8 +48,18 @@ ZEL_TEST_API(z, zel_complex16, std::complex<double>)
 template <class T> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T>::c_type *>(p); }
 template <class T> auto *c_ptr(const T *p) { return reinterpret_cast<const typename api<T>::c_type *>(p); }
 
-template <class T> using real = zel::real_t<T>;
-template <class T> constexpr real<T> eps = std::numeric_limits<real<T>>::epsilon();
+using zel::test::conj;
+using zel::test::eps;
+using zel::test::real;
+using zel::test::matrix;
+using zel::test::random_value;
+using zel::test::random_matrix;
+using zel::test::hpd_matrix;
+using zel::test::product;
+using zel::test::op;
+using zel::test::max_abs;
+using zel::test::max_diff;
+using zel::test::split_lu;
 
 template <class T> real<T> abs1(T x)
 {
@@ -56,97 +67,6 @@ template <class T> real<T> abs1(T x)
         return std::abs(x.real()) + std::abs(x.imag());
     else
         return std::abs(x);
-}
-template <class T> T conj(T x) { return zel::conj_if(x, true); }
-
-// Column-major matrix with a leading dimension possibly larger than its rows.
-template <class T> struct matrix {
-    int64_t m = 0, n = 0, ld = 1;
-    std::vector<T> v;
-    matrix(int64_t rows, int64_t cols, int64_t lead = 0)
-        : m(rows), n(cols), ld(std::max<int64_t>({1, rows, lead})), v(static_cast<size_t>(ld * std::max<int64_t>(cols, 1)))
-    {
-    }
-    T &operator()(int64_t i, int64_t j) { return v[static_cast<size_t>(i + j * ld)]; }
-    T operator()(int64_t i, int64_t j) const { return v[static_cast<size_t>(i + j * ld)]; }
-    T *data() { return v.data(); }
-};
-
-template <class T> T random_value(std::mt19937_64 &rng)
-{
-    std::uniform_real_distribution<double> d(-1.0, 1.0);
-    if constexpr (zel::is_complex_v<T>)
-        return T(real<T>(d(rng)), real<T>(d(rng)));
-    else
-        return T(d(rng));
-}
-
-template <class T> matrix<T> random_matrix(int64_t m, int64_t n, uint64_t seed, int64_t lead = 0)
-{
-    std::mt19937_64 rng(seed);
-    matrix<T> a(m, n, lead);
-    for (auto &x : a.v)
-        x = random_value<T>(rng); // padding too: the kernels must leave it alone
-    return a;
-}
-
-// A Hermitian positive definite matrix: B*B^H + n*I.
-template <class T> matrix<T> hpd_matrix(int64_t n, uint64_t seed)
-{
-    matrix<T> b = random_matrix<T>(n, n, seed), a(n, n);
-    for (int64_t i = 0; i < n; ++i)
-        for (int64_t j = 0; j < n; ++j) {
-            T s(0);
-            for (int64_t k = 0; k < n; ++k)
-                s += b(i, k) * conj(b(j, k));
-            a(i, j) = s + (i == j ? T(real<T>(n)) : T(0));
-        }
-    return a;
-}
-
-template <class T> real<T> max_abs(const matrix<T> &a)
-{
-    real<T> r = 0;
-    for (int64_t j = 0; j < a.n; ++j)
-        for (int64_t i = 0; i < a.m; ++i)
-            r = std::max(r, std::abs(a(i, j)));
-    return r;
-}
-
-template <class T> matrix<T> product(const matrix<T> &a, const matrix<T> &b)
-{
-    matrix<T> c(a.m, b.n);
-    for (int64_t j = 0; j < b.n; ++j)
-        for (int64_t k = 0; k < a.n; ++k)
-            for (int64_t i = 0; i < a.m; ++i)
-                c(i, j) += a(i, k) * b(k, j);
-    return c;
-}
-
-// op(A) for op in N, T, C.
-template <class T> matrix<T> op(const matrix<T> &a, char trans)
-{
-    if (trans == 'N')
-        return a;
-    matrix<T> t(a.n, a.m);
-    for (int64_t j = 0; j < a.n; ++j)
-        for (int64_t i = 0; i < a.m; ++i)
-            t(j, i) = trans == 'C' ? conj(a(i, j)) : a(i, j);
-    return t;
-}
-
-// Unit lower L (m x k) and upper U (k x n) of a packed LU factor.
-template <class T> std::pair<matrix<T>, matrix<T>> split_lu(const matrix<T> &f)
-{
-    const int64_t k = std::min(f.m, f.n);
-    matrix<T> l(f.m, k), u(k, f.n);
-    for (int64_t j = 0; j < k; ++j)
-        for (int64_t i = 0; i < f.m; ++i)
-            l(i, j) = i == j ? T(1) : i > j ? f(i, j) : T(0);
-    for (int64_t j = 0; j < f.n; ++j)
-        for (int64_t i = 0; i < k && i <= j; ++i)
-            u(i, j) = f(i, j);
-    return {l, u};
 }
 
 // Applies the interchanges of 1-based ipiv to the rows of A in order (P^T*A when undone backwards).
@@ -187,15 +107,6 @@ template <class T> std::pair<std::vector<int64_t>, int64_t> reference_lu(matrix<
                 a(i, j) -= a(i, c) * a(c, j);
     }
     return {ipiv, info};
-}
-
-template <class T> real<T> max_diff(const matrix<T> &a, const matrix<T> &b)
-{
-    real<T> r = 0;
-    for (int64_t j = 0; j < a.n; ++j)
-        for (int64_t i = 0; i < a.m; ++i)
-            r = std::max(r, std::abs(a(i, j) - b(i, j)));
-    return r;
 }
 
 // The padding rows below m must come back untouched.
