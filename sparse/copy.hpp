@@ -21,7 +21,7 @@ template <class T> void copy_forward(T *dst, const T *src, size_t count)
 }
 
 // Checks shared by copy and conversion: 5 for a missing handle or record, 6 for COO.
-template <class I> int check_compressed_handle(const matrix_t<I> *handle)
+template <class I> int check_compressed_handle(const handle_t<I> *handle)
 {
     if (handle == nullptr)
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
@@ -34,7 +34,7 @@ template <class I> int check_compressed_handle(const matrix_t<I> *handle)
 
 // Owned three-array copy of a record's rows_start/rows_end ranges, rows packed end to end.
 template <class T, class I>
-int compact_arrays(const record_t<I> &record, int32_t format, compressed_arrays<T, I> &out)
+int compact_arrays(const csr_t<I> &record, int32_t format, compressed_arrays<T, I> &out)
 {
     const I n = compressed_length<I>(format, record);
     const int64_t bs2 = static_cast<int64_t>(block_edge<I>(format, record)) * block_edge<I>(format, record);
@@ -67,11 +67,11 @@ int compact_arrays(const record_t<I> &record, int32_t format, compressed_arrays<
 }
 
 // Turns the record (four- or three-array) into the owned three-array form.
-template <class T, class I> int convert_to_three_arrays(matrix_t<I> *handle)
+template <class T, class I> int convert_to_three_arrays(handle_t<I> *handle)
 {
     if (int status = check_compressed_handle<I>(handle))
         return status;
-    record_t<I> *record = csr_record<I>(handle);
+    csr_t<I> *record = csr_record<I>(handle);
     compressed_arrays<T, I> out;
     if (int status = compact_arrays<T, I>(*record, handle->format, out))
         return status;
@@ -81,11 +81,11 @@ template <class T, class I> int convert_to_three_arrays(matrix_t<I> *handle)
 }
 
 // Replaces the record's arrays by library-owned copies.
-template <class T, class I> int copy_sparse_matrix(matrix_t<I> *handle)
+template <class T, class I> int copy_sparse_matrix(handle_t<I> *handle)
 {
     if (int status = check_compressed_handle<I>(handle))
         return status;
-    record_t<I> *record = csr_record<I>(handle);
+    csr_t<I> *record = csr_record<I>(handle);
     if (record->inplace_copy == 0)
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
     if (record->three_array == 0)

@@ -11,6 +11,7 @@
 #include "zel/serv.h"
 #include "zel/sparse_types.h"
 #include "zel_internal/scratch.hpp"
+#include "zel_internal/sparse_formats.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::sparse {
@@ -18,33 +19,21 @@ namespace zel::sparse {
 // Every allocation of this family asks for page alignment.
 inline constexpr int page_alignment = 4096;
 
-template <class I> struct handle_types;
-template <> struct handle_types<int32_t> {
-    using matrix = zel_sparse_matrix_i4;
-    using record = zel_sparse_csr_record_i4;
-};
-template <> struct handle_types<int64_t> {
-    using matrix = zel_sparse_matrix_i8;
-    using record = zel_sparse_csr_record_i8;
-};
-template <class I> using matrix_t = typename handle_types<I>::matrix;
-template <class I> using record_t = typename handle_types<I>::record;
-
-template <class I> record_t<I> *csr_record(const matrix_t<I> *handle)
+template <class I> csr_t<I> *csr_record(const handle_t<I> *handle)
 {
-    return static_cast<record_t<I> *>(handle->data);
+    return static_cast<csr_t<I> *>(handle->data);
 }
 
 // Length of the compressed dimension: columns for CSC, (block) rows otherwise.
-template <class I> I compressed_length(int32_t format, const record_t<I> &record)
+template <class I> I compressed_length(int32_t format, const csr_t<I> &record)
 {
     return format == ZEL_SPARSE_FORMAT_CSC ? record.cols : record.rows;
 }
-template <class I> I other_length(int32_t format, const record_t<I> &record)
+template <class I> I other_length(int32_t format, const csr_t<I> &record)
 {
     return format == ZEL_SPARSE_FORMAT_CSC ? record.rows : record.cols;
 }
-template <class I> I block_edge(int32_t format, const record_t<I> &record)
+template <class I> I block_edge(int32_t format, const csr_t<I> &record)
 {
     return format == ZEL_SPARSE_FORMAT_BSR ? record.block_size : I(1);
 }
@@ -56,16 +45,16 @@ template <class T> T *alloc_array(size_t count)
 
 // A zero-filled three-array record with its two empty optimisation sub-records, or null
 // (with nothing left allocated) when memory runs out.
-template <class I> record_t<I> *new_record()
+template <class I> csr_t<I> *new_record()
 {
-    scratch_array<record_t<I>> record(1, page_alignment);
+    scratch_array<csr_t<I>> record(1, page_alignment);
     scratch_array<zel_sparse_opt_record> opt(1, page_alignment);
     scratch_array<void *> three(3, page_alignment);
     scratch_array<void *> four(4, page_alignment);
     scratch_array<zel_sparse_opt_words> words(1, page_alignment);
     if (!record || !opt || !three || !four || !words)
         return nullptr;
-    std::memset(record.get(), 0, sizeof(record_t<I>));
+    std::memset(record.get(), 0, sizeof(csr_t<I>));
     std::memset(three.get(), 0, 3 * sizeof(void *));
     std::memset(four.get(), 0, 4 * sizeof(void *));
     std::memset(words.get(), 0, sizeof(zel_sparse_opt_words));
@@ -76,7 +65,7 @@ template <class I> record_t<I> *new_record()
 }
 
 // Frees the library's arrays of a record (rows_start, col_indx, values, aux) when it owns them.
-template <class I> void release_owned_arrays(record_t<I> *record)
+template <class I> void release_owned_arrays(csr_t<I> *record)
 {
     if (record->owns_arrays == 0)
         return;
@@ -87,7 +76,7 @@ template <class I> void release_owned_arrays(record_t<I> *record)
 }
 
 // Frees a record built by this layer with everything hanging from it.
-template <class I> void release_record(record_t<I> *record)
+template <class I> void release_record(csr_t<I> *record)
 {
     if (record == nullptr)
         return;
@@ -109,7 +98,7 @@ template <class T, class I> struct compressed_arrays {
 };
 
 // Points a record at new owned arrays in three-array form, freeing the old owned ones.
-template <class T, class I> void adopt_arrays(record_t<I> *record, compressed_arrays<T, I> &arrays)
+template <class T, class I> void adopt_arrays(csr_t<I> *record, compressed_arrays<T, I> &arrays)
 {
     release_owned_arrays<I>(record);
     record->rows_start = arrays.offsets.release();

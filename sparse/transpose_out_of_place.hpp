@@ -13,7 +13,7 @@ inline bool valid_operation(int operation)
 
 // Owned arrays of op(A) in A's format: a packed copy for 10, the kernel's output otherwise.
 template <class T, class I>
-int op_arrays(const record_t<I> &source, int32_t format, int operation, compressed_arrays<T, I> &out)
+int op_arrays(const csr_t<I> &source, int32_t format, int operation, compressed_arrays<T, I> &out)
 {
     if (operation == ZEL_SPARSE_OPERATION_NON_TRANSPOSE)
         return compact_arrays<T, I>(source, format, out);
@@ -36,7 +36,7 @@ int op_arrays(const record_t<I> &source, int32_t format, int operation, compress
 }
 
 // Record fields of op(A) from A's: dimensions swap unless operation is 10.
-template <class I> void describe_op(record_t<I> &target, const record_t<I> &source, int operation, I nnz)
+template <class I> void describe_op(csr_t<I> &target, const csr_t<I> &source, int operation, I nnz)
 {
     const bool swap = operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE;
     target.sorted = swap ? 1 : source.sorted;
@@ -46,19 +46,19 @@ template <class I> void describe_op(record_t<I> &target, const record_t<I> &sour
 }
 
 // The handle's matrix becomes op(A), in the same format, on owned arrays.
-template <class T, class I> int transpose_out_of_place(matrix_t<I> *handle, int operation)
+template <class T, class I> int transpose_out_of_place(handle_t<I> *handle, int operation)
 {
     if (int status = check_compressed_handle<I>(handle))
         return status;
     if (!valid_operation(operation))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    record_t<I> *record = csr_record<I>(handle);
+    csr_t<I> *record = csr_record<I>(handle);
     compressed_arrays<T, I> out;
     if (int status = op_arrays<T, I>(*record, handle->format, operation, out))
         return status;
     const I n = operation == ZEL_SPARSE_OPERATION_NON_TRANSPOSE ? compressed_length<I>(handle->format, *record)
                                                                 : other_length<I>(handle->format, *record);
-    const record_t<I> before = *record;
+    const csr_t<I> before = *record;
     describe_op<I>(*record, before, operation, out.offsets[n] - record->index_base);
     adopt_arrays<T, I>(record, out);
     if (operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE) {
@@ -72,7 +72,7 @@ template <class T, class I> int transpose_out_of_place(matrix_t<I> *handle, int 
 
 // *result = a new handle holding op(A), with its own record and owned arrays.
 template <class T, class I>
-int create_and_transpose_out_of_place(const matrix_t<I> *handle, int operation, matrix_t<I> **result)
+int create_and_transpose_out_of_place(const handle_t<I> *handle, int operation, handle_t<I> **result)
 {
     if (result == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
@@ -80,14 +80,14 @@ int create_and_transpose_out_of_place(const matrix_t<I> *handle, int operation, 
         return status;
     if (!valid_operation(operation))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    const record_t<I> &source = *csr_record<I>(handle);
+    const csr_t<I> &source = *csr_record<I>(handle);
     compressed_arrays<T, I> out;
     if (int status = op_arrays<T, I>(source, handle->format, operation, out))
         return status;
-    scratch_array<matrix_t<I>> created(1, page_alignment);
+    scratch_array<handle_t<I>> created(1, page_alignment);
     if (!created)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    record_t<I> *record = new_record<I>();
+    csr_t<I> *record = new_record<I>();
     if (record == nullptr)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
 
@@ -100,7 +100,7 @@ int create_and_transpose_out_of_place(const matrix_t<I> *handle, int operation, 
     record->inplace_copy = 1;
     adopt_arrays<T, I>(record, out);
 
-    matrix_t<I> *target = created.get();
+    handle_t<I> *target = created.get();
     std::memset(target, 0, sizeof *target);
     target->data_type = handle->data_type;
     target->format = handle->format;
@@ -113,13 +113,13 @@ int create_and_transpose_out_of_place(const matrix_t<I> *handle, int operation, 
 }
 
 // Same BSR matrix with every block stored in the other order (block_layout 0 <-> 1).
-template <class T, class I> int convert_bsr_transpose(matrix_t<I> *handle)
+template <class T, class I> int convert_bsr_transpose(handle_t<I> *handle)
 {
     if (int status = check_compressed_handle<I>(handle))
         return status;
     if (handle->format != ZEL_SPARSE_FORMAT_BSR)
         return ZEL_SPARSE_STATUS_NOT_SUPPORTED;
-    record_t<I> *record = csr_record<I>(handle);
+    csr_t<I> *record = csr_record<I>(handle);
     compressed_arrays<T, I> out;
     if (int status = compact_arrays<T, I>(*record, handle->format, out))
         return status;

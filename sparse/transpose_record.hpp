@@ -13,22 +13,22 @@ template <class I> I part_count(I n_in)
 }
 
 // Stored entries of a compressed record: the end of its last row.
-template <class I> I stored_entries(const record_t<I> &record, I n_in)
+template <class I> I stored_entries(const csr_t<I> &record, I n_in)
 {
     return n_in > 0 ? record.rows_end[n_in - 1] - record.index_base : I(0);
 }
 
 // A later request on a complex handle's existing record: adds the missing one of values
 // (operation 11) and aux (operation 12) by conjugating the other; the structure stays.
-template <class T, class I> int add_missing_values(const matrix_t<I> *handle, int operation)
+template <class T, class I> int add_missing_values(const handle_t<I> *handle, int operation)
 {
-    record_t<I> *t = handle->transposed;
+    csr_t<I> *t = handle->transposed;
     if (operation != ZEL_SPARSE_OPERATION_TRANSPOSE && operation != ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE)
         return ZEL_SPARSE_STATUS_SUCCESS;
     const bool want_values = operation == ZEL_SPARSE_OPERATION_TRANSPOSE;
     void *&missing = want_values ? t->values : t->aux;
     const T *other = static_cast<const T *>(want_values ? t->aux : t->values);
-    const record_t<I> *source = csr_record<I>(handle);
+    const csr_t<I> *source = csr_record<I>(handle);
     if (missing != nullptr || source == nullptr || source->values == nullptr || other == nullptr)
         return ZEL_SPARSE_STATUS_SUCCESS;
     const size_t count = static_cast<size_t>(t->nnz) * t->block_size * t->block_size;
@@ -42,7 +42,7 @@ template <class T, class I> int add_missing_values(const matrix_t<I> *handle, in
 }
 
 // Builds handle->transposed for op(A) (operation 11 or 12) unless it exists.
-template <class T, class I> int transpose_handle(matrix_t<I> *handle, int operation)
+template <class T, class I> int transpose_handle(handle_t<I> *handle, int operation)
 {
     if (handle == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
@@ -54,7 +54,7 @@ template <class T, class I> int transpose_handle(matrix_t<I> *handle, int operat
             return add_missing_values<T, I>(handle, operation);
         return ZEL_SPARSE_STATUS_SUCCESS;
     }
-    const record_t<I> *source = csr_record<I>(handle);
+    const csr_t<I> *source = csr_record<I>(handle);
     if (source == nullptr)
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
 
@@ -72,7 +72,7 @@ template <class T, class I> int transpose_handle(matrix_t<I> *handle, int operat
         out.values = scratch_array<T>(static_cast<size_t>(nnz) * bs * bs, page_alignment);
     if (!work || !out.offsets || !out.indices || (values != nullptr && !out.values))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    record_t<I> *t = new_record<I>();
+    csr_t<I> *t = new_record<I>();
     if (t == nullptr)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
 
@@ -100,7 +100,7 @@ template <class T, class I> int transpose_handle(matrix_t<I> *handle, int operat
 }
 
 // The member chosen by data_type (0 d, 1 s, 2 z, 3 c), for op 11.
-template <class I> int transpose_dispatch(matrix_t<I> *handle)
+template <class I> int transpose_dispatch(handle_t<I> *handle)
 {
     constexpr int op = ZEL_SPARSE_OPERATION_TRANSPOSE;
     switch (handle->data_type) {
