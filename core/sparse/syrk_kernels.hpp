@@ -310,24 +310,27 @@ template <class T, class I> struct row_tails {
 
     I smallest() const
     {
-        I j = head[0];
-        for (int t = 1; t < count; ++t)
+        I j = std::numeric_limits<I>::max();
+        for (int t = 0; t < count; ++t)
             j = std::min(j, head[t]);
         return j;
     }
 
     // Steps every tail whose head is j past it, dropping tails that run out; `take` sees each
-    // (tail, position) pair before the step.
-    template <class F> void pop(I j, I r_base, const I *r_col, F take)
+    // (tail, position) pair before the step. Returns the smallest head left (the next column).
+    template <class F> I pop(I j, I r_base, const I *r_col, F take)
     {
+        I next = std::numeric_limits<I>::max();
         for (int t = 0; t < count;) {
             if (head[t] != j) {
+                next = std::min(next, head[t]);
                 ++t;
                 continue;
             }
             take(t, pos[t]);
             if (++pos[t] < end[t]) {
                 head[t] = r_col[pos[t]] - r_base;
+                next = std::min(next, head[t]);
                 ++t;
                 continue;
             }
@@ -337,6 +340,7 @@ template <class T, class I> struct row_tails {
             head[t] = head[count];
             factor[t] = factor[count];
         }
+        return next;
     }
 };
 
@@ -344,10 +348,8 @@ template <class T, class I> struct row_tails {
 template <class I> I merged_count(row_tails<char, I> &tails, I r_base, const I *r_col)
 {
     I n = 0;
-    while (tails.count > 1) {
-        tails.pop(tails.smallest(), r_base, r_col, [](int, I) {});
-        ++n;
-    }
+    for (I j = tails.smallest(); tails.count > 1; ++n)
+        j = tails.pop(j, r_base, r_col, [](int, I) {});
     if (tails.count == 1)
         n += tails.end[0] - tails.pos[0];
     return n;
@@ -386,13 +388,12 @@ I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col
              I cap)
 {
     I n = 0;
-    while (tails.count > 1 && n < cap) {
-        const I j = tails.smallest();
+    for (I j = tails.smallest(); tails.count > 1 && n < cap; ++n) {
         T sum{};
-        tails.pop(j, r_base, r_col, [&](int t, I q) { mul_add(sum, tails.factor[t], r_values[q]); });
+        const I next = tails.pop(j, r_base, r_col, [&](int t, I q) { mul_add(sum, tails.factor[t], r_values[q]); });
         cols[n] = j + out_base;
         vals[n] = sum;
-        ++n;
+        j = next;
     }
     if (tails.count == 1) { // the last tail is copied out
         const T a = tails.factor[0];
