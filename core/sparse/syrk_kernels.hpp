@@ -252,13 +252,183 @@ void syrkd_t(I row_first, I row_end, I cols, I base, const T *values, const I *c
 template <class I> constexpr I symbolic_stamp(I i) { return -(2 * i + 3); }
 template <class I> constexpr I numeric_stamp(I i) { return -(2 * i + 4); }
 
+// Fetches ahead what the rows after i will read: the row headers and cursors of R rows that row
+// i + 2 references, and the tails (at their cursors, fetched for it one row earlier) for row i + 1.
+// With scattered columns every one of them is a cache miss that would otherwise stall the merge.
+constexpr int prefetch_distance = 1;
+template <bool Values, class T, class I>
+inline void prefetch_ahead(I i, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
+                           I r_base, const T *r_values, const I *r_col, const I *r_rows_start, const I *start_offset)
+{
+    if (i + 2 * prefetch_distance < row_end)
+        for (I p = l_rows_start[i + 2 * prefetch_distance] - l_base; p < l_rows_end[i + 2 * prefetch_distance] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            __builtin_prefetch(r_rows_start + k);
+            __builtin_prefetch(start_offset + k);
+        }
+    if (i + prefetch_distance < row_end)
+        for (I p = l_rows_start[i + prefetch_distance] - l_base; p < l_rows_end[i + prefetch_distance] - l_base; ++p) {
+            const I k = l_col[p] - l_base;
+            const I q = r_rows_start[k] - r_base + start_offset[k];
+            __builtin_prefetch(r_col + q);
+            if constexpr (Values)
+                __builtin_prefetch(r_values + q);
+        }
+}
+
+// Rows with at most this many L entries are formed by merging the tails of their R rows.
+constexpr int few_lists = 16;
+
+// The non-empty tails (columns >= i) of the R rows that L's row i references, each with its
+// current head column and L's factor. Merging them yields row i's columns sorted and distinct
+// without touching anything indexed by column, which for scattered columns is a cache miss each.
+template <class T, class I> struct row_tails {
+    I pos[few_lists], end[few_lists], head[few_lists];
+    T factor[few_lists];
+    int count = 0;
+
+    template <bool Values>
+    void gather(I i, I l_base, const T *l_values, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
+                const I *r_rows_start, const I *r_rows_end, I *start_offset, uint64_t &work)
+    {
+        count = 0;
+        for (I p = l_begin; p < l_end; ++p) {
+            const I k = l_col[p] - l_base;
+            I e;
+            const I q = advance_cursor(k, i, r_base, r_col, r_rows_start, r_rows_end, start_offset, e);
+            if (q >= e)
+                continue;
+            work += static_cast<uint64_t>(e - q);
+            pos[count] = q;
+            end[count] = e;
+            head[count] = r_col[q] - r_base;
+            if constexpr (Values)
+                factor[count] = l_values[p];
+            ++count;
+        }
+    }
+
+    I smallest() const
+    {
+        I j = std::numeric_limits<I>::max();
+        for (int t = 0; t < count; ++t)
+            j = std::min(j, head[t]);
+        return j;
+    }
+
+    // Steps every tail whose head is j past it, dropping tails that run out; `take` sees each
+    // (tail, position) pair before the step. Returns the smallest head left (the next column).
+    template <class F> I pop(I j, I r_base, const I *r_col, F take)
+    {
+        I next = std::numeric_limits<I>::max();
+        for (int t = 0; t < count;) {
+            if (head[t] != j) {
+                next = std::min(next, head[t]);
+                ++t;
+                continue;
+            }
+            take(t, pos[t]);
+            if (++pos[t] < end[t]) {
+                head[t] = r_col[pos[t]] - r_base;
+                next = std::min(next, head[t]);
+                ++t;
+                continue;
+            }
+            --count; // the last tail moves into slot t, which is looked at again
+            pos[t] = pos[count];
+            end[t] = end[count];
+            head[t] = head[count];
+            factor[t] = factor[count];
+        }
+        return next;
+    }
+};
+
+// Number of distinct columns in the tails, merged.
+template <class I> I merged_count(row_tails<char, I> &tails, I r_base, const I *r_col)
+{
+    I n = 0;
+    for (I j = tails.smallest(); tails.count > 1; ++n)
+        j = tails.pop(j, r_base, r_col, [](int, I) {});
+    if (tails.count == 1)
+        n += tails.end[0] - tails.pos[0];
+    return n;
+}
+
+// Number of distinct columns in the tails by stamping them in the marker: quicker than merging
+// while the row's columns lie close together, so that the marker entries it touches stay in cache.
+template <class I> I stamped_count(const row_tails<char, I> &tails, I stamp, I r_base, const I *r_col, I *marker)
+{
+    I n = 0;
+    for (int t = 0; t < tails.count; ++t)
+        for (I q = tails.pos[t]; q < tails.end[t]; ++q) {
+            const I j = r_col[q] - r_base;
+            n += marker[j] != stamp;
+            marker[j] = stamp;
+        }
+    return n;
+}
+
+// Widest spread of columns (from the row itself) that the symbolic pass still counts by stamping.
+constexpr int64_t stamped_span = int64_t(1) << 15;
+
+// Whether the tails' columns reach further than stamped_span past row i.
+template <class I> bool scattered(const row_tails<char, I> &tails, I i, I r_base, const I *r_col)
+{
+    I last = i;
+    for (int t = 0; t < tails.count; ++t)
+        last = std::max<I>(last, r_col[tails.end[t] - 1] - r_base);
+    return int64_t(last) - i >= stamped_span;
+}
+
+// Row i of the product from its merged tails: sorted columns (with out_base) and values, at most
+// cap of them. Returns the number written.
+template <class T, class I>
+I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col, I out_base, I *cols, T *vals,
+             I cap)
+{
+    I n = 0;
+    for (I j = tails.smallest(); tails.count > 1 && n < cap; ++n) {
+        T sum{};
+        const I next = tails.pop(j, r_base, r_col, [&](int t, I q) { mul_add(sum, tails.factor[t], r_values[q]); });
+        cols[n] = j + out_base;
+        vals[n] = sum;
+        j = next;
+    }
+    if (tails.count == 1) { // the last tail is copied out
+        const T a = tails.factor[0];
+        const I q0 = tails.pos[0];
+        const I last = std::min<I>(tails.end[0] - q0, cap - n);
+        for (I t = 0; t < last; ++t) {
+            cols[n + t] = r_col[q0 + t] - r_base + out_base;
+            vals[n + t] = mul(a, r_values[q0 + t]);
+        }
+        n += last;
+    }
+    return n;
+}
+
 // Symbolic pass: counts of distinct columns j >= i per row.
 template <class I>
 void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
                  I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
                  I *counts, uint64_t *row_work)
 {
+    row_tails<char, I> tails;
     for (I i = row_first; i < row_end; ++i) {
+        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+        if (l_end - l_begin <= few_lists) {
+            prefetch_ahead<false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr, r_col,
+                                        r_rows_start, start_offset);
+            uint64_t work = 0;
+            tails.template gather<false>(i, l_base, nullptr, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
+                                         r_rows_end, start_offset, work);
+            counts[i + 1] = scattered(tails, i, r_base, r_col)
+                                ? merged_count(tails, r_base, r_col)
+                                : stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
+            row_work[i + 1] = work;
+            continue;
+        }
         const I stamp = symbolic_stamp(i);
         I count = 0;
         uint64_t work = 0;
@@ -366,8 +536,9 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
         cols[t] += out_base;
 }
 
-// Numeric pass: sorted columns and values of the chunk's rows. Each row's products add into a
-// dense accumulator x indexed by column while the row's new columns are listed without branches
+// Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries merge
+// their tails (row_tails). Longer rows add their products into a dense accumulator x indexed by
+// column, taken at the first such row, while the row's new columns are listed without branches
 // (the list slot is always written, its count advances only for a new column); the list is then
 // sorted and x gathered into the output and cleared. Without memory for x, long_row does the work.
 template <class T, class I>
@@ -376,20 +547,36 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
               const I *r_rows_end, I *start_offset, I *marker, const I *rows_start, I out_base, I *col_indx,
               T *values)
 {
-    scratch_array<T> accumulator(static_cast<size_t>(rows), 4096);
-    if (!accumulator) {
-        for (I i = row_first; i < row_end; ++i)
-            long_row(i, l_base, l_values, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col, r_rows_start,
-                     r_rows_end, start_offset, marker, rows_start, out_base, col_indx, values);
-        return;
-    }
-    T *x = accumulator.get();
-    std::fill(x, x + rows, T(0));
+    scratch_array<T> accumulator;
+    bool accumulator_tried = false;
     constexpr I short_row = 256;
     I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
     I sorted[short_row];
+    row_tails<T, I> tails;
     for (I i = row_first; i < row_end; ++i) {
         const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
+        const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
+        if (l_end - l_begin <= few_lists) {
+            prefetch_ahead<true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
+                                 r_rows_start, start_offset);
+            uint64_t work = 0;
+            tails.template gather<true>(i, l_base, l_values, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
+                                        r_rows_end, start_offset, work);
+            merged_row(tails, r_base, r_values, r_col, out_base, col_indx + first, values + first, count);
+            continue;
+        }
+        if (!accumulator_tried) {
+            accumulator_tried = true;
+            accumulator = scratch_array<T>(static_cast<size_t>(rows), 4096);
+            if (accumulator)
+                std::fill(accumulator.get(), accumulator.get() + rows, T(0));
+        }
+        T *x = accumulator.get();
+        if (x == nullptr) {
+            long_row(i, l_base, l_values, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col, r_rows_start,
+                     r_rows_end, start_offset, marker, rows_start, out_base, col_indx, values);
+            continue;
+        }
         const I stamp = numeric_stamp(i);
         const bool fits = count <= short_row;
         I *cols = fits ? list : col_indx + first;
