@@ -21,7 +21,7 @@ constexpr int alignment = 4096;
 // Records and core kernels of one value type C (the C ABI type) and index type I.
 template <class C, class I> struct members;
 
-#define ZEL_SYRK_MEMBER_TABLE(P, C_, W, I_)                                                                  \
+#define ZEL_SYRK_MEMBER_TABLE(P, C_, Cpp_, W, I_)                                                                  \
     template <> struct members<C_, I_> {                                                                     \
         using handle = zel_sparse_matrix_##W;                                                                \
         using record = zel_sparse_csr_record_##W;                                                            \

@@ -1,21 +1,12 @@
 // Exported A·Aᵀ / Aᵀ·A drivers: one-line shells over the templates, from one member list.
 #include "syrk_drivers.hpp"
-
-#define ZEL_SPARSE_SYRK_MEMBERS(X)                                                                           \
-    X(s, float, i4, int32_t)                                                                                  \
-    X(d, double, i4, int32_t)                                                                                 \
-    X(c, zel_complex8, i4, int32_t)                                                                           \
-    X(z, zel_complex16, i4, int32_t)                                                                          \
-    X(s, float, i8, int64_t)                                                                                  \
-    X(d, double, i8, int64_t)                                                                                 \
-    X(c, zel_complex8, i8, int64_t)                                                                           \
-    X(z, zel_complex16, i8, int64_t)
+#include "zel_internal/members.hpp"
 
 namespace zel::sparse_syrk {
-ZEL_SPARSE_SYRK_MEMBERS(ZEL_SYRK_MEMBER_TABLE)
+ZEL_SPARSE_MEMBERS(ZEL_SYRK_MEMBER_TABLE)
 }
 
-#define ZEL_SYRK_DRIVER_SHELLS(P, C, W, I)                                                                    \
+#define ZEL_SYRK_DRIVER_SHELLS(P, C, Cpp, W, I)                                                                    \
     ZEL_API int zel_sparse_##P##_syrkd_##W(int op, zel_sparse_matrix_##W *A, C alpha, C beta, C *c, int layout, \
                                            I ldc)                                                             \
     {                                                                                                         \
@@ -53,5 +44,5 @@ ZEL_SPARSE_SYRK_MEMBERS(ZEL_SYRK_MEMBER_TABLE)
     }
 
 extern "C" {
-ZEL_SPARSE_SYRK_MEMBERS(ZEL_SYRK_DRIVER_SHELLS)
+ZEL_SPARSE_MEMBERS(ZEL_SYRK_DRIVER_SHELLS)
 }

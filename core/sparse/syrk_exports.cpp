@@ -3,6 +3,7 @@
 
 #include "syrk_kernels.hpp"
 #include "zel/sparse_syrk.h"
+#include "zel_internal/members.hpp"
 
 namespace {
 
@@ -15,16 +16,6 @@ template <class C> inline zel::cpp_value_t<C> one() { return zel::cpp_value_t<C>
 
 } // namespace
 
-#define ZEL_SYRK_MEMBERS(X)                                                                                   \
-    X(s, float, i4, int32_t)                                                                                  \
-    X(d, double, i4, int32_t)                                                                                 \
-    X(c, zel_complex8, i4, int32_t)                                                                           \
-    X(z, zel_complex16, i4, int32_t)                                                                          \
-    X(s, float, i8, int64_t)                                                                                  \
-    X(d, double, i8, int64_t)                                                                                 \
-    X(c, zel_complex8, i8, int64_t)                                                                           \
-    X(z, zel_complex16, i8, int64_t)
-
 #define ZEL_SYRK_N_ARGS(C, I)                                                                                 \
     I r0, I r1, I m, I lb, const C *lv, const I *lc, const I *lrs, const I *lre, I rb, const C *rv, const I *rc, \
         const I *rrs, const I *rre, I *so, C *c, I ldc
@@ -33,7 +24,7 @@ template <class C> inline zel::cpp_value_t<C> one() { return zel::cpp_value_t<C>
     I r0, I r1, I m, I n, I b, const C *v, const I *ci, const I *rs, const I *re, C *c, I ldc
 #define ZEL_SYRK_T_PASS r0, r1, n, b, arr(v), ci, rs, re, arr(c), ldc
 
-#define ZEL_SYRK_KERNEL_SHELLS(P, C, W, I)                                                                    \
+#define ZEL_SYRK_KERNEL_SHELLS(P, C, Cpp, W, I)                                                                    \
     ZEL_API void zel_sparse_##P##_csr__g_n_syrkd_c_ker_##W(ZEL_SYRK_N_ARGS(C, I), C beta)                     \
     {                                                                                                         \
         syrkd_n<false, false>(ZEL_SYRK_N_PASS, one<C>(), val(beta));                                          \
@@ -94,5 +85,5 @@ template <class C> inline zel::cpp_value_t<C> one() { return zel::cpp_value_t<C>
     }
 
 extern "C" {
-ZEL_SYRK_MEMBERS(ZEL_SYRK_KERNEL_SHELLS)
+ZEL_SPARSE_MEMBERS(ZEL_SYRK_KERNEL_SHELLS)
 }
