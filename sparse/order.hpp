@@ -13,6 +13,8 @@ namespace zel::sparse {
 template <class T, class I, class Before>
 void permute_slice(I length, I *perm, I *index, I *index_tmp, T *values, T *values_tmp, int64_t group, Before before)
 {
+    if (length <= 0)
+        return;
     for (I k = 0; k < length; ++k)
         perm[k] = k;
     std::sort(perm, perm + length, [&](I x, I y) { return before(x, y) || (!before(y, x) && x < y); });
@@ -55,7 +57,11 @@ template <class T, class I> int order_compressed(csr_t<I> &r, int32_t format)
 template <class T, class I> int order_coo(coo_t<I> &r)
 {
     const I nnz = r.nnz;
-    const size_t length = std::max<I>(nnz, 1);
+    if (nnz <= 0) {
+        r.sorted = 1;
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    }
+    const size_t length = static_cast<size_t>(nnz);
     scratch_array<I> perm(length, alignment), keys(length, alignment), index_tmp(length, alignment);
     scratch_array<T> values_tmp;
     if (r.values != nullptr)
