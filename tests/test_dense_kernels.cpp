@@ -48,18 +48,8 @@ ZEL_TEST_API(z, zel_complex16, std::complex<double>)
 template <class T> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T>::c_type *>(p); }
 template <class T> auto *c_ptr(const T *p) { return reinterpret_cast<const typename api<T>::c_type *>(p); }
 
-using zel::test::conj;
-using zel::test::eps;
-using zel::test::real;
-using zel::test::matrix;
-using zel::test::random_value;
-using zel::test::random_matrix;
-using zel::test::hpd_matrix;
-using zel::test::product;
-using zel::test::op;
-using zel::test::max_abs;
-using zel::test::max_diff;
-using zel::test::split_lu;
+// The shared dense references: matrices, products, factor reconstruction.
+using namespace zel::test;
 
 template <class T> real<T> abs1(T x)
 {

@@ -87,21 +87,8 @@ struct config_names {
     }
 };
 
-using zel::test::conj;
-using zel::test::eps;
-using zel::test::real;
-using zel::test::matrix;
-using zel::test::random_value;
-using zel::test::random_matrix;
-using zel::test::hpd_matrix;
-using zel::test::product;
-using zel::test::op;
-using zel::test::max_abs;
-using zel::test::max_diff;
-using zel::test::split_lu;
-using zel::test::dominant_matrix;
-using zel::test::reconstruct_plu;
-using zel::test::identity;
+// The shared dense references: matrices, products, factor reconstruction.
+using namespace zel::test;
 
 template <class T, class I> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T, I>::c_type *>(p); }
 template <class T, class I> auto c_ptr(T *const *p) { return reinterpret_cast<typename api<T, I>::c_type *const *>(p); }
