@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 
+#include "row_sort.hpp"
 #include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
 
@@ -373,7 +374,7 @@ template <class I> I stamped_count(const row_tails<char, I> &tails, I stamp, I r
 constexpr int64_t stamped_span = int64_t(1) << 15;
 
 // Whether the tails' columns reach further than stamped_span past row i.
-template <class I> bool scattered(const row_tails<char, I> &tails, I i, I r_base, const I *r_col)
+template <class T, class I> bool scattered(const row_tails<T, I> &tails, I i, I r_base, const I *r_col)
 {
     I last = i;
     for (int t = 0; t < tails.count; ++t)
@@ -408,13 +409,60 @@ I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col
     return n;
 }
 
-// Symbolic pass: counts of distinct columns j >= i per row.
+// The tails' columns as keys relative to row i (padded for the sorter), with the products when
+// Values. False when they are more than sort_capacity or a key leaves the 32-bit range.
+template <bool Values, class T, class I>
+bool tail_keys(const row_tails<T, I> &tails, I i, I r_base, const I *r_col, int32_t *keys, uint32_t &n,
+               const T *r_values = nullptr, T *products = nullptr)
+{
+    n = 0;
+    for (int t = 0; t < tails.count; ++t) {
+        if (tails.end[t] - tails.pos[t] > I(sort_capacity - n))
+            return false;
+        for (I q = tails.pos[t]; q < tails.end[t]; ++q, ++n) {
+            const int64_t key = int64_t(r_col[q] - r_base) - int64_t(i);
+            if (key <= -int64_t(sort_pad) || key >= int64_t(sort_pad))
+                return false;
+            keys[n] = static_cast<int32_t>(key);
+            if constexpr (Values)
+                products[n] = mul(tails.factor[t], r_values[q]);
+        }
+    }
+    pad_keys(keys, n);
+    return true;
+}
+
+// Row i from its tails by the vector sorter: every product lands at the rank of its column among
+// the row's distinct columns (at most cap of them are written). False when the tails do not fit.
+// Kept out of line so that the merge loop around it keeps its registers.
+template <class T, class I>
+[[gnu::noinline]] bool sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, I i, I r_base,
+                                  const T *r_values, const I *r_col, I out_base, I *cols, T *vals, I cap)
+{
+    alignas(64) int32_t keys[sort_capacity];
+    alignas(64) T products[sort_capacity];
+    uint32_t rank[sort_capacity], n;
+    if (!tail_keys<true>(tails, i, r_base, r_col, keys, n, r_values, products))
+        return false;
+    const uint32_t distinct = sorter.ranks(keys, n, rank);
+    std::fill(vals, vals + std::min<int64_t>(distinct, std::max<I>(cap, 0)), T(0));
+    for (uint32_t e = 0; e < n; ++e)
+        if (I(rank[e]) < cap) {
+            cols[rank[e]] = I(keys[e]) + i + out_base;
+            vals[rank[e]] += products[e];
+        }
+    return true;
+}
+
+// Symbolic pass: counts of distinct columns j >= i per row; short rows by stamping the marker
+// while their columns lie close, else by the vector sorter, else by merging.
 template <class I>
 void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
                  I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
                  I *counts, uint64_t *row_work)
 {
     row_tails<char, I> tails;
+    const row_sorter *sorter = row_sorter_active;
     for (I i = row_first; i < row_end; ++i) {
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
@@ -423,9 +471,14 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
             uint64_t work = 0;
             tails.template gather<false>(i, l_base, nullptr, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                          r_rows_end, start_offset, work);
-            counts[i + 1] = scattered(tails, i, r_base, r_col)
-                                ? merged_count(tails, r_base, r_col)
-                                : stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
+            alignas(64) int32_t keys[sort_capacity];
+            uint32_t n;
+            if (!scattered(tails, i, r_base, r_col))
+                counts[i + 1] = stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
+            else if (sorter != nullptr && tail_keys<false>(tails, i, r_base, r_col, keys, n))
+                counts[i + 1] = static_cast<I>(sorter->count(keys, n));
+            else
+                counts[i + 1] = merged_count(tails, r_base, r_col);
             row_work[i + 1] = work;
             continue;
         }
@@ -537,7 +590,9 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
 }
 
 // Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries merge
-// their tails (row_tails). Longer rows add their products into a dense accumulator x indexed by
+// their tails (row_tails), or rank them with the vector sorter when they reach far: a merge over
+// scattered columns mispredicts nearly every step, while close columns merge in regular patterns
+// that the branch predictor learns from row to row. Longer rows add their products into a dense accumulator x indexed by
 // column, taken at the first such row, while the row's new columns are listed without branches
 // (the list slot is always written, its count advances only for a new column); the list is then
 // sorted and x gathered into the output and cleared. Without memory for x, long_row does the work.
@@ -553,6 +608,7 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
     I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
     I sorted[short_row];
     row_tails<T, I> tails;
+    const row_sorter *sorter = row_sorter_active;
     for (I i = row_first; i < row_end; ++i) {
         const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
@@ -562,7 +618,10 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
             uint64_t work = 0;
             tails.template gather<true>(i, l_base, l_values, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                         r_rows_end, start_offset, work);
-            merged_row(tails, r_base, r_values, r_col, out_base, col_indx + first, values + first, count);
+            if (sorter == nullptr || !scattered(tails, i, r_base, r_col) ||
+                !sorted_row(*sorter, tails, i, r_base, r_values, r_col, out_base, col_indx + first, values + first,
+                            count))
+                merged_row(tails, r_base, r_values, r_col, out_base, col_indx + first, values + first, count);
             continue;
         }
         if (!accumulator_tried) {
