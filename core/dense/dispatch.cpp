@@ -1,25 +1,18 @@
 // Chooses the small-matrix kernels for this processor once, at load time. ZEL_DENSE_ISA
 // ("baseline", "avx2") can only lower the choice: for tests and for comparing the paths.
-#include <cstdlib>
-#include <cstring>
-
 #include "small.hpp"
+#include "zel_internal/isa.hpp"
 
 namespace zel::dense {
 namespace {
 
 const small_set *choose()
 {
-    __builtin_cpu_init();
-    const char *cap = std::getenv("ZEL_DENSE_ISA");
-    const bool allow_avx512 = cap == nullptr || std::strcmp(cap, "avx512") == 0;
-    const bool allow_avx2 = allow_avx512 || std::strcmp(cap, "avx2") == 0;
-    if (allow_avx512 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bw"))
-        return &small_set_avx512;
-    if (allow_avx2 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"))
-        return &small_set_avx2;
-    return &small_set_base;
+    switch (choose_isa("ZEL_DENSE_ISA")) {
+    case isa_level::avx512: return &small_set_avx512;
+    case isa_level::avx2: return &small_set_avx2;
+    default: return &small_set_base;
+    }
 }
 
 } // namespace
