@@ -24,8 +24,6 @@ struct row_sorter {
     uint32_t (*count)(const int32_t *keys, uint32_t n);
     // rank[e] = the number of distinct keys below keys[e]; returns the number of distinct keys.
     uint32_t (*ranks)(const int32_t *keys, uint32_t n, uint32_t *rank);
-    // The same for keys known to be distinct: rank[e] = the number of keys below keys[e].
-    void (*order)(const int32_t *keys, uint32_t n, uint32_t *rank);
 };
 
 extern const row_sorter row_sorter_avx512, row_sorter_avx2;

@@ -22,7 +22,6 @@ struct lanes8 {
 } // namespace
 } // namespace avx2
 
-const row_sorter row_sorter_avx2 = {avx2::count<avx2::lanes8>, avx2::ranks<avx2::lanes8>,
-                                        avx2::order<avx2::lanes8>};
+const row_sorter row_sorter_avx2 = {avx2::count<avx2::lanes8>, avx2::ranks<avx2::lanes8>};
 
 } // namespace zel::sparse_syrk

@@ -21,7 +21,6 @@ struct lanes16 {
 } // namespace
 } // namespace avx512
 
-const row_sorter row_sorter_avx512 = {avx512::count<avx512::lanes16>, avx512::ranks<avx512::lanes16>,
-                                        avx512::order<avx512::lanes16>};
+const row_sorter row_sorter_avx512 = {avx512::count<avx512::lanes16>, avx512::ranks<avx512::lanes16>};
 
 } // namespace zel::sparse_syrk

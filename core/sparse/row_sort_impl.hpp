@@ -64,23 +64,6 @@ template <class V, int N> uint32_t ranks_n(const int32_t *keys, uint32_t n, uint
     return distinct;
 }
 
-template <class V, int N> uint32_t order_n(const int32_t *keys, uint32_t n, uint32_t *rank)
-{
-    typename V::reg k[N];
-#pragma GCC unroll 16
-    for (int b = 0; b < N; ++b)
-        k[b] = V::load(keys + b * V::lanes);
-    for (uint32_t e = 0; e < n; ++e) {
-        const typename V::reg v = V::splat(keys[e]);
-        uint32_t below = 0;
-#pragma GCC unroll 16
-        for (int b = 0; b < N; ++b)
-            below += static_cast<uint32_t>(__builtin_popcount(V::lt(k[b], v)));
-        rank[e] = below;
-    }
-    return n;
-}
-
 // Calls F<N> with N = the vectors n keys fill (n <= sort_capacity).
 template <class V, int N = 1, class F> inline uint32_t by_vectors(uint32_t n, F f)
 {
@@ -98,11 +81,6 @@ template <class V> uint32_t count(const int32_t *keys, uint32_t n)
 template <class V> uint32_t ranks(const int32_t *keys, uint32_t n, uint32_t *rank)
 {
     return by_vectors<V>(n, [&]<int N>() { return ranks_n<V, N>(keys, n, rank); });
-}
-
-template <class V> void order(const int32_t *keys, uint32_t n, uint32_t *rank)
-{
-    by_vectors<V>(n, [&]<int N>() { return order_n<V, N>(keys, n, rank); });
 }
 
 } // namespace
