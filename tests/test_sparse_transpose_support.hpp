@@ -12,35 +12,16 @@
 
 #include "zel/runtime.h"
 #include "zel/sparse_transpose.h"
+#include "zel_internal/sparse_formats.hpp"
 
 namespace zel::test {
 
-template <class I> struct sparse_types;
-template <> struct sparse_types<int32_t> {
-    using matrix = zel_sparse_matrix_i4;
-    using record = zel_sparse_csr_record_i4;
-    using coo = zel_sparse_coo_record_i4;
-};
-template <> struct sparse_types<int64_t> {
-    using matrix = zel_sparse_matrix_i8;
-    using record = zel_sparse_csr_record_i8;
-    using coo = zel_sparse_coo_record_i8;
-};
-template <class I> using matrix_of = typename sparse_types<I>::matrix;
-template <class I> using record_of = typename sparse_types<I>::record;
+// The records and data_type codes as the library itself names them.
+template <class I> using matrix_of = sparse::handle_t<I>;
+template <class I> using record_of = sparse::csr_t<I>;
 
 // Value types as the tests see them (std::complex is layout-compatible with the C structs).
-template <class T> constexpr int32_t data_type_of()
-{
-    if constexpr (std::is_same_v<T, double>)
-        return ZEL_SPARSE_DATA_D;
-    else if constexpr (std::is_same_v<T, float>)
-        return ZEL_SPARSE_DATA_S;
-    else if constexpr (std::is_same_v<T, std::complex<double>>)
-        return ZEL_SPARSE_DATA_Z;
-    else
-        return ZEL_SPARSE_DATA_C;
-}
+template <class T> constexpr int32_t data_type_of() { return sparse::data_type_code<T>(); }
 template <class T> constexpr bool is_complex_value = !std::is_floating_point_v<T>;
 
 // A matrix in compressed form whose arrays the test owns (the caller's arrays of a handle).
