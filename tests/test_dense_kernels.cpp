@@ -12,10 +12,10 @@
 #include <random>
 #include <string>
 #include <vector>
-#include <unistd.h>
 
 #include "alloc_fault.hpp"
 #include "dense_reference.hpp"
+#include "isa_variants.hpp"
 #include "zel/dense_kernels.h"
 #include "zel/serv.h"
 #include "zel_internal/value_traits.hpp"
@@ -550,16 +550,7 @@ TEST(DenseKernelsErrors, ReportedThroughTheLayersHandler)
 
 // Every instruction-set variant of the small paths passes the same tests: the suite above runs
 // again in child processes restricted to the AVX2 and the baseline kernels.
-TEST(DenseKernelsIsa, EveryVariantPassesTheSameTests)
-{
-    char self[4096] = {};
-    ASSERT_GT(readlink("/proc/self/exe", self, sizeof self - 1), 0);
-    for (const char *isa : {"avx2", "baseline"}) {
-        const std::string command = std::string("ZEL_DENSE_ISA=") + isa + " '" + self +
-                                    "' --gtest_filter='DenseKernels/*' > /dev/null 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << "variant " << isa;
-    }
-}
+TEST(DenseKernelsIsa, EveryVariantPassesTheSameTests) { zel::test::expect_every_isa_variant_passes("ZEL_DENSE_ISA", "DenseKernels/*"); }
 
 // An application that links the 32-bit-integer system LAPACK and BLAS next to the core gets
 // correct answers from both: the core's private ILP64 routines never meet the application's.

@@ -1,12 +1,10 @@
 // Products of a sparse matrix with its own transpose, dense and sparse results, against an
 // independent dense computation of op(A)·op(A)ᴴ.
-#include <unistd.h>
-
-#include <cstdlib>
 #include <map>
 #include <string>
 #include <tuple>
 
+#include "isa_variants.hpp"
 #include "mm_reader.hpp"
 #include "test_sparse_syrk.hpp"
 #include "zel/runtime.h"
@@ -554,16 +552,7 @@ template <class M> void check_real_matrix(const char *name)
 
 // The sparse-result rows are ranked by vector compares where the processor has them and merged
 // where it does not: the suite runs again in child processes held to AVX2 and to the baseline.
-TEST(SparseSyrkIsa, EveryVariantPassesTheSameTests)
-{
-    char self[4096] = {};
-    ASSERT_GT(readlink("/proc/self/exe", self, sizeof self - 1), 0);
-    for (const char *isa : {"avx2", "baseline"}) {
-        const std::string command = std::string("ZEL_SPARSE_ISA=") + isa + " '" + self +
-                                    "' --gtest_filter='SparseSyrk/*' > /dev/null 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << "variant " << isa;
-    }
-}
+TEST(SparseSyrkIsa, EveryVariantPassesTheSameTests) { zel::test::expect_every_isa_variant_passes("ZEL_SPARSE_ISA", "SparseSyrk/*"); }
 
 TEST(SparseSyrkMatrices, LpE226) { check_real_matrix<member<double, int32_t>>("lp_e226.mtx"); }
 TEST(SparseSyrkMatrices, LpShare1b) { check_real_matrix<member<double, int64_t>>("lp_share1b.mtx"); }
