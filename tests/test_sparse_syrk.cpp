@@ -1,5 +1,6 @@
 // Products of a sparse matrix with its own transpose, dense and sparse results, against an
 // independent dense computation of op(A)·op(A)ᴴ.
+#include <array>
 #include <map>
 #include <string>
 #include <tuple>
@@ -231,9 +232,80 @@ TYPED_TEST(SparseSyrk, SparseResultMatchesReference)
             }
 }
 
+namespace {
+
+// C = A·Aᴴ through the public product against sums of A(i,k)·conj(A(j,k)) over every pair of
+// entries sharing a column; works at sizes where a dense reference would not fit.
+template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I> a)
+{
+    using I = typename M::I;
+    using T = typename M::T;
+    const I base = a.base;
+    std::vector<std::vector<std::pair<int64_t, cd>>> by_column(a.cols);
+    for (int64_t i = 0; i < a.rows; ++i)
+        for (I p = a.rows_start[i] - base; p < a.rows_start[i + 1] - base; ++p)
+            by_column[a.col_indx[p] - base].push_back({i, widen(a.values[p])});
+    struct sum {
+        cd value;
+        double magnitude; // Σ|u·w|, which bounds the rounding
+    };
+    std::map<std::pair<int64_t, int64_t>, sum> expected;
+    for (const auto &column : by_column)
+        for (const auto &[i, u] : column)
+            for (const auto &[j, w] : column)
+                if (j >= i) {
+                    sum &e = expected[{i, j}];
+                    e.value += u * std::conj(w);
+                    e.magnitude += std::abs(u) * std::abs(w);
+                }
+    handle_holder<M> h(a);
+    typename M::A::handle *c = nullptr;
+    ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
+    const auto &r = record_of<M>(c);
+    ASSERT_EQ(r.rows, a.rows);
+    ASSERT_EQ(r.nnz, static_cast<I>(expected.size()));
+    const T *values = static_cast<const T *>(r.values);
+    auto next = expected.begin();
+    for (int64_t i = 0; i < a.rows; ++i)
+        for (I p = r.rows_start[i] - base; p < r.rows_start[i + 1] - base; ++p, ++next) {
+            ASSERT_EQ(next->first, std::make_pair(i, int64_t(r.col_indx[p] - base)));
+            EXPECT_NEAR(std::abs(widen(values[p]) - next->second.value), 0.0,
+                        tolerance<typename M::R>(16.0 * next->second.magnitude))
+                << i << "," << next->first.second;
+        }
+    M::A::destroy(c);
+}
+
+// A row per point of an nx × ny × nz grid, one entry per stencil offset that stays on the grid;
+// values differ from entry to entry.
+template <class T, class I>
+matrix<T, I> stencil_matrix(int64_t nx, int64_t ny, int64_t nz, const std::vector<std::array<int64_t, 3>> &offsets,
+                            I base)
+{
+    matrix<T, I> a;
+    a.rows = a.cols = static_cast<I>(nx * ny * nz);
+    a.base = base;
+    a.rows_start.assign(1, base);
+    for (int64_t z = 0; z < nz; ++z)
+        for (int64_t y = 0; y < ny; ++y)
+            for (int64_t x = 0; x < nx; ++x) {
+                const int64_t i = (z * ny + y) * nx + x;
+                for (const auto &[dx, dy, dz] : offsets) {
+                    if (x + dx < 0 || x + dx >= nx || y + dy < 0 || y + dy >= ny || z + dz < 0 || z + dz >= nz)
+                        continue;
+                    const int64_t j = ((z + dz) * ny + y + dy) * nx + x + dx;
+                    a.col_indx.push_back(static_cast<I>(j + base));
+                    a.values.push_back(make_value<T>(1.0 + double((i * 7 + j * 3) % 11) / 8.0, double(i % 5) / 4.0 - 0.5));
+                }
+                a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
+            }
+    return a;
+}
+
+} // namespace
+
 // Eleven rows spread over 70000, most in four of six columns: the first rows' products reach
 // further than the symbolic pass counts by stamping, so their columns are counted by merging too.
-// The oracle sums A(i,k)·conj(A(j,k)) over every pair of entries sharing a column.
 TYPED_TEST(SparseSyrk, ScatteredRowsMatchPairwiseSums)
 {
     using M = TypeParam;
@@ -247,45 +319,59 @@ TYPED_TEST(SparseSyrk, ScatteredRowsMatchPairwiseSums)
         a.cols = 6;
         a.base = base;
         a.rows_start.assign(1, base);
-        std::vector<std::vector<std::pair<int64_t, cd>>> by_column(a.cols);
         for (int64_t i = 0; i < a.rows; ++i) {
             if (i % spread == 0 && i / spread < used)
                 for (int64_t k = 0; k < a.cols; ++k) {
                     const int64_t t = i / spread;
                     if ((t + k) % 3 == 0 || (t == used - 1 && k != 1)) // column 1 reaches furthest
                         continue;
-                    const T v = make_value<T>(1.0 + 0.25 * t - 0.5 * k, 0.125 * (k - t));
                     a.col_indx.push_back(static_cast<I>(k + base));
-                    a.values.push_back(v);
-                    by_column[k].push_back({i, widen(v)});
+                    a.values.push_back(make_value<T>(1.0 + 0.25 * t - 0.5 * k, 0.125 * (k - t)));
                 }
             a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
         }
-        std::map<std::pair<int64_t, int64_t>, cd> expected;
-        std::map<std::pair<int64_t, int64_t>, double> magnitude; // Σ|u·w|, which bounds the rounding
-        for (const auto &column : by_column)
-            for (const auto &[i, u] : column)
-                for (const auto &[j, w] : column)
-                    if (j >= i) {
-                        expected[{i, j}] += u * std::conj(w);
-                        magnitude[{i, j}] += std::abs(u) * std::abs(w);
-                    }
-        handle_holder<M> h(a);
-        typename M::A::handle *c = nullptr;
-        ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
-        const auto &r = record_of<M>(c);
-        ASSERT_EQ(r.rows, a.rows);
-        ASSERT_EQ(r.nnz, static_cast<I>(expected.size()));
-        const T *values = static_cast<const T *>(r.values);
-        auto next = expected.begin();
-        for (int64_t i = 0; i < a.rows; ++i)
-            for (I p = r.rows_start[i] - base; p < r.rows_start[i + 1] - base; ++p, ++next) {
-                ASSERT_EQ(next->first, std::make_pair(i, int64_t(r.col_indx[p] - base)));
-                EXPECT_NEAR(std::abs(widen(values[p]) - next->second), 0.0,
-                            tolerance<typename M::R>(16.0 * magnitude[next->first]));
-            }
-        M::A::destroy(c);
+        expect_pairwise_sums<M>(a);
     }
+}
+
+// Stencil rows repeat their shape from row to row, and the kernels reuse a row's shape for the
+// next; grid edges break the repetition. The wide grid puts the layers 2^15 apart (scattered rows),
+// and in the last stencil the second offset alternates between rows of equal lengths.
+TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    const std::vector<std::array<int64_t, 3>> seven{{0, 0, -1}, {0, -1, 0}, {-1, 0, 0}, {0, 0, 0},
+                                                    {1, 0, 0},  {0, 1, 0},  {0, 0, 1}};
+    const std::vector<std::array<int64_t, 3>> twenty_seven = [] {
+        std::vector<std::array<int64_t, 3>> o;
+        for (int64_t dz = -1; dz <= 1; ++dz)
+            for (int64_t dy = -1; dy <= 1; ++dy)
+                for (int64_t dx = -1; dx <= 1; ++dx)
+                    o.push_back({dx, dy, dz});
+        return o;
+    }();
+    for (I base : {I(0), I(1)}) {
+        SCOPED_TRACE(::testing::Message() << "base " << base);
+        expect_pairwise_sums<M>(stencil_matrix<T, I>(9, 7, 6, seven, base));
+        expect_pairwise_sums<M>(stencil_matrix<T, I>(6, 5, 5, twenty_seven, base));
+    }
+    expect_pairwise_sums<M>(stencil_matrix<T, I>(1, 33000, 2, {{0, 0, -1}, {0, 0, 0}, {0, 1, 0}, {0, 0, 1}}, I(1)));
+    // Row i has columns i and i + 2 + i % 2: equal lengths, shapes that differ from row to row.
+    matrix<T, I> a;
+    a.rows = a.cols = 500;
+    a.base = 0;
+    a.rows_start.assign(1, 0);
+    for (int64_t i = 0; i < a.rows; ++i) {
+        for (int64_t j : {i, i + 2 + i % 2})
+            if (j < a.cols) {
+                a.col_indx.push_back(static_cast<I>(j));
+                a.values.push_back(make_value<T>(1.0 + double(i % 7), double(j % 3)));
+            }
+        a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
+    }
+    expect_pairwise_sums<M>(a);
 }
 
 TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)

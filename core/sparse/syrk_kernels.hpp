@@ -285,6 +285,7 @@ constexpr int few_lists = 16;
 // without touching anything indexed by column, which for scattered columns is a cache miss each.
 template <class T, class I> struct row_tails {
     I pos[few_lists], end[few_lists], head[few_lists];
+    I first[few_lists]; // the product at position q of tail t is product first[t] + q of the row
     T factor[few_lists];
     int count = 0;
 
@@ -293,6 +294,7 @@ template <class T, class I> struct row_tails {
                 const I *r_rows_start, const I *r_rows_end, I *start_offset, uint64_t &work)
     {
         count = 0;
+        I products = 0;
         for (I p = l_begin; p < l_end; ++p) {
             const I k = l_col[p] - l_base;
             I e;
@@ -302,6 +304,8 @@ template <class T, class I> struct row_tails {
             work += static_cast<uint64_t>(e - q);
             pos[count] = q;
             end[count] = e;
+            first[count] = products - q;
+            products += e - q;
             head[count] = r_col[q] - r_base;
             if constexpr (Values)
                 factor[count] = l_values[p];
@@ -339,6 +343,7 @@ template <class T, class I> struct row_tails {
             pos[t] = pos[count];
             end[t] = end[count];
             head[t] = head[count];
+            first[t] = first[count];
             factor[t] = factor[count];
         }
         return next;
@@ -383,15 +388,19 @@ template <class T, class I> bool scattered(const row_tails<T, I> &tails, I i, I 
 }
 
 // Row i of the product from its merged tails: sorted columns (with out_base) and values, at most
-// cap of them. Returns the number written.
+// cap of them. Returns the number written; place, when given, receives each product's place in the row.
 template <class T, class I>
 I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col, I out_base, I *cols, T *vals,
-             I cap)
+             I cap, uint8_t *place)
 {
     I n = 0;
     for (I j = tails.smallest(); tails.count > 1 && n < cap; ++n) {
         T sum{};
-        const I next = tails.pop(j, r_base, r_col, [&](int t, I q) { mul_add(sum, tails.factor[t], r_values[q]); });
+        const I next = tails.pop(j, r_base, r_col, [&](int t, I q) {
+            mul_add(sum, tails.factor[t], r_values[q]);
+            if (place != nullptr)
+                place[tails.first[t] + q] = static_cast<uint8_t>(n);
+        });
         cols[n] = j + out_base;
         vals[n] = sum;
         j = next;
@@ -403,10 +412,109 @@ I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col
         for (I t = 0; t < last; ++t) {
             cols[n + t] = r_col[q0 + t] - r_base + out_base;
             vals[n + t] = mul(a, r_values[q0 + t]);
+            if (place != nullptr)
+                place[tails.first[0] + q0 + t] = static_cast<uint8_t>(n + t);
         }
         n += last;
+        tails.pos[0] += last;
+        if (tails.pos[0] == tails.end[0])
+            tails.count = 0;
     }
     return n;
+}
+
+// The shape of the last short row formed in full, relative to its row index i: its tails' lengths
+// and their columns less i; for the numeric pass also each product's place in the row and the row's
+// columns less i. Stencil matrices repeat it from row to row, and a row of the same shape takes its
+// count, or the places of its products, from here instead of merging or stamping again.
+template <class I> struct row_pattern {
+    static constexpr int capacity = int(sort_capacity);
+    int tails = -1; // -1: nothing recorded
+    I distinct = 0;
+    I length[few_lists];
+    I key[capacity];
+    I column[capacity];
+    uint8_t place[capacity];
+    // Rows recorded since the last match. Recording costs a pass over the tails, so where rows do
+    // not repeat (scattered patterns) only every retry-th row is recorded after a while.
+    int misses = 0;
+    static constexpr int give_up = 16, retry = 64;
+
+    template <class T> bool matches(const row_tails<T, I> &row, I i, I r_base, const I *r_col)
+    {
+        if (row.count != tails)
+            return false;
+        for (int t = 0; t < row.count; ++t)
+            if (row.end[t] - row.pos[t] != length[t])
+                return false;
+        const I shift = i + r_base;
+        I differ = 0;
+        const I *k = key;
+        for (int t = 0; t < row.count; ++t)
+            for (I q = row.pos[t]; q < row.end[t]; ++q)
+                differ |= (r_col[q] - shift) ^ *k++;
+        if (differ != 0)
+            return false;
+        misses = 0;
+        return true;
+    }
+
+    // Takes the tails' shape; false, with nothing recorded, when they hold more than capacity products
+    // or the row is not one to record.
+    template <class T> bool record(const row_tails<T, I> &row, I i, I r_base, const I *r_col)
+    {
+        tails = -1;
+        if (misses == give_up && i % retry != 0)
+            return false;
+        misses = std::min(misses + 1, give_up);
+        const I shift = i + r_base;
+        I *k = key;
+        for (int t = 0; t < row.count; ++t) {
+            length[t] = row.end[t] - row.pos[t];
+            if (length[t] > capacity - (k - key))
+                return false;
+            for (I q = row.pos[t]; q < row.end[t]; ++q)
+                *k++ = r_col[q] - shift;
+        }
+        tails = row.count;
+        return true;
+    }
+
+    // The numeric pass's part, from the row just written: cols (with out_base) holds n columns, and
+    // complete says whether every product found its place.
+    void record_columns(const I *cols, I n, I i, I out_base, bool complete)
+    {
+        if (tails < 0)
+            return;
+        if (!complete) {
+            tails = -1;
+            return;
+        }
+        distinct = n;
+        for (I s = 0; s < n; ++s)
+            column[s] = cols[s] - out_base - i;
+    }
+};
+
+// Row i of the product by a recorded pattern that its tails match. The sums build up in a local
+// row: the products of one tail go to distinct places, so no add waits on the one before it.
+template <class T, class I>
+void patterned_row(const row_pattern<I> &pattern, const row_tails<T, I> &tails, I i, const T *r_values, I out_base,
+                   I *cols, T *vals)
+{
+    T sum[row_pattern<I>::capacity];
+    std::fill(sum, sum + pattern.distinct, T(0));
+    const uint8_t *place = pattern.place;
+    for (int t = 0; t < tails.count; ++t) {
+        const T a = tails.factor[t];
+        for (I q = tails.pos[t]; q < tails.end[t]; ++q)
+            mul_add(sum[*place++], a, r_values[q]);
+    }
+    const I shift = i + out_base;
+    for (I s = 0; s < pattern.distinct; ++s) {
+        cols[s] = pattern.column[s] + shift;
+        vals[s] = sum[s];
+    }
 }
 
 // The tails' columns as keys relative to row i (padded for the sorter), with the products when
@@ -433,17 +541,19 @@ bool tail_keys(const row_tails<T, I> &tails, I i, I r_base, const I *r_col, int3
 }
 
 // Row i from its tails by the vector sorter: every product lands at the rank of its column among
-// the row's distinct columns (at most cap of them are written). False when the tails do not fit.
-// Kept out of line so that the merge loop around it keeps its registers.
+// the row's distinct columns (at most cap of them are written), which place, when given, receives.
+// Returns the number of distinct columns, -1 when the tails do not fit. Kept out of line so that
+// the merge loop around it keeps its registers.
 template <class T, class I>
-[[gnu::noinline]] bool sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, I i, I r_base,
-                                  const T *r_values, const I *r_col, I out_base, I *cols, T *vals, I cap)
+[[gnu::noinline]] I sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, I i, I r_base,
+                               const T *r_values, const I *r_col, I out_base, I *cols, T *vals, I cap,
+                               uint8_t *place)
 {
     alignas(64) int32_t keys[sort_capacity];
     alignas(64) T products[sort_capacity];
     uint32_t rank[sort_capacity], n;
     if (!tail_keys<true>(tails, i, r_base, r_col, keys, n, r_values, products))
-        return false;
+        return -1;
     const uint32_t distinct = sorter.ranks(keys, n, rank);
     std::fill(vals, vals + std::min<int64_t>(distinct, std::max<I>(cap, 0)), T(0));
     for (uint32_t e = 0; e < n; ++e)
@@ -451,7 +561,10 @@ template <class T, class I>
             cols[rank[e]] = I(keys[e]) + i + out_base;
             vals[rank[e]] += products[e];
         }
-    return true;
+    if (place != nullptr)
+        for (uint32_t e = 0; e < n; ++e)
+            place[e] = static_cast<uint8_t>(rank[e]);
+    return static_cast<I>(distinct);
 }
 
 // Symbolic pass: counts of distinct columns j >= i per row; short rows by stamping the marker
@@ -462,24 +575,37 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
                  I *counts, uint64_t *row_work)
 {
     row_tails<char, I> tails;
+    row_pattern<I> pattern;
+    bool fetch_ahead = true; // while the rows are scattered
     const row_sorter *sorter = row_sorter_active;
     for (I i = row_first; i < row_end; ++i) {
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
-            prefetch_ahead<false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr, r_col,
-                                        r_rows_start, start_offset);
+            if (fetch_ahead)
+                prefetch_ahead<false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr,
+                                            r_col, r_rows_start, start_offset);
             uint64_t work = 0;
             tails.template gather<false>(i, l_base, nullptr, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                          r_rows_end, start_offset, work);
+            row_work[i + 1] = work;
+            if (pattern.matches(tails, i, r_base, r_col)) {
+                counts[i + 1] = pattern.distinct;
+                continue;
+            }
+            const bool recorded = pattern.record(tails, i, r_base, r_col);
             alignas(64) int32_t keys[sort_capacity];
             uint32_t n;
-            if (!scattered(tails, i, r_base, r_col))
-                counts[i + 1] = stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
+            I count;
+            fetch_ahead = scattered(tails, i, r_base, r_col);
+            if (!fetch_ahead)
+                count = stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
             else if (sorter != nullptr && tail_keys<false>(tails, i, r_base, r_col, keys, n))
-                counts[i + 1] = static_cast<I>(sorter->count(keys, n));
+                count = static_cast<I>(sorter->count(keys, n));
             else
-                counts[i + 1] = merged_count(tails, r_base, r_col);
-            row_work[i + 1] = work;
+                count = merged_count(tails, r_base, r_col);
+            counts[i + 1] = count;
+            if (recorded)
+                pattern.distinct = count;
             continue;
         }
         const I stamp = symbolic_stamp(i);
@@ -608,20 +734,36 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
     I list[short_row + 8]; // spares: a slot is written before it is known to be needed; rank_sort pads
     I sorted[short_row];
     row_tails<T, I> tails;
+    row_pattern<I> pattern;
+    bool fetch_ahead = true; // while the rows are scattered
     const row_sorter *sorter = row_sorter_active;
     for (I i = row_first; i < row_end; ++i) {
         const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
-            prefetch_ahead<true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
-                                 r_rows_start, start_offset);
+            if (fetch_ahead)
+                prefetch_ahead<true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
+                                     r_rows_start, start_offset);
             uint64_t work = 0;
             tails.template gather<true>(i, l_base, l_values, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                         r_rows_end, start_offset, work);
-            if (sorter == nullptr || !scattered(tails, i, r_base, r_col) ||
-                !sorted_row(*sorter, tails, i, r_base, r_values, r_col, out_base, col_indx + first, values + first,
-                            count))
-                merged_row(tails, r_base, r_values, r_col, out_base, col_indx + first, values + first, count);
+            I *cols = col_indx + first;
+            T *vals = values + first;
+            if (pattern.matches(tails, i, r_base, r_col) && pattern.distinct <= count) {
+                patterned_row(pattern, tails, i, r_values, out_base, cols, vals);
+                continue;
+            }
+            uint8_t *place = pattern.record(tails, i, r_base, r_col) ? pattern.place : nullptr;
+            fetch_ahead = scattered(tails, i, r_base, r_col);
+            const I sorted = fetch_ahead && sorter != nullptr ? sorted_row(*sorter, tails, i, r_base, r_values, r_col,
+                                                                           out_base, cols, vals, count, place)
+                                                              : -1;
+            if (sorted >= 0) {
+                pattern.record_columns(cols, sorted, i, out_base, sorted <= count);
+            } else {
+                const I n = merged_row(tails, r_base, r_values, r_col, out_base, cols, vals, count, place);
+                pattern.record_columns(cols, n, i, out_base, tails.count == 0);
+            }
             continue;
         }
         if (!accumulator_tried) {
