@@ -76,14 +76,77 @@ template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, co
     return length;
 }
 
+// L's entries of rows [row, r1) one by one, in row order.
+template <class I> struct entry_walk {
+    I row, r1, p = 0, end = 0;
+    I base;
+    const I *rows_start, *rows_end;
+
+    entry_walk(I r0, I r1_, I base_, const I *rows_start_, const I *rows_end_, I skip)
+        : row(r0 - 1), r1(r1_), base(base_), rows_start(rows_start_), rows_end(rows_end_)
+    {
+        next_row();
+        for (I s = 0; s < skip && valid(); ++s)
+            next();
+    }
+    bool valid() const { return row < r1; }
+    void next()
+    {
+        if (++p >= end)
+            next_row();
+    }
+    void next_row()
+    {
+        while (++row < r1) {
+            p = rows_start[row] - base;
+            end = rows_end[row] - base;
+            if (p < end)
+                return;
+        }
+    }
+};
+
+// Whether the first rows of [r0, r1) reach over more than 2^15 columns on average: then the R rows
+// they reference lie far apart in memory.
+template <class I>
+bool scattered_columns(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end)
+{
+    int64_t span = 0, rows = 0;
+    for (I i = r0; i < r1 && rows < 64; ++i) {
+        const I begin = l_rows_start[i] - l_base, end = l_rows_end[i] - l_base;
+        if (begin >= end)
+            continue;
+        const auto [low, high] = std::minmax_element(l_col + begin, l_col + end);
+        span += int64_t(*high) - int64_t(*low);
+        ++rows;
+    }
+    return span > rows * (int64_t(1) << 15);
+}
+
 // Prepares rows [r0, r1) of L: start offsets of every R row they reference, once per chunk
-// (flag[k] == prepared means done).
+// (flag[k] == prepared means done). With scattered columns the flag, the row start and the first
+// entries of each R row are cache misses that the walk's branches wait on, so they are fetched
+// some entries ahead: the flag and row start first, the entries they lead to later.
 template <class I, class F>
 void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
                    const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
 {
+    constexpr I ahead = 16;
+    const bool fetch = scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
+    entry_walk<I> far(fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, 2 * ahead);
+    entry_walk<I> near(fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, ahead);
     for (I i = r0; i < r1; ++i)
         for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
+            if (far.valid()) {
+                const I k = l_col[far.p] - l_base;
+                __builtin_prefetch(flag + k);
+                __builtin_prefetch(r_rows_start + k);
+                far.next();
+            }
+            if (near.valid()) {
+                __builtin_prefetch(r_col + (r_rows_start[l_col[near.p] - l_base] - r_base));
+                near.next();
+            }
             const I k = l_col[p] - l_base;
             if (flag[k] == prepared)
                 continue;
