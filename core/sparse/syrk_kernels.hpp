@@ -567,8 +567,9 @@ template <class T, class I>
     return static_cast<I>(distinct);
 }
 
-// Symbolic pass: counts of distinct columns j >= i per row; short rows by stamping the marker
-// while their columns lie close, else by the vector sorter, else by merging.
+// Symbolic pass: counts of distinct columns j >= i per row; short rows from the shape of an
+// earlier row when they repeat it, else by stamping the marker while their columns lie close, else
+// by the vector sorter, else by merging.
 template <class I>
 void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
                  I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, I *marker,
@@ -596,8 +597,9 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
             alignas(64) int32_t keys[sort_capacity];
             uint32_t n;
             I count;
-            fetch_ahead = scattered(tails, i, r_base, r_col);
-            if (!fetch_ahead)
+            const bool spread = scattered(tails, i, r_base, r_col);
+            fetch_ahead = spread;
+            if (!spread)
                 count = stamped_count(tails, symbolic_stamp(i), r_base, r_col, marker);
             else if (sorter != nullptr && tail_keys<false>(tails, i, r_base, r_col, keys, n))
                 count = static_cast<I>(sorter->count(keys, n));
@@ -715,8 +717,9 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
         cols[t] += out_base;
 }
 
-// Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries merge
-// their tails (row_tails), or rank them with the vector sorter when they reach far: a merge over
+// Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries take the
+// places of their products from an earlier row of the same shape (row_pattern), or merge their
+// tails (row_tails), or rank them with the vector sorter when they reach far: a merge over
 // scattered columns mispredicts nearly every step, while close columns merge in regular patterns
 // that the branch predictor learns from row to row. Longer rows add their products into a dense accumulator x indexed by
 // column, taken at the first such row, while the row's new columns are listed without branches
@@ -754,10 +757,11 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
                 continue;
             }
             uint8_t *place = pattern.record(tails, i, r_base, r_col) ? pattern.place : nullptr;
-            fetch_ahead = scattered(tails, i, r_base, r_col);
-            const I sorted = fetch_ahead && sorter != nullptr ? sorted_row(*sorter, tails, i, r_base, r_values, r_col,
-                                                                           out_base, cols, vals, count, place)
-                                                              : -1;
+            const bool spread = scattered(tails, i, r_base, r_col);
+            fetch_ahead = spread;
+            const I sorted = spread && sorter != nullptr ? sorted_row(*sorter, tails, i, r_base, r_values, r_col,
+                                                                      out_base, cols, vals, count, place)
+                                                         : -1;
             if (sorted >= 0) {
                 pattern.record_columns(cols, sorted, i, out_base, sorted <= count);
             } else {
