@@ -123,29 +123,28 @@ bool scattered_columns(I r0, I r1, I l_base, const I *l_col, const I *l_rows_sta
     return span > rows * (int64_t(1) << 15);
 }
 
-// Prepares rows [r0, r1) of L: start offsets of every R row they reference, once per chunk
-// (flag[k] == prepared means done). With scattered columns the flag, the row start and the first
-// entries of each R row are cache misses that the walk's branches wait on, so they are fetched
-// some entries ahead: the flag and row start first, the entries they lead to later.
-template <class I, class F>
-void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
-                   const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
+// The loop of prepare_chunk; with Fetch, the flag, the row start and the first entries of each R
+// row are fetched some entries ahead: the flag and row start first, the entries they lead to later.
+template <bool Fetch, class I, class F>
+void prepare_rows(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
+                  const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
 {
     constexpr I ahead = 16;
-    const bool fetch = scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
-    entry_walk<I> far(fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, 2 * ahead);
-    entry_walk<I> near(fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, ahead);
+    entry_walk<I> far(Fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, 2 * ahead);
+    entry_walk<I> near(Fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, ahead);
     for (I i = r0; i < r1; ++i)
         for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
-            if (far.valid()) {
-                const I k = l_col[far.p] - l_base;
-                __builtin_prefetch(flag + k);
-                __builtin_prefetch(r_rows_start + k);
-                far.next();
-            }
-            if (near.valid()) {
-                __builtin_prefetch(r_col + (r_rows_start[l_col[near.p] - l_base] - r_base));
-                near.next();
+            if constexpr (Fetch) {
+                if (far.valid()) {
+                    const I k = l_col[far.p] - l_base;
+                    __builtin_prefetch(flag + k);
+                    __builtin_prefetch(r_rows_start + k);
+                    far.next();
+                }
+                if (near.valid()) {
+                    __builtin_prefetch(r_col + (r_rows_start[l_col[near.p] - l_base] - r_base));
+                    near.next();
+                }
             }
             const I k = l_col[p] - l_base;
             if (flag[k] == prepared)
@@ -153,6 +152,22 @@ void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, 
             start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
             flag[k] = prepared;
         }
+}
+
+// Prepares rows [r0, r1) of L: start offsets of every R row they reference, once per chunk
+// (flag[k] == prepared means done). With scattered columns the flags, row starts and first entries
+// are cache misses that the walk's branches wait on one at a time, so they are fetched ahead;
+// close columns find them in cache, and there the fetching would only add work.
+template <class I, class F>
+void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
+                   const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
+{
+    if (scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end))
+        prepare_rows<true>(r0, r1, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start, r_rows_end,
+                           start_offset, flag, prepared);
+    else
+        prepare_rows<false>(r0, r1, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start,
+                            r_rows_end, start_offset, flag, prepared);
 }
 
 // Dense C = alpha·A·Aᵀ + beta·C (upper triangle), A with its transposed copy At.
