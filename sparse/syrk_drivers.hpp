@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "zel/runtime.h"
 #include "zel/serv.h"
@@ -76,36 +77,6 @@ template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, co
     return length;
 }
 
-// L's entries of rows [row, r1) one by one, in row order.
-template <class I> struct entry_walk {
-    I row, r1, p = 0, end = 0;
-    I base;
-    const I *rows_start, *rows_end;
-
-    entry_walk(I r0, I r1_, I base_, const I *rows_start_, const I *rows_end_, I skip)
-        : row(r0 - 1), r1(r1_), base(base_), rows_start(rows_start_), rows_end(rows_end_)
-    {
-        next_row();
-        for (I s = 0; s < skip && valid(); ++s)
-            next();
-    }
-    bool valid() const { return row < r1; }
-    void next()
-    {
-        if (++p >= end)
-            next_row();
-    }
-    void next_row()
-    {
-        while (++row < r1) {
-            p = rows_start[row] - base;
-            end = rows_end[row] - base;
-            if (p < end)
-                return;
-        }
-    }
-};
-
 // Whether the first rows of [r0, r1) reach over more than 2^15 columns on average: then the R rows
 // they reference lie far apart in memory.
 template <class I>
@@ -123,51 +94,50 @@ bool scattered_columns(I r0, I r1, I l_base, const I *l_col, const I *l_rows_sta
     return span > rows * (int64_t(1) << 15);
 }
 
-// The loop of prepare_chunk; with Fetch, the flag, the row start and the first entries of each R
-// row are fetched some entries ahead: the flag and row start first, the entries they lead to later.
-template <bool Fetch, class I, class F>
-void prepare_rows(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
-                  const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
-{
-    constexpr I ahead = 16;
-    entry_walk<I> far(Fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, 2 * ahead);
-    entry_walk<I> near(Fetch ? r0 : r1, r1, l_base, l_rows_start, l_rows_end, ahead);
-    for (I i = r0; i < r1; ++i)
-        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
-            if constexpr (Fetch) {
-                if (far.valid()) {
-                    const I k = l_col[far.p] - l_base;
-                    __builtin_prefetch(flag + k);
-                    __builtin_prefetch(r_rows_start + k);
-                    far.next();
-                }
-                if (near.valid()) {
-                    __builtin_prefetch(r_col + (r_rows_start[l_col[near.p] - l_base] - r_base));
-                    near.next();
-                }
-            }
-            const I k = l_col[p] - l_base;
-            if (flag[k] == prepared)
-                continue;
-            start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
-            flag[k] = prepared;
-        }
-}
-
-// Prepares rows [r0, r1) of L: start offsets of every R row they reference, once per chunk
-// (flag[k] == prepared means done). With scattered columns the flags, row starts and first entries
-// are cache misses that the walk's branches wait on one at a time, so they are fetched ahead;
-// close columns find them in cache, and there the fetching would only add work.
+// Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
+// and flag[k] = prepared. Close columns are prepared as the entries come: their R rows lie close
+// together too. Scattered columns would make every R row and header a cache miss in entry order,
+// so a first sweep only flags each referenced row and marks its offset pending (-1), and the
+// offsets are then found in order of k, reading R in memory order, as long as the referenced rows
+// span at most a few times as many rows as the chunk has entries.
 template <class I, class F>
 void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
                    const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
 {
-    if (scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end))
-        prepare_rows<true>(r0, r1, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start, r_rows_end,
-                           start_offset, flag, prepared);
-    else
-        prepare_rows<false>(r0, r1, l_base, l_col, l_rows_start, l_rows_end, r_base, r_col, r_rows_start,
-                            r_rows_end, start_offset, flag, prepared);
+    constexpr I pending = -1;
+    const bool in_memory_order = scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
+    I low = std::numeric_limits<I>::max(), high = -1;
+    int64_t entries = 0;
+    for (I i = r0; i < r1; ++i) {
+        const I begin = l_rows_start[i] - l_base, end = l_rows_end[i] - l_base;
+        for (I p = begin; p < end; ++p) {
+            const I k = l_col[p] - l_base;
+            if (!in_memory_order) {
+                if (flag[k] != prepared)
+                    start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
+            } else {
+                start_offset[k] = pending;
+                low = std::min(low, k);
+                high = std::max(high, k);
+            }
+            flag[k] = prepared;
+        }
+        entries += std::max<I>(end - begin, 0);
+    }
+    if (!in_memory_order)
+        return;
+    auto prepare = [&](I k) {
+        if (start_offset[k] == pending)
+            start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
+    };
+    if (int64_t(high) - low < 4 * entries) {
+        for (I k = low; k <= high; ++k)
+            prepare(k);
+    } else {
+        for (I i = r0; i < r1; ++i)
+            for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p)
+                prepare(l_col[p] - l_base);
+    }
 }
 
 // Dense C = alpha·A·Aᵀ + beta·C (upper triangle), A with its transposed copy At.

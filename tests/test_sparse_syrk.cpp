@@ -1,5 +1,6 @@
 // Products of a sparse matrix with its own transpose, dense and sparse results, against an
 // independent dense computation of op(A)·op(A)ᴴ.
+#include <algorithm>
 #include <array>
 #include <map>
 #include <string>
@@ -234,30 +235,39 @@ TYPED_TEST(SparseSyrk, SparseResultMatchesReference)
 
 namespace {
 
-// C = A·Aᴴ through the public product against sums of A(i,k)·conj(A(j,k)) over every pair of
-// entries sharing a column; works at sizes where a dense reference would not fit.
-template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I> a)
+struct pairwise_sum {
+    cd value;
+    double magnitude; // Σ|u·w|, which bounds the rounding
+};
+
+// The upper triangle of A·Aᴴ as sums of A(i,k)·conj(A(j,k)) over every pair of entries sharing a
+// column; works at sizes where a dense reference would not fit.
+template <class T, class I> std::map<std::pair<int64_t, int64_t>, pairwise_sum> pairwise_sums(const matrix<T, I> &a)
 {
-    using I = typename M::I;
-    using T = typename M::T;
     const I base = a.base;
     std::vector<std::vector<std::pair<int64_t, cd>>> by_column(a.cols);
     for (int64_t i = 0; i < a.rows; ++i)
         for (I p = a.rows_start[i] - base; p < a.rows_start[i + 1] - base; ++p)
             by_column[a.col_indx[p] - base].push_back({i, widen(a.values[p])});
-    struct sum {
-        cd value;
-        double magnitude; // Σ|u·w|, which bounds the rounding
-    };
-    std::map<std::pair<int64_t, int64_t>, sum> expected;
+    std::map<std::pair<int64_t, int64_t>, pairwise_sum> sums;
     for (const auto &column : by_column)
         for (const auto &[i, u] : column)
             for (const auto &[j, w] : column)
                 if (j >= i) {
-                    sum &e = expected[{i, j}];
+                    pairwise_sum &e = sums[{i, j}];
                     e.value += u * std::conj(w);
                     e.magnitude += std::abs(u) * std::abs(w);
                 }
+    return sums;
+}
+
+// C = A·Aᴴ through the public sparse product against the pairwise sums.
+template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I> a)
+{
+    using I = typename M::I;
+    using T = typename M::T;
+    const I base = a.base;
+    const auto expected = pairwise_sums(a);
     handle_holder<M> h(a);
     typename M::A::handle *c = nullptr;
     ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
@@ -274,6 +284,34 @@ template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I
                 << i << "," << next->first.second;
         }
     M::A::destroy(c);
+}
+
+// The dense row-major C = A·Aᴴ against the pairwise sums: zero where no pair meets, the lower
+// triangle untouched.
+template <class M> void expect_dense_pairwise_sums(matrix<typename M::T, typename M::I> a)
+{
+    using T = typename M::T;
+    using I = typename M::I;
+    const auto expected = pairwise_sums(a);
+    handle_holder<M> h(a);
+    const int64_t m = a.rows;
+    const T untouched = make_value<T>(-7.0, 3.0);
+    std::vector<T> c(m * m, untouched);
+    ASSERT_EQ(M::A::syrkd(10, h.h, to_c<typename M::C>(T(1)), to_c<typename M::C>(T(0)),
+                          reinterpret_cast<typename M::C *>(c.data()), 101, I(m)),
+              0);
+    for (int64_t i = 0; i < m; ++i)
+        for (int64_t j = 0; j < m; ++j) {
+            if (j < i) {
+                ASSERT_EQ(c[i * m + j], untouched) << i << "," << j;
+                continue;
+            }
+            const auto e = expected.find({i, j});
+            const cd value = e == expected.end() ? cd() : e->second.value;
+            const double magnitude = e == expected.end() ? 0.0 : e->second.magnitude;
+            ASSERT_NEAR(std::abs(widen(c[i * m + j]) - value), 0.0, tolerance<typename M::R>(16.0 * magnitude))
+                << i << "," << j;
+        }
 }
 
 // A row per point of an nx × ny × nz grid, one entry per stencil offset that stays on the grid;
@@ -372,6 +410,49 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
         a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
     }
     expect_pairwise_sums<M>(a);
+}
+
+// Rows reaching over tens of thousands of columns: the chunk preparation goes through the right-hand
+// rows they reference in memory order. Rows spread thinly over 2^20 columns, drawn from a few
+// shared ones, leave most of that range unreferenced and are prepared in entry order.
+TYPED_TEST(SparseSyrk, WideRowsMatchPairwiseSums)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    struct shape {
+        int64_t cols, per_row, pool; // pool: the distinct columns the entries are drawn from
+    };
+    for (const shape s : {shape{40000, 700, 40000}, shape{int64_t(1) << 20, 4, 24}}) {
+        std::mt19937 gen(5);
+        std::vector<int64_t> pool(s.pool);
+        for (int64_t t = 0; t < s.pool; ++t)
+            pool[t] = s.pool == s.cols ? t : std::uniform_int_distribution<int64_t>(0, s.cols - 1)(gen);
+        for (const I base : {I(0), I(1)}) {
+            matrix<T, I> a;
+            a.rows = 64;
+            a.cols = static_cast<I>(s.cols);
+            a.base = base;
+            a.rows_start.assign(1, base);
+            for (int64_t i = 0; i < a.rows; ++i) {
+                std::vector<int64_t> row;
+                while (int64_t(row.size()) < s.per_row) {
+                    const int64_t k = pool[std::uniform_int_distribution<int64_t>(0, s.pool - 1)(gen)];
+                    if (std::find(row.begin(), row.end(), k) == row.end())
+                        row.push_back(k);
+                }
+                std::sort(row.begin(), row.end());
+                for (const int64_t k : row) {
+                    a.col_indx.push_back(static_cast<I>(k + base));
+                    a.values.push_back(make_value<T>(1.0 - double((i + k) % 9) / 4.0, double(k % 3) / 2.0));
+                }
+                a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
+            }
+            SCOPED_TRACE(::testing::Message() << "cols " << s.cols << " base " << base);
+            expect_pairwise_sums<M>(a);
+            expect_dense_pairwise_sums<M>(a);
+        }
+    }
 }
 
 TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
