@@ -254,26 +254,32 @@ template <class I> constexpr I symbolic_stamp(I i) { return -(2 * i + 3); }
 template <class I> constexpr I numeric_stamp(I i) { return -(2 * i + 4); }
 
 // Fetches ahead what the rows after i will read: the row headers and cursors of R rows that row
-// i + 2 references, and the tails (at their cursors, fetched for it one row earlier) for row i + 1.
-// With scattered columns every one of them is a cache miss that would otherwise stall the merge.
-constexpr int prefetch_distance = 1;
-template <bool Values, class T, class I>
-inline void prefetch_ahead(I i, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
-                           I r_base, const T *r_values, const I *r_col, const I *r_rows_start, const I *start_offset)
+// i + 2·Ahead references, and the tails (at their cursors, fetched for it Ahead rows earlier) for
+// row i + Ahead, first and last line. With scattered columns every one of them is a cache miss
+// that would otherwise stall the row. The symbolic pass's rows take less time, so it looks further
+// ahead. Always inlined: out of line, the compiler finds the function free of effects and drops
+// the call, fetches and all.
+template <int Ahead, bool Values, class T, class I>
+[[gnu::always_inline]] inline void prefetch_ahead(I i, I row_end, I l_base, const I *l_col, const I *l_rows_start,
+                                                  const I *l_rows_end, I r_base, const T *r_values, const I *r_col,
+                                                  const I *r_rows_start, const I *r_rows_end, const I *start_offset)
 {
-    if (i + 2 * prefetch_distance < row_end)
-        for (I p = l_rows_start[i + 2 * prefetch_distance] - l_base; p < l_rows_end[i + 2 * prefetch_distance] - l_base; ++p) {
+    if (i + 2 * Ahead < row_end)
+        for (I p = l_rows_start[i + 2 * Ahead] - l_base; p < l_rows_end[i + 2 * Ahead] - l_base; ++p) {
             const I k = l_col[p] - l_base;
             __builtin_prefetch(r_rows_start + k);
             __builtin_prefetch(start_offset + k);
         }
-    if (i + prefetch_distance < row_end)
-        for (I p = l_rows_start[i + prefetch_distance] - l_base; p < l_rows_end[i + prefetch_distance] - l_base; ++p) {
+    if (i + Ahead < row_end)
+        for (I p = l_rows_start[i + Ahead] - l_base; p < l_rows_end[i + Ahead] - l_base; ++p) {
             const I k = l_col[p] - l_base;
-            const I q = r_rows_start[k] - r_base + start_offset[k];
+            const I q = r_rows_start[k] - r_base + start_offset[k], last = r_rows_end[k] - r_base - 1;
             __builtin_prefetch(r_col + q);
-            if constexpr (Values)
+            __builtin_prefetch(r_col + last);
+            if constexpr (Values) {
                 __builtin_prefetch(r_values + q);
+                __builtin_prefetch(r_values + last);
+            }
         }
 }
 
@@ -583,8 +589,8 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
             if (fetch_ahead)
-                prefetch_ahead<false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr,
-                                            r_col, r_rows_start, start_offset);
+                prefetch_ahead<3, false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr,
+                                               r_col, r_rows_start, r_rows_end, start_offset);
             uint64_t work = 0;
             tails.template gather<false>(i, l_base, nullptr, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                          r_rows_end, start_offset, work);
@@ -745,8 +751,8 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
             if (fetch_ahead)
-                prefetch_ahead<true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
-                                     r_rows_start, start_offset);
+                prefetch_ahead<1, true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
+                                        r_rows_start, r_rows_end, start_offset);
             uint64_t work = 0;
             tails.template gather<true>(i, l_base, l_values, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                         r_rows_end, start_offset, work);
