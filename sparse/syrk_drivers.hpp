@@ -77,55 +77,30 @@ template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, co
     return length;
 }
 
-// Whether the first rows of [r0, r1) reach over more than 2^15 columns on average: then the R rows
-// they reference lie far apart in memory.
-template <class I>
-bool scattered_columns(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end)
-{
-    int64_t span = 0, rows = 0;
-    for (I i = r0; i < r1 && rows < 64; ++i) {
-        const I begin = l_rows_start[i] - l_base, end = l_rows_end[i] - l_base;
-        if (begin >= end)
-            continue;
-        const auto [low, high] = std::minmax_element(l_col + begin, l_col + end);
-        span += int64_t(*high) - int64_t(*low);
-        ++rows;
-    }
-    return span > rows * (int64_t(1) << 15);
-}
-
 // Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
-// and flag[k] = prepared. Close columns are prepared as the entries come: their R rows lie close
-// together too. Scattered columns would make every R row and header a cache miss in entry order,
-// so a first sweep only flags each referenced row and marks its offset pending (-1), and the
-// offsets are then found in order of k, reading R in memory order, as long as the referenced rows
-// span at most a few times as many rows as the chunk has entries.
+// and flag[k] = prepared. A first sweep over the chunk's entries flags each referenced row and
+// marks its offset pending (-1); the offsets are then found in order of k, so that R's rows and
+// headers are read in memory order (for scattered columns each would be a cache miss in entry
+// order), as long as the referenced rows span at most a few times as many rows as the chunk has
+// entries. A chunk spread more thinly goes through its entries again.
 template <class I, class F>
 void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
                    const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
 {
     constexpr I pending = -1;
-    const bool in_memory_order = scattered_columns(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
     I low = std::numeric_limits<I>::max(), high = -1;
     int64_t entries = 0;
     for (I i = r0; i < r1; ++i) {
         const I begin = l_rows_start[i] - l_base, end = l_rows_end[i] - l_base;
         for (I p = begin; p < end; ++p) {
             const I k = l_col[p] - l_base;
-            if (!in_memory_order) {
-                if (flag[k] != prepared)
-                    start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
-            } else {
-                start_offset[k] = pending;
-                low = std::min(low, k);
-                high = std::max(high, k);
-            }
             flag[k] = prepared;
+            start_offset[k] = pending;
+            low = std::min(low, k);
+            high = std::max(high, k);
         }
         entries += std::max<I>(end - begin, 0);
     }
-    if (!in_memory_order)
-        return;
     auto prepare = [&](I k) {
         if (start_offset[k] == pending)
             start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
@@ -302,16 +277,14 @@ int syrk_stage_driver(int stage, int operation, I rows, I cols, operand<C, I> fi
     const operand<C, I> &Rop = left_first ? second : first;
     const I base = one_based ? 1 : 0;
 
-    // Four fixed chunks; per chunk the markers of the chunk's columns go back to -2, then the
-    // chunk is prepared (-1 = prepared) and `kernel` runs on it.
+    // Four fixed chunks; per chunk the markers of the chunk's columns are prepared (-1) and `kernel`
+    // runs on it. Preparing sweeps the chunk's columns anyway, so it sets the markers at once rather
+    // than first putting them back to -2.
     auto for_each_chunk = [&](auto kernel) {
         for (int64_t chunk = 0; chunk < 4; ++chunk) {
             const I r0 = chunk_bound(chunk, 4, result_rows), r1 = chunk_bound(chunk + 1, 4, result_rows);
             if (r0 == r1)
                 continue;
-            for (I i = r0; i < r1; ++i)
-                for (I p = L.rows_start[i] - L.base; p < L.rows_end[i] - L.base; ++p)
-                    marker[L.col_indx[p] - L.base] = -2;
             prepare_chunk<I, I>(r0, r1, L.base, L.col_indx, L.rows_start, L.rows_end, Rop.base, Rop.col_indx,
                                 Rop.rows_start, Rop.rows_end, start_offset.get(), marker.get(), -1);
             kernel(r0, r1);
