@@ -78,29 +78,57 @@ template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, co
 }
 
 // Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
-// and flag[k] = prepared. A first sweep over the chunk's entries flags each referenced row and
-// marks its offset pending (-1); the offsets are then found in order of k, so that R's rows and
-// headers are read in memory order (for scattered columns each would be a cache miss in entry
-// order), as long as the referenced rows span at most a few times as many rows as the chunk has
-// entries. A chunk spread more thinly goes through its entries again.
+// and flag[k] = prepared. A first sweep finds the range of referenced rows. Where the range holds
+// no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
+// it is prepared in memory order: flagging only the referenced ones would cost a store per entry,
+// and a row flagged but not referenced is never read. A thinner range has its referenced rows
+// flagged and their offsets marked pending (-1) first; they are then found in order of k while
+// the range spans at most four times as many rows as the chunk has entries, else entry by entry.
 template <class I, class F>
 void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
                    const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
 {
     constexpr I pending = -1;
-    I low = std::numeric_limits<I>::max(), high = -1;
+    I low = std::numeric_limits<I>::max(), high = std::numeric_limits<I>::min();
     int64_t entries = 0;
+    // Rows usually follow one another in col_indx; their entries are then swept as one span, in
+    // vectors, rather than reduced row by row.
+    I span = 0, span_end = 0;
+    auto sweep = [&] {
+        for (I p = span; p < span_end; ++p) {
+            low = std::min(low, l_col[p]);
+            high = std::max(high, l_col[p]);
+        }
+        entries += span_end - span;
+    };
     for (I i = r0; i < r1; ++i) {
         const I begin = l_rows_start[i] - l_base, end = l_rows_end[i] - l_base;
-        for (I p = begin; p < end; ++p) {
+        if (end <= begin)
+            continue;
+        if (begin != span_end) {
+            sweep();
+            span = begin;
+        }
+        span_end = end;
+    }
+    sweep();
+    if (entries == 0)
+        return;
+    low -= l_base;
+    high -= l_base;
+    if (int64_t(high) - low < entries) {
+        for (I k = low; k <= high; ++k) {
+            flag[k] = prepared;
+            start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);
+        }
+        return;
+    }
+    for (I i = r0; i < r1; ++i)
+        for (I p = l_rows_start[i] - l_base; p < l_rows_end[i] - l_base; ++p) {
             const I k = l_col[p] - l_base;
             flag[k] = prepared;
             start_offset[k] = pending;
-            low = std::min(low, k);
-            high = std::max(high, k);
         }
-        entries += std::max<I>(end - begin, 0);
-    }
     auto prepare = [&](I k) {
         if (start_offset[k] == pending)
             start_offset[k] = first_offset(k, r0, r_base, r_col, r_rows_start, r_rows_end);

@@ -292,6 +292,7 @@ constexpr int few_lists = 16;
 template <class T, class I> struct row_tails {
     I pos[few_lists], end[few_lists], head[few_lists];
     I first[few_lists]; // the product at position q of tail t is product first[t] + q of the row
+    int entry[few_lists]; // the tail's L entry, counted from the row's first (as gathered: merging drops it)
     T factor[few_lists];
     int count = 0;
 
@@ -313,6 +314,7 @@ template <class T, class I> struct row_tails {
             first[count] = products - q;
             products += e - q;
             head[count] = r_col[q] - r_base;
+            entry[count] = static_cast<int>(p - l_begin);
             if constexpr (Values)
                 factor[count] = l_values[p];
             ++count;
@@ -429,60 +431,101 @@ I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col
     return n;
 }
 
-// The shape of the last short row formed in full, relative to its row index i: its tails' lengths
-// and their columns less i; for the numeric pass also each product's place in the row and the row's
-// columns less i. Stencil matrices repeat it from row to row, and a row of the same shape takes its
-// count, or the places of its products, from here instead of merging or stamping again.
+// Whether R's row k holds the columns of row k - 1, each one further on. Answers are kept in a
+// direct-mapped table: a stencil's rows reference each R row from several rows apart, and the
+// pair is compared once. Taken at the first row that asks; without memory every answer is no.
+template <class I> class shift_table {
+public:
+    bool shifted(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    {
+        if (!tried_) {
+            tried_ = true;
+            table_ = scratch_array<int64_t>(slots, 4096);
+            if (table_)
+                std::fill(table_.get(), table_.get() + slots, int64_t(-1));
+        }
+        if (!table_ || k == 0)
+            return false;
+        int64_t &slot = table_[static_cast<size_t>(k) & (slots - 1)];
+        if (slot >> 1 == int64_t(k))
+            return slot & 1;
+        const I before = r_rows_start[k - 1] - r_base, begin = r_rows_start[k] - r_base;
+        const I length = r_rows_end[k] - r_base - begin;
+        I differ = length ^ (r_rows_end[k - 1] - r_base - before);
+        for (I t = 0; t < length && differ == 0; ++t)
+            differ = (r_col[begin + t] - r_col[before + t]) ^ 1;
+        slot = 2 * int64_t(k) + (differ == 0);
+        return differ == 0;
+    }
+
+private:
+    static constexpr size_t slots = size_t(1) << 16;
+    scratch_array<int64_t> table_;
+    bool tried_ = false;
+};
+
+// The shape of the last short row, relative to its index: its L columns less the row index, where
+// each non-empty tail starts in its R row and how long it is, its count and work; for the numeric
+// pass also each product's place in the row and the row's columns less the row index. The next
+// row repeats the shape when its L columns are these shifted by one and so is every R row they
+// reference: each tail then starts one column further, at the same place in its row. Stencil
+// matrices do so on every row away from the grid edges. The test reads no tail.
 template <class I> struct row_pattern {
     static constexpr int capacity = int(sort_capacity);
-    int tails = -1; // -1: nothing recorded
+    I row = -1; // the row recorded or last matched; -1: none
+    int entries = 0;
+    I l_key[few_lists];
+    int tails = 0;
+    int tail_entry[few_lists];
+    I tail_offset[few_lists], tail_length[few_lists];
     I distinct = 0;
-    I length[few_lists];
-    I key[capacity];
+    uint64_t work = 0;
     I column[capacity];
     uint8_t place[capacity];
-    // Rows recorded since the last match. Recording costs a pass over the tails, so where rows do
-    // not repeat (scattered patterns) only every retry-th row is recorded after a while.
-    int misses = 0;
-    static constexpr int give_up = 16, retry = 64;
+    shift_table<I> shifts;
 
-    template <class T> bool matches(const row_tails<T, I> &row, I i, I r_base, const I *r_col)
+    bool matches(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
+                 const I *r_rows_start, const I *r_rows_end)
     {
-        if (row.count != tails)
+        if (row < 0 || row != i - 1 || l_end - l_begin != entries)
             return false;
-        for (int t = 0; t < row.count; ++t)
-            if (row.end[t] - row.pos[t] != length[t])
-                return false;
-        const I shift = i + r_base;
+        const I shift = i + l_base;
         I differ = 0;
-        const I *k = key;
-        for (int t = 0; t < row.count; ++t)
-            for (I q = row.pos[t]; q < row.end[t]; ++q)
-                differ |= (r_col[q] - shift) ^ *k++;
+        for (int t = 0; t < entries; ++t)
+            differ |= (l_col[l_begin + t] - shift) ^ l_key[t];
         if (differ != 0)
             return false;
-        misses = 0;
+        for (int t = 0; t < entries; ++t)
+            if (!shifts.shifted(l_col[l_begin + t] - l_base, r_base, r_col, r_rows_start, r_rows_end))
+                return false;
+        row = i;
         return true;
     }
 
-    // Takes the tails' shape; false, with nothing recorded, when they hold more than capacity products
-    // or the row is not one to record.
-    template <class T> bool record(const row_tails<T, I> &row, I i, I r_base, const I *r_col)
+    // Takes row i's shape from its gathered tails; false, with nothing recorded, when they hold more
+    // products than the numeric pass can place.
+    template <class T>
+    bool record(const row_tails<T, I> &row_tails, I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base,
+                const I *r_rows_start, uint64_t row_work)
     {
-        tails = -1;
-        if (misses == give_up && i % retry != 0)
-            return false;
-        misses = std::min(misses + 1, give_up);
-        const I shift = i + r_base;
-        I *k = key;
-        for (int t = 0; t < row.count; ++t) {
-            length[t] = row.end[t] - row.pos[t];
-            if (length[t] > capacity - (k - key))
-                return false;
-            for (I q = row.pos[t]; q < row.end[t]; ++q)
-                *k++ = r_col[q] - shift;
+        row = -1;
+        I products = 0;
+        for (int t = 0; t < row_tails.count; ++t) {
+            const I k = l_col[l_begin + row_tails.entry[t]] - l_base;
+            tail_entry[t] = row_tails.entry[t];
+            tail_offset[t] = row_tails.pos[t] - (r_rows_start[k] - r_base);
+            tail_length[t] = row_tails.end[t] - row_tails.pos[t];
+            products += tail_length[t];
         }
-        tails = row.count;
+        if (products > capacity)
+            return false;
+        entries = static_cast<int>(l_end - l_begin);
+        for (int t = 0; t < entries; ++t)
+            l_key[t] = l_col[l_begin + t] - l_base - i;
+        tails = row_tails.count;
+        work = row_work;
+        row = i;
+        grouped = false;
         return true;
     }
 
@@ -490,38 +533,67 @@ template <class I> struct row_pattern {
     // complete says whether every product found its place.
     void record_columns(const I *cols, I n, I i, I out_base, bool complete)
     {
-        if (tails < 0)
+        if (row != i)
             return;
         if (!complete) {
-            tails = -1;
+            row = -1;
             return;
         }
         distinct = n;
         for (I s = 0; s < n; ++s)
             column[s] = cols[s] - out_base - i;
     }
-};
 
-// Row i of the product by a recorded pattern that its tails match. The sums build up in a local
-// row: the products of one tail go to distinct places, so no add waits on the one before it.
-template <class T, class I>
-void patterned_row(const row_pattern<I> &pattern, const row_tails<T, I> &tails, I i, const T *r_values, I out_base,
-                   I *cols, T *vals)
-{
-    T sum[row_pattern<I>::capacity];
-    std::fill(sum, sum + pattern.distinct, T(0));
-    const uint8_t *place = pattern.place;
-    for (int t = 0; t < tails.count; ++t) {
-        const T a = tails.factor[t];
-        for (I q = tails.pos[t]; q < tails.end[t]; ++q)
-            mul_add(sum[*place++], a, r_values[q]);
+    // Row i of the product, whose shape matched. The products go to a local array, and each place
+    // then sums its own in tail order: adding them into their places in turn would chain every add
+    // to the one before it through memory.
+    template <class T>
+    void form_row(I l_base, const T *l_values, const I *l_col, I l_begin, I r_base, const T *r_values,
+                  const I *r_rows_start, I i, I out_base, I *cols, T *vals)
+    {
+        if (!grouped)
+            group_by_place();
+        T product[capacity];
+        T *next = product;
+        for (int t = 0; t < tails; ++t) {
+            const I p = l_begin + tail_entry[t];
+            const T a = l_values[p];
+            const T *v = r_values + (r_rows_start[l_col[p] - l_base] - r_base + tail_offset[t]);
+            for (I q = 0; q < tail_length[t]; ++q)
+                *next++ = mul(a, v[q]);
+        }
+        const I shift = i + out_base;
+        for (I s = 0; s < distinct; ++s) {
+            T sum{};
+            for (int u = bound[s]; u < bound[s + 1]; ++u)
+                sum += product[by_place[u]];
+            cols[s] = column[s] + shift;
+            vals[s] = sum;
+        }
     }
-    const I shift = i + out_base;
-    for (I s = 0; s < pattern.distinct; ++s) {
-        cols[s] = pattern.column[s] + shift;
-        vals[s] = sum[s];
+
+private:
+    // The products' indices ordered by place (ascending within a place), by counting.
+    void group_by_place()
+    {
+        I products = 0;
+        for (int t = 0; t < tails; ++t)
+            products += tail_length[t];
+        std::fill(bound, bound + distinct + 1, uint8_t(0));
+        for (I e = 0; e < products; ++e)
+            ++bound[place[e] + 1];
+        for (I s = 0; s < distinct; ++s)
+            bound[s + 1] += bound[s];
+        uint8_t fill[capacity];
+        std::copy(bound, bound + distinct, fill);
+        for (I e = 0; e < products; ++e)
+            by_place[fill[place[e]]++] = static_cast<uint8_t>(e);
+        grouped = true;
     }
-}
+
+    bool grouped = false;
+    uint8_t by_place[capacity], bound[capacity + 1];
+};
 
 // The tails' columns as keys relative to row i (padded for the sorter), with the products when
 // Values. False when they are more than sort_capacity or a key leaves the 32-bit range.
@@ -588,6 +660,11 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
     for (I i = row_first; i < row_end; ++i) {
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
+            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end)) {
+                counts[i + 1] = pattern.distinct;
+                row_work[i + 1] = pattern.work;
+                continue;
+            }
             if (fetch_ahead)
                 prefetch_ahead<3, false, char>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, nullptr,
                                                r_col, r_rows_start, r_rows_end, start_offset);
@@ -595,11 +672,7 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
             tails.template gather<false>(i, l_base, nullptr, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                          r_rows_end, start_offset, work);
             row_work[i + 1] = work;
-            if (pattern.matches(tails, i, r_base, r_col)) {
-                counts[i + 1] = pattern.distinct;
-                continue;
-            }
-            const bool recorded = pattern.record(tails, i, r_base, r_col);
+            pattern.record(tails, i, l_base, l_col, l_begin, l_end, r_base, r_rows_start, work);
             alignas(64) int32_t keys[sort_capacity];
             uint32_t n;
             I count;
@@ -612,8 +685,7 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
             else
                 count = merged_count(tails, r_base, r_col);
             counts[i + 1] = count;
-            if (recorded)
-                pattern.distinct = count;
+            pattern.distinct = count;
             continue;
         }
         const I stamp = symbolic_stamp(i);
@@ -750,19 +822,25 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
         const I first = rows_start[i] - out_base, count = rows_start[i + 1] - out_base - first;
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
+            I *cols = col_indx + first;
+            T *vals = values + first;
+            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end)) {
+                if (pattern.distinct <= count) {
+                    pattern.form_row(l_base, l_values, l_col, l_begin, r_base, r_values, r_rows_start, i, out_base,
+                                     cols, vals);
+                    continue;
+                }
+                pattern.row = -1;
+            }
             if (fetch_ahead)
                 prefetch_ahead<1, true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
                                         r_rows_start, r_rows_end, start_offset);
             uint64_t work = 0;
             tails.template gather<true>(i, l_base, l_values, l_col, l_begin, l_end, r_base, r_col, r_rows_start,
                                         r_rows_end, start_offset, work);
-            I *cols = col_indx + first;
-            T *vals = values + first;
-            if (pattern.matches(tails, i, r_base, r_col) && pattern.distinct <= count) {
-                patterned_row(pattern, tails, i, r_values, out_base, cols, vals);
-                continue;
-            }
-            uint8_t *place = pattern.record(tails, i, r_base, r_col) ? pattern.place : nullptr;
+            uint8_t *place = pattern.record(tails, i, l_base, l_col, l_begin, l_end, r_base, r_rows_start, work)
+                                 ? pattern.place
+                                 : nullptr;
             const bool spread = scattered(tails, i, r_base, r_col);
             fetch_ahead = spread;
             const I sorted = spread && sorter != nullptr ? sorted_row(*sorter, tails, i, r_base, r_values, r_col,
