@@ -29,9 +29,10 @@ template <class T> inline void mul_add(T &c, T a, T b)
 
 template <class T> inline T mul(T a, T b)
 {
-    T c{};
-    mul_add(c, a, b);
-    return c;
+    if constexpr (is_complex_v<T>)
+        return T(a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real());
+    else
+        return a * b;
 }
 
 template <class T> inline bool is_one(T v) { return v == T(1); }
