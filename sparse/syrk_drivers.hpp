@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "zel/runtime.h"
 #include "zel/serv.h"
 #include "zel/sparse_syrk.h"
 #include "zel/sparse_transpose.h"
+#include "zel_internal/isa.hpp"
 #include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
 
@@ -77,6 +79,34 @@ template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, co
     return length;
 }
 
+// Smallest and largest of a non-empty span of column indices.
+template <class I> std::pair<I, I> column_range_loop(const I *first, const I *last)
+{
+    I low = *first, high = *first;
+    for (const I *p = first; p < last; ++p) {
+        low = std::min(low, *p);
+        high = std::max(high, *p);
+    }
+    return {low, high};
+}
+
+// The same loop in AVX2 vectors, whose minimum and maximum instructions the baseline lacks.
+template <class I> [[gnu::target("avx2")]] std::pair<I, I> column_range_avx2(const I *first, const I *last)
+{
+    I low = *first, high = *first;
+    for (const I *p = first; p < last; ++p) {
+        low = std::min(low, *p);
+        high = std::max(high, *p);
+    }
+    return {low, high};
+}
+
+template <class I> std::pair<I, I> column_range(const I *first, const I *last)
+{
+    static const bool avx2 = choose_isa("ZEL_SPARSE_ISA") != isa_level::baseline;
+    return avx2 ? column_range_avx2(first, last) : column_range_loop(first, last);
+}
+
 // Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
 // and flag[k] = prepared. A first sweep finds the range of referenced rows. Where the range holds
 // no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
@@ -95,9 +125,10 @@ void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, 
     // vectors, rather than reduced row by row.
     I span = 0, span_end = 0;
     auto sweep = [&] {
-        for (I p = span; p < span_end; ++p) {
-            low = std::min(low, l_col[p]);
-            high = std::max(high, l_col[p]);
+        if (span_end > span) {
+            const auto range = column_range<I>(l_col + span, l_col + span_end);
+            low = std::min(low, range.first);
+            high = std::max(high, range.second);
         }
         entries += span_end - span;
     };

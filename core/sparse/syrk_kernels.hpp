@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <complex>
 #include <cstdint>
 #include <cstring>
@@ -432,37 +433,83 @@ I merged_row(row_tails<T, I> &tails, I r_base, const T *r_values, const I *r_col
     return n;
 }
 
-// Whether R's row k holds the columns of row k - 1, each one further on. Answers are kept in a
-// direct-mapped table: a stencil's rows reference each R row from several rows apart, and the
-// pair is compared once. Taken at the first row that asks; without memory every answer is no.
-template <class I> class shift_table {
-public:
-    bool shifted(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
-    {
-        if (!tried_) {
-            tried_ = true;
-            table_ = scratch_array<int64_t>(slots, 4096);
-            if (table_)
-                std::fill(table_.get(), table_.get() + slots, int64_t(-1));
-        }
-        if (!table_ || k == 0)
+// Whether R's row k holds the columns of row k - 1, each one further on (same length).
+template <class I> bool follows(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+{
+    if (k == 0)
+        return false;
+    const I before = r_rows_start[k - 1] - r_base, begin = r_rows_start[k] - r_base;
+    const I length = r_rows_end[k] - r_base - begin;
+    if (length != r_rows_end[k - 1] - r_base - before)
+        return false;
+    for (I t = 0; t < length; ++t)
+        if (r_col[begin + t] - r_col[before + t] != 1)
             return false;
-        int64_t &slot = table_[static_cast<size_t>(k) & (slots - 1)];
-        if (slot >> 1 == int64_t(k))
-            return slot & 1;
-        const I before = r_rows_start[k - 1] - r_base, begin = r_rows_start[k] - r_base;
-        const I length = r_rows_end[k] - r_base - begin;
-        I differ = length ^ (r_rows_end[k - 1] - r_base - before);
-        for (I t = 0; t < length && differ == 0; ++t)
-            differ = (r_col[begin + t] - r_col[before + t]) ^ 1;
-        slot = 2 * int64_t(k) + (differ == 0);
-        return differ == 0;
+    return true;
+}
+
+// follows() over a window of consecutive R rows, as bits, found in order as the rows asked for
+// move forward: a stencil's rows reference each R row from several rows apart, and each is compared
+// with the row before it once. No row past the furthest one asked for is read (R's extent is not
+// known here). A jump forward starts the window afresh rather than compare the gap; rows behind
+// the window, or all rows when the bits cannot be had, are compared each time they are asked for.
+template <class I> class follows_window {
+public:
+    // The first row from k on that does not follow the row before it, or a row up to which all do
+    // (no further than the window reaches, nor far past k).
+    I next_break(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    {
+        if (k == high_ && bits_) // the usual step: the furthest row so far, one further
+            return step(r_base, r_col, r_rows_start, r_rows_end) ? k + 1 : k;
+        if ((k >= high_ && !extend(k, r_base, r_col, r_rows_start, r_rows_end)) || k < low_)
+            return follows(k, r_base, r_col, r_rows_start, r_rows_end) ? k + 1 : k;
+        const I end = static_cast<I>(std::min<int64_t>(high_, int64_t(k) + 128));
+        I r = k;
+        while (r < end) {
+            const int offset = static_cast<int>(r & 63);
+            const int run = std::min(std::countr_zero(~(word(r) >> offset)), 64 - offset);
+            r += run;
+            if (run < 64 - offset)
+                break;
+        }
+        return std::min(r, end);
     }
 
 private:
-    static constexpr size_t slots = size_t(1) << 16;
-    scratch_array<int64_t> table_;
-    bool tried_ = false;
+    // Compares the rows up to k; false when there are no bits to keep the answers in.
+    bool extend(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    {
+        if (!started_) {
+            started_ = true;
+            bits_ = scratch_array<uint64_t>(size_t(words), 64);
+        }
+        if (!bits_)
+            return false;
+        if (int64_t(k) - high_ > gap)
+            low_ = high_ = k;
+        while (high_ <= k)
+            step(r_base, r_col, r_rows_start, r_rows_end);
+        return true;
+    }
+
+    // Compares row high_ with the row before it and moves the window on by one.
+    bool step(I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    {
+        const bool next = follows(high_, r_base, r_col, r_rows_start, r_rows_end);
+        const uint64_t bit = uint64_t(1) << (high_ & 63);
+        word(high_) = next ? word(high_) | bit : word(high_) & ~bit;
+        ++high_;
+        if (int64_t(high_) - low_ > window)
+            low_ = static_cast<I>(high_ - window);
+        return next;
+    }
+
+    uint64_t &word(I r) const { return bits_[size_t(r >> 6) % words]; }
+
+    static constexpr int64_t window = int64_t(1) << 20, words = window / 64, gap = 4096;
+    scratch_array<uint64_t> bits_;
+    bool started_ = false;
+    I low_ = 0, high_ = 0; // bits held for rows [low_, high_)
 };
 
 // The shape of the last short row, relative to its index: its L columns less the row index, where
@@ -470,7 +517,9 @@ private:
 // pass also each product's place in the row and the row's columns less the row index. The next
 // row repeats the shape when its L columns are these shifted by one and so is every R row they
 // reference: each tail then starts one column further, at the same place in its row. Stencil
-// matrices do so on every row away from the grid edges. The test reads no tail.
+// matrices do so on every row away from the grid edges. The test reads no tail: each R row is
+// compared with the row before it once (follows_window), and each L entry keeps how far along its
+// chain of R rows that holds.
 template <class I> struct row_pattern {
     static constexpr int capacity = int(sort_capacity);
     I row = -1; // the row recorded or last matched; -1: none
@@ -483,22 +532,31 @@ template <class I> struct row_pattern {
     uint64_t work = 0;
     I column[capacity];
     uint8_t place[capacity];
-    shift_table<I> shifts;
+    follows_window<I> window;
+    // Per L entry: every R row from the one it references up to this one (exclusive) follows the
+    // row before it. Cleared when a row is recorded.
+    I followed_until[few_lists];
+
 
     bool matches(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
                  const I *r_rows_start, const I *r_rows_end)
     {
         if (row < 0 || row != i - 1 || l_end - l_begin != entries)
             return false;
-        const I shift = i + l_base;
+        // One walk checks the L columns and the chain of R rows each of them walks along.
+        const I *cols = l_col + l_begin;
         I differ = 0;
-        for (int t = 0; t < entries; ++t)
-            differ |= (l_col[l_begin + t] - shift) ^ l_key[t];
+        for (int t = 0; t < entries; ++t) {
+            const I k = cols[t] - l_base;
+            differ |= (k - i) ^ l_key[t];
+            if (k < followed_until[t])
+                continue;
+            followed_until[t] = window.next_break(k, r_base, r_col, r_rows_start, r_rows_end);
+            if (followed_until[t] == k)
+                return false;
+        }
         if (differ != 0)
             return false;
-        for (int t = 0; t < entries; ++t)
-            if (!shifts.shifted(l_col[l_begin + t] - l_base, r_base, r_col, r_rows_start, r_rows_end))
-                return false;
         row = i;
         return true;
     }
@@ -506,27 +564,28 @@ template <class I> struct row_pattern {
     // Takes row i's shape from its gathered tails; false, with nothing recorded, when they hold more
     // products than the numeric pass can place.
     template <class T>
-    bool record(const row_tails<T, I> &row_tails, I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base,
+    bool record(const row_tails<T, I> &gathered, I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base,
                 const I *r_rows_start, uint64_t row_work)
     {
         row = -1;
         I products = 0;
-        for (int t = 0; t < row_tails.count; ++t) {
-            const I k = l_col[l_begin + row_tails.entry[t]] - l_base;
-            tail_entry[t] = row_tails.entry[t];
-            tail_offset[t] = row_tails.pos[t] - (r_rows_start[k] - r_base);
-            tail_length[t] = row_tails.end[t] - row_tails.pos[t];
+        for (int t = 0; t < gathered.count; ++t) {
+            const I k = l_col[l_begin + gathered.entry[t]] - l_base;
+            tail_entry[t] = gathered.entry[t];
+            tail_offset[t] = gathered.pos[t] - (r_rows_start[k] - r_base);
+            tail_length[t] = gathered.end[t] - gathered.pos[t];
             products += tail_length[t];
         }
         if (products > capacity)
             return false;
         entries = static_cast<int>(l_end - l_begin);
-        for (int t = 0; t < entries; ++t)
+        for (int t = 0; t < entries; ++t) {
             l_key[t] = l_col[l_begin + t] - l_base - i;
-        tails = row_tails.count;
+            followed_until[t] = 0;
+        }
+        tails = gathered.count;
         work = row_work;
         row = i;
-        grouped = false;
         return true;
     }
 
@@ -544,56 +603,71 @@ template <class I> struct row_pattern {
         for (I s = 0; s < n; ++s)
             column[s] = cols[s] - out_base - i;
     }
+};
 
-    // Row i of the product, whose shape matched. The products go to a local array, and each place
-    // then sums its own in tail order: adding them into their places in turn would chain every add
-    // to the one before it through memory.
-    template <class T>
-    void form_row(I l_base, const T *l_values, const I *l_col, I l_begin, I r_base, const T *r_values,
-                  const I *r_rows_start, I i, I out_base, I *cols, T *vals)
+// Rows of the numeric pass that repeat the recorded shape, formed a block at a time: every
+// product of the shape is taken for all the block's rows at once, so that walking the shape's
+// tails and places, whose short and varying trip counts cost more than the arithmetic, is paid
+// once per block, and the block's sums build up side by side with no add waiting on another.
+template <class T, class I> class pattern_rows {
+public:
+    static constexpr int block = 8;
+
+    // Takes row i, whose shape matched, with its place in the output.
+    void add(const row_pattern<I> &pattern, I i, I l_base, const T *l_values, const I *l_col, I l_begin, I r_base,
+             const T *r_values, const I *r_rows_start, I *cols, T *vals)
     {
-        if (!grouped)
-            group_by_place();
-        T product[capacity];
-        T *next = product;
-        for (int t = 0; t < tails; ++t) {
-            const I p = l_begin + tail_entry[t];
-            const T a = l_values[p];
-            const T *v = r_values + (r_rows_start[l_col[p] - l_base] - r_base + tail_offset[t]);
-            for (I q = 0; q < tail_length[t]; ++q)
-                *next++ = mul(a, v[q]);
+        for (int t = 0; t < pattern.tails; ++t) {
+            const I p = l_begin + pattern.tail_entry[t];
+            factor_[t][rows_] = l_values[p];
+            values_[t][rows_] = r_values + (r_rows_start[l_col[p] - l_base] - r_base + pattern.tail_offset[t]);
         }
-        const I shift = i + out_base;
-        for (I s = 0; s < distinct; ++s) {
-            T sum{};
-            for (int u = bound[s]; u < bound[s + 1]; ++u)
-                sum += product[by_place[u]];
-            cols[s] = column[s] + shift;
-            vals[s] = sum;
+        row_[rows_] = i;
+        cols_[rows_] = cols;
+        vals_[rows_] = vals;
+        ++rows_;
+    }
+
+    bool full() const { return rows_ == block; }
+
+    // Writes the rows taken so far; the shape may be recorded anew after this.
+    void flush(const row_pattern<I> &pattern, I out_base)
+    {
+        if (rows_ == 0)
+            return;
+        for (int r = rows_; r < block; ++r) // unused lanes repeat the first row and are not written
+            for (int t = 0; t < pattern.tails; ++t) {
+                factor_[t][r] = factor_[t][0];
+                values_[t][r] = values_[t][0];
+            }
+        T sum[row_pattern<I>::capacity][block];
+        for (I s = 0; s < pattern.distinct; ++s)
+            for (int r = 0; r < block; ++r)
+                sum[s][r] = T(0);
+        const uint8_t *place = pattern.place;
+        for (int t = 0; t < pattern.tails; ++t)
+            for (I q = 0; q < pattern.tail_length[t]; ++q) {
+                T *to = sum[*place++];
+                for (int r = 0; r < block; ++r)
+                    to[r] += mul(factor_[t][r], values_[t][r][q]);
+            }
+        for (int r = 0; r < rows_; ++r) {
+            const I shift = row_[r] + out_base;
+            for (I s = 0; s < pattern.distinct; ++s) {
+                cols_[r][s] = pattern.column[s] + shift;
+                vals_[r][s] = sum[s][r];
+            }
         }
+        rows_ = 0;
     }
 
 private:
-    // The products' indices ordered by place (ascending within a place), by counting.
-    void group_by_place()
-    {
-        I products = 0;
-        for (int t = 0; t < tails; ++t)
-            products += tail_length[t];
-        std::fill(bound, bound + distinct + 1, uint8_t(0));
-        for (I e = 0; e < products; ++e)
-            ++bound[place[e] + 1];
-        for (I s = 0; s < distinct; ++s)
-            bound[s + 1] += bound[s];
-        uint8_t fill[capacity];
-        std::copy(bound, bound + distinct, fill);
-        for (I e = 0; e < products; ++e)
-            by_place[fill[place[e]]++] = static_cast<uint8_t>(e);
-        grouped = true;
-    }
-
-    bool grouped = false;
-    uint8_t by_place[capacity], bound[capacity + 1];
+    int rows_ = 0;
+    T factor_[few_lists][block];
+    const T *values_[few_lists][block];
+    I row_[block];
+    I *cols_[block];
+    T *vals_[block];
 };
 
 // The tails' columns as keys relative to row i (padded for the sorter), with the products when
@@ -817,6 +891,7 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
     I sorted[short_row];
     row_tails<T, I> tails;
     row_pattern<I> pattern;
+    pattern_rows<T, I> repeats;
     bool fetch_ahead = true; // while the rows are scattered
     const row_sorter *sorter = row_sorter_active;
     for (I i = row_first; i < row_end; ++i) {
@@ -825,14 +900,14 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
         if (l_end - l_begin <= few_lists) {
             I *cols = col_indx + first;
             T *vals = values + first;
-            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end)) {
-                if (pattern.distinct <= count) {
-                    pattern.form_row(l_base, l_values, l_col, l_begin, r_base, r_values, r_rows_start, i, out_base,
-                                     cols, vals);
-                    continue;
-                }
-                pattern.row = -1;
+            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end) &&
+                pattern.distinct <= count) {
+                repeats.add(pattern, i, l_base, l_values, l_col, l_begin, r_base, r_values, r_rows_start, cols, vals);
+                if (repeats.full())
+                    repeats.flush(pattern, out_base);
+                continue;
             }
+            repeats.flush(pattern, out_base);
             if (fetch_ahead)
                 prefetch_ahead<1, true>(i, row_end, l_base, l_col, l_rows_start, l_rows_end, r_base, r_values, r_col,
                                         r_rows_start, r_rows_end, start_offset);
@@ -855,6 +930,7 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
             }
             continue;
         }
+        repeats.flush(pattern, out_base);
         if (!accumulator_tried) {
             accumulator_tried = true;
             accumulator = scratch_array<T>(static_cast<size_t>(rows), 4096);
@@ -911,6 +987,7 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
             out_cols[t] = j + out_base;
         }
     }
+    repeats.flush(pattern, out_base);
 }
 
 // c += a·b for bs×bs blocks stored row-major (ColMajor false) or column-major.
