@@ -613,15 +613,22 @@ template <class T, class I> class pattern_rows {
 public:
     static constexpr int block = 8;
 
-    // Takes row i, whose shape matched, with its place in the output.
+    // Takes row i, whose shape matched, with its place in the output. The rows' L values, the R
+    // rows of the last tail (the furthest, read here for the first time in a stencil) and the
+    // output are streams that the processor does not fetch ahead well enough by itself.
     void add(const row_pattern<I> &pattern, I i, I l_base, const T *l_values, const I *l_col, I l_begin, I r_base,
              const T *r_values, const I *r_rows_start, I *cols, T *vals)
     {
+        __builtin_prefetch(l_values + l_begin + 64);
         for (int t = 0; t < pattern.tails; ++t) {
             const I p = l_begin + pattern.tail_entry[t];
             factor_[t][rows_] = l_values[p];
             values_[t][rows_] = r_values + (r_rows_start[l_col[p] - l_base] - r_base + pattern.tail_offset[t]);
         }
+        if (pattern.tails > 0)
+            __builtin_prefetch(values_[pattern.tails - 1][rows_] + 64);
+        __builtin_prefetch(cols + 64, 1);
+        __builtin_prefetch(vals + 64, 1);
         row_[rows_] = i;
         cols_[rows_] = cols;
         vals_[rows_] = vals;
