@@ -373,8 +373,9 @@ TYPED_TEST(SparseSyrk, ScatteredRowsMatchPairwiseSums)
 }
 
 // Stencil rows repeat their shape from row to row, and the kernels reuse a row's shape for the
-// next; grid edges break the repetition. The wide grid puts the layers 2^15 apart (scattered rows),
-// and in the last stencil the second offset alternates between rows of equal lengths.
+// next; grid edges break the repetition, and so does a row with an extra entry. The wide grid puts
+// the layers 2^15 apart (scattered rows), and in the last stencil the second offset alternates
+// between rows of equal lengths.
 TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
 {
     using M = TypeParam;
@@ -396,6 +397,22 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
         expect_pairwise_sums<M>(stencil_matrix<T, I>(6, 5, 5, twenty_seven, base));
     }
     expect_pairwise_sums<M>(stencil_matrix<T, I>(1, 33000, 2, {{0, 0, -1}, {0, 0, 0}, {0, 1, 0}, {0, 0, 1}}, I(1)));
+    // One interior row with an extra column three further on: the right-hand row of that column no
+    // longer follows its neighbour, so the rows that reach it from below, inside runs of rows of
+    // one shape, must be formed in full.
+    {
+        auto a = stencil_matrix<T, I>(12, 9, 8, seven, I(0));
+        const int64_t defect = (4 * 9 + 4) * 12 + 5, column = defect + 3;
+        auto at = a.col_indx.begin() + a.rows_start[defect + 1];
+        while (at != a.col_indx.begin() + a.rows_start[defect] && *(at - 1) > column)
+            --at;
+        const auto offset = at - a.col_indx.begin();
+        a.col_indx.insert(at, static_cast<I>(column));
+        a.values.insert(a.values.begin() + offset, make_value<T>(0.75, -0.25));
+        for (int64_t i = defect + 1; i <= a.rows; ++i)
+            ++a.rows_start[i];
+        expect_pairwise_sums<M>(a);
+    }
     // Row i has columns i and i + 2 + i % 2: equal lengths, shapes that differ from row to row.
     matrix<T, I> a;
     a.rows = a.cols = 500;
