@@ -727,8 +727,8 @@ template <class T, class I>
     return static_cast<I>(distinct);
 }
 
-// Symbolic pass: counts of distinct columns j >= i per row; short rows from the shape of an
-// earlier row when they repeat it, else by stamping the marker while their columns lie close, else
+// Symbolic pass: counts of distinct columns j >= i per row; short rows from the shape of the row
+// before them when they repeat it, else by stamping the marker while their columns lie close, else
 // by the vector sorter, else by merging.
 template <class I>
 void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end,
@@ -877,14 +877,15 @@ void long_row(I i, I l_base, const T *l_values, const I *l_col, const I *l_rows_
         cols[t] += out_base;
 }
 
-// Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries take the
-// places of their products from an earlier row of the same shape (row_pattern), or merge their
-// tails (row_tails), or rank them with the vector sorter when they reach far: a merge over
-// scattered columns mispredicts nearly every step, while close columns merge in regular patterns
-// that the branch predictor learns from row to row. Longer rows add their products into a dense accumulator x indexed by
-// column, taken at the first such row, while the row's new columns are listed without branches
-// (the list slot is always written, its count advances only for a new column); the list is then
-// sorted and x gathered into the output and cleared. Without memory for x, long_row does the work.
+// Numeric pass: sorted columns and values of the chunk's rows. Rows with few L entries that repeat
+// the shape of the row before them (row_pattern) are formed eight at a time (pattern_rows); others
+// merge their tails (row_tails), or rank them with the vector sorter when they reach far: a merge
+// over scattered columns mispredicts nearly every step, while close columns merge in regular
+// patterns that the branch predictor learns from row to row. Longer rows add their products into a
+// dense accumulator x indexed by column, taken at the first such row, while the row's new columns
+// are listed without branches (the list slot is always written, its count advances only for a new
+// column); the list is then sorted and x gathered into the output and cleared. Without memory for
+// x, long_row does the work.
 template <class T, class I>
 void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const I *l_col, const I *l_rows_start,
               const I *l_rows_end, I r_base, const T *r_values, const I *r_col, const I *r_rows_start,
