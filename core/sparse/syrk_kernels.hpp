@@ -537,7 +537,6 @@ template <class I> struct row_pattern {
     // row before it. Cleared when a row is recorded.
     I followed_until[few_lists];
 
-
     bool matches(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
                  const I *r_rows_start, const I *r_rows_end)
     {
