@@ -206,6 +206,63 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
     }
 }
 
+// Banded rows that repeat their shape: the kernels keep what they learn about the repeats in
+// scratch of their own, whose failure must leave the result as it was, while each of the driver's
+// six arrays still fails the call with nothing left allocated.
+TYPED_TEST(SparseSyrkErrors, RepeatedShapesSurviveFailedScratch)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    using C = typename M::C;
+    matrix<T, I> a;
+    a.rows = a.cols = 300;
+    a.base = 0;
+    a.rows_start.assign(1, 0);
+    for (int64_t i = 0; i < a.rows; ++i) {
+        for (const int64_t j : {i - 7, i - 1, i, i + 2, i + 11})
+            if (j >= 0 && j < a.cols) {
+                a.col_indx.push_back(static_cast<I>(j));
+                a.values.push_back(make_value<T>(1.0 + double((i + 3 * j) % 7) / 4.0, double(j % 3) - 1.0));
+            }
+        a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
+    }
+    handle_holder<M> h(a);
+    stage_operands<M> ops(h.h);
+    for (int op : {10, 11}) {
+        C *v0 = nullptr;
+        I *c0 = nullptr, *r0 = nullptr;
+        ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
+        const I nnz = r0[a.rows];
+        int64_t failed = 0;
+        const int64_t total = zel::test::for_each_failing_allocation(
+            [&] {
+                C *v = nullptr;
+                I *ci = nullptr, *rs = nullptr;
+                const int status = ops.run(90, op, &v, &ci, &rs);
+                if (status == 0) {
+                    EXPECT_EQ(std::memcmp(rs, r0, (a.rows + 1) * sizeof(I)), 0);
+                    EXPECT_EQ(std::memcmp(ci, c0, nnz * sizeof(I)), 0);
+                    EXPECT_EQ(std::memcmp(v, v0, nnz * sizeof(C)), 0);
+                    zel_serv_free(v);
+                    zel_serv_free(ci);
+                    zel_serv_free(rs);
+                }
+                return status;
+            },
+            [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+                EXPECT_TRUE(status == 0 || status == 2) << "allocation " << k;
+                failed += status == 2;
+                EXPECT_EQ(probe.live(), 0) << "allocation " << k;
+            });
+        EXPECT_EQ(failed, 6) << "operation " << op;
+        EXPECT_GT(total, 6) << "operation " << op; // the kernels took scratch of their own
+        zel_serv_free(v0);
+        zel_serv_free(c0);
+        zel_serv_free(r0);
+    }
+}
+
 TYPED_TEST(SparseSyrkErrors, EmptyResultAcceptsFailedZeroSizeArrays)
 {
     using M = TypeParam;

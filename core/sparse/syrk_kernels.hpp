@@ -542,20 +542,21 @@ template <class I> struct row_pattern {
     {
         if (row < 0 || row != i - 1 || l_end - l_begin != entries)
             return false;
-        // One walk checks the L columns and the chain of R rows each of them walks along.
+        // The L columns first: where rows do not repeat, this fails without touching R.
         const I *cols = l_col + l_begin;
         I differ = 0;
-        for (int t = 0; t < entries; ++t) {
+        for (int t = 0; t < entries; ++t)
+            differ |= (cols[t] - l_base - i) ^ l_key[t];
+        if (differ != 0)
+            return false;
+        for (int t = 0; t < entries; ++t) { // the chain of R rows each L entry walks along
             const I k = cols[t] - l_base;
-            differ |= (k - i) ^ l_key[t];
             if (k < followed_until[t])
                 continue;
             followed_until[t] = window.next_break(k, r_base, r_col, r_rows_start, r_rows_end);
             if (followed_until[t] == k)
                 return false;
         }
-        if (differ != 0)
-            return false;
         row = i;
         return true;
     }
