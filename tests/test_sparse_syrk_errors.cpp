@@ -124,6 +124,31 @@ template <class M> struct stage_operands {
     }
 };
 
+// Stage 90 once more, against the arrays of a successful run: on success the same row pointer
+// (rows + 1 entries), columns and values, which are then freed; on failure a row pointer taken back.
+template <class M>
+int run_against(stage_operands<M> &ops, int op, typename M::I rows, const typename M::C *v0,
+                const typename M::I *c0, const typename M::I *r0)
+{
+    using I = typename M::I;
+    using C = typename M::C;
+    C *v = nullptr;
+    I *ci = nullptr, *rs = nullptr;
+    const int status = ops.run(90, op, &v, &ci, &rs);
+    if (status == 0) {
+        const I nnz = r0[rows] - r0[0];
+        EXPECT_EQ(std::memcmp(rs, r0, (rows + 1) * sizeof(I)), 0);
+        EXPECT_EQ(std::memcmp(ci, c0, nnz * sizeof(I)), 0);
+        EXPECT_EQ(std::memcmp(v, v0, nnz * sizeof(C)), 0);
+        zel_serv_free(v);
+        zel_serv_free(ci);
+        zel_serv_free(rs);
+    } else {
+        EXPECT_EQ(rs, nullptr); // freed and taken back
+    }
+    return status;
+}
+
 } // namespace
 
 TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
@@ -143,26 +168,12 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
         C *v0 = nullptr;
         I *c0 = nullptr, *r0 = nullptr;
         ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
-        const I nnz = r0[op == 10 ? a.rows : a.cols];
+        const I rows = op == 10 ? a.rows : a.cols;
         // The driver's six arrays (start offsets, markers, row work, row pointer, columns, values)
         // fail the call; the numeric kernel's accumulator, one per chunk with long rows, only
         // changes its path.
         const int64_t total = zel::test::for_each_failing_allocation(
-            [&] {
-                C *v = nullptr;
-                I *ci = nullptr, *rs = nullptr;
-                const int status = ops.run(90, op, &v, &ci, &rs);
-                if (status == 0) {
-                    EXPECT_EQ(std::memcmp(ci, c0, nnz * sizeof(I)), 0);
-                    EXPECT_EQ(std::memcmp(v, v0, nnz * sizeof(C)), 0);
-                    zel_serv_free(v);
-                    zel_serv_free(ci);
-                    zel_serv_free(rs);
-                } else {
-                    EXPECT_EQ(rs, nullptr); // freed and taken back
-                }
-                return status;
-            },
+            [&] { return run_against<M>(ops, op, rows, v0, c0, r0); },
             [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
                 EXPECT_EQ(status, k < 6 ? 2 : 0) << "allocation " << k;
                 EXPECT_EQ(probe.live(), 0) << "allocation " << k;
@@ -233,23 +244,9 @@ TYPED_TEST(SparseSyrkErrors, RepeatedShapesSurviveFailedScratch)
         C *v0 = nullptr;
         I *c0 = nullptr, *r0 = nullptr;
         ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
-        const I nnz = r0[a.rows];
         int64_t failed = 0;
         const int64_t total = zel::test::for_each_failing_allocation(
-            [&] {
-                C *v = nullptr;
-                I *ci = nullptr, *rs = nullptr;
-                const int status = ops.run(90, op, &v, &ci, &rs);
-                if (status == 0) {
-                    EXPECT_EQ(std::memcmp(rs, r0, (a.rows + 1) * sizeof(I)), 0);
-                    EXPECT_EQ(std::memcmp(ci, c0, nnz * sizeof(I)), 0);
-                    EXPECT_EQ(std::memcmp(v, v0, nnz * sizeof(C)), 0);
-                    zel_serv_free(v);
-                    zel_serv_free(ci);
-                    zel_serv_free(rs);
-                }
-                return status;
-            },
+            [&] { return run_against<M>(ops, op, a.rows, v0, c0, r0); },
             [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
                 EXPECT_TRUE(status == 0 || status == 2) << "allocation " << k;
                 failed += status == 2;
