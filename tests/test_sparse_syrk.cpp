@@ -247,7 +247,7 @@ template <class T, class I> std::map<std::pair<int64_t, int64_t>, pairwise_sum> 
     const I base = a.base;
     std::vector<std::vector<std::pair<int64_t, cd>>> by_column(a.cols);
     for (int64_t i = 0; i < a.rows; ++i)
-        for (I p = a.rows_start[i] - base; p < a.rows_start[i + 1] - base; ++p)
+        for (I p = a.rows_start[i] - base; p < a.row_end(i) - base; ++p)
             by_column[a.col_indx[p] - base].push_back({i, widen(a.values[p])});
     std::map<std::pair<int64_t, int64_t>, pairwise_sum> sums;
     for (const auto &column : by_column)
@@ -340,6 +340,27 @@ matrix<T, I> stencil_matrix(int64_t nx, int64_t ny, int64_t nz, const std::vecto
     return a;
 }
 
+// A's rows with an entry after each that lies outside every row (rows_end given apart).
+template <class T, class I> matrix<T, I> with_gaps(const matrix<T, I> &a)
+{
+    matrix<T, I> g = a;
+    g.rows_start.clear();
+    g.col_indx.clear();
+    g.values.clear();
+    for (int64_t i = 0; i < a.rows; ++i) {
+        g.rows_start.push_back(static_cast<I>(g.col_indx.size()) + a.base);
+        for (I p = a.rows_start[i] - a.base; p < a.row_end(i) - a.base; ++p) {
+            g.col_indx.push_back(a.col_indx[p]);
+            g.values.push_back(a.values[p]);
+        }
+        g.rows_end.push_back(static_cast<I>(g.col_indx.size()) + a.base);
+        g.col_indx.push_back(static_cast<I>(i % 3) + a.base);
+        g.values.push_back(make_value<T>(100.0, 1.0));
+    }
+    g.rows_start.push_back(static_cast<I>(g.col_indx.size()) + a.base);
+    return g;
+}
+
 } // namespace
 
 // Eleven rows spread over 70000, most in four of six columns: the first rows' products reach
@@ -397,12 +418,13 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
         expect_pairwise_sums<M>(stencil_matrix<T, I>(6, 5, 5, twenty_seven, base));
     }
     expect_pairwise_sums<M>(stencil_matrix<T, I>(1, 33000, 2, {{0, 0, -1}, {0, 0, 0}, {0, 1, 0}, {0, 0, 1}}, I(1)));
-    // One interior row with an extra column three further on: the right-hand row of that column no
+    // One interior row with an extra column. Three further on, the right-hand row of that column no
     // longer follows its neighbour, so the rows that reach it from below, inside runs of rows of
-    // one shape, must be formed in full.
-    {
+    // one shape, must be formed in full. Past the row's last column, the row's other columns still
+    // repeat the row before: only its length tells it apart, also when rows end apart.
+    for (const int64_t further : {3, 12 * 9 + 1}) {
         auto a = stencil_matrix<T, I>(12, 9, 8, seven, I(0));
-        const int64_t defect = (4 * 9 + 4) * 12 + 5, column = defect + 3;
+        const int64_t defect = (4 * 9 + 4) * 12 + 5, column = defect + further;
         auto at = a.col_indx.begin() + a.rows_start[defect + 1];
         while (at != a.col_indx.begin() + a.rows_start[defect] && *(at - 1) > column)
             --at;
@@ -412,6 +434,7 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
         for (int64_t i = defect + 1; i <= a.rows; ++i)
             ++a.rows_start[i];
         expect_pairwise_sums<M>(a);
+        expect_pairwise_sums<M>(with_gaps(a));
     }
     // Row i has columns i and i + 2 + i % 2: equal lengths, shapes that differ from row to row.
     matrix<T, I> a;
@@ -427,6 +450,8 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
         a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
     }
     expect_pairwise_sums<M>(a);
+    // Again with a stray entry after every row, rows ending apart from where the next starts.
+    expect_pairwise_sums<M>(with_gaps(a));
 }
 
 // Rows reaching over tens of thousands of columns: the chunk preparation goes through the right-hand

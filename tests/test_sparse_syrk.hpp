@@ -85,7 +85,9 @@ template <class T, class I> struct matrix {
     int layout = 0; // 0 row-major blocks, 1 column-major
     std::vector<I> rows_start{0}, col_indx;
     std::vector<T> values;
+    std::vector<I> rows_end; // empty: each row ends where the next starts
     I nnz() const { return static_cast<I>(col_indx.size()); }
+    I row_end(int64_t i) const { return rows_end.empty() ? rows_start[i + 1] : rows_end[i]; }
 };
 
 // Random pattern with about `density` of the (block) places filled, values in [-1, 1]; rows come
@@ -216,7 +218,8 @@ template <class M> struct handle_holder {
             status = M::A::create_bsr(&h, a.base, a.layout == 0 ? 101 : 102, a.rows, a.cols, a.block, rs, rs + 1,
                                       a.col_indx.data(), v);
         else
-            status = M::A::create_csr(&h, a.base, a.rows, a.cols, rs, rs + 1, a.col_indx.data(), v);
+            status = M::A::create_csr(&h, a.base, a.rows, a.cols, rs, a.rows_end.empty() ? rs + 1 : a.rows_end.data(),
+                                      a.col_indx.data(), v);
         EXPECT_EQ(status, 0);
     }
     handle_holder(const handle_holder &) = delete;

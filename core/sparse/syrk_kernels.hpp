@@ -288,6 +288,9 @@ template <int Ahead, bool Values, class T, class I>
 // Rows with at most this many L entries are formed by merging the tails of their R rows.
 constexpr int few_lists = 16;
 
+// Most rows of a repeating shape that the symbolic pass takes in one test.
+constexpr int repeat_span = 64;
+
 // The non-empty tails (columns >= i) of the R rows that L's row i references, each with its
 // current head column and L's factor. Merging them yields row i's columns sorted and distinct
 // without touching anything indexed by column, which for scattered columns is a cache miss each.
@@ -448,6 +451,39 @@ template <class I> bool follows(I k, I r_base, const I *r_col, const I *r_rows_s
     return true;
 }
 
+// The first row in [from, to) that does not hold the columns of the row before it, each one
+// further on (same length); `to` when all do. Rows stored end to end with one length, as a
+// stencil's are, take one flat sweep over their columns, which the compiler runs in vectors.
+template <class I>
+I first_unfollowing(I from, I to, I base, const I *col, const I *rows_start, const I *rows_end)
+{
+    if (from >= to)
+        return to;
+    if (from == 0)
+        return 0;
+    if (rows_end != rows_start + 1) {
+        for (I r = from; r < to; ++r)
+            if (!follows(r, base, col, rows_start, rows_end))
+                return r;
+        return to;
+    }
+    const I first = rows_start[from - 1], length = rows_start[from] - first;
+    I last = from; // rows [from, last) have the length of row from - 1
+    while (last < to && rows_start[last + 1] - rows_start[last] == length)
+        ++last;
+    const I *c = col + (first - base);
+    const int64_t n = int64_t(last - from) * length;
+    I differ = 0; // zero while every difference is 1: a plain loop, so that it vectorizes
+    for (int64_t p = 0; p < n; ++p)
+        differ |= (c[p + length] - c[p]) ^ 1;
+    if (differ == 0)
+        return last;
+    int64_t p = 0;
+    while (c[p + length] - c[p] == 1)
+        ++p;
+    return from + static_cast<I>(p / length);
+}
+
 // follows() over a window of consecutive R rows, as bits, found in order as the rows asked for
 // move forward: a stencil's rows reference each R row from several rows apart, and each is compared
 // with the row before it once. No row past the furthest one asked for is read (R's extent is not
@@ -455,16 +491,15 @@ template <class I> bool follows(I k, I r_base, const I *r_col, const I *r_rows_s
 // the window, or all rows when the bits cannot be had, are compared each time they are asked for.
 template <class I> class follows_window {
 public:
-    // The first row from k on that does not follow the row before it, or a row up to which all do
-    // (no further than the window reaches, nor far past k).
-    I next_break(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    // A row b >= from such that rows [from, b) all follow the row before them, and either b >= to
+    // or row b does not.
+    I next_break(I from, I to, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
     {
-        if (k == high_ && bits_) // the usual step: the furthest row so far, one further
-            return step(r_base, r_col, r_rows_start, r_rows_end) ? k + 1 : k;
-        if ((k >= high_ && !extend(k, r_base, r_col, r_rows_start, r_rows_end)) || k < low_)
-            return follows(k, r_base, r_col, r_rows_start, r_rows_end) ? k + 1 : k;
-        const I end = static_cast<I>(std::min<int64_t>(high_, int64_t(k) + 128));
-        I r = k;
+        if ((to > high_ && !extend(from, to, r_base, r_col, r_rows_start, r_rows_end)) || from < low_)
+            return first_unfollowing(from, to, r_base, r_col, r_rows_start, r_rows_end);
+        // Beyond `to` as far as the bits reach, so that the entries behind the leading one ask rarely.
+        const I end = std::max(to, static_cast<I>(std::min<int64_t>(high_, int64_t(from) + 128)));
+        I r = from;
         while (r < end) {
             const int offset = static_cast<int>(r & 63);
             const int run = std::min(std::countr_zero(~(word(r) >> offset)), 64 - offset);
@@ -472,12 +507,12 @@ public:
             if (run < 64 - offset)
                 break;
         }
-        return std::min(r, end);
+        return std::min(r, high_);
     }
 
 private:
-    // Compares the rows up to k; false when there are no bits to keep the answers in.
-    bool extend(I k, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
+    // Compares the rows up to `to`; false when there are no bits to keep the answers in.
+    bool extend(I from, I to, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
     {
         if (!started_) {
             started_ = true;
@@ -485,23 +520,20 @@ private:
         }
         if (!bits_)
             return false;
-        if (int64_t(k) - high_ > gap)
-            low_ = high_ = k;
-        while (high_ <= k)
-            step(r_base, r_col, r_rows_start, r_rows_end);
-        return true;
-    }
-
-    // Compares row high_ with the row before it and moves the window on by one.
-    bool step(I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
-    {
-        const bool next = follows(high_, r_base, r_col, r_rows_start, r_rows_end);
-        const uint64_t bit = uint64_t(1) << (high_ & 63);
-        word(high_) = next ? word(high_) | bit : word(high_) & ~bit;
-        ++high_;
+        if (int64_t(from) - high_ > gap)
+            low_ = high_ = from;
+        while (high_ < to) {
+            const I b = first_unfollowing(high_, to, r_base, r_col, r_rows_start, r_rows_end);
+            for (; high_ < b; ++high_)
+                word(high_) |= uint64_t(1) << (high_ & 63);
+            if (high_ < to) {
+                word(high_) &= ~(uint64_t(1) << (high_ & 63));
+                ++high_;
+            }
+        }
         if (int64_t(high_) - low_ > window)
             low_ = static_cast<I>(high_ - window);
-        return next;
+        return true;
     }
 
     uint64_t &word(I r) const { return bits_[size_t(r >> 6) % words]; }
@@ -512,19 +544,18 @@ private:
     I low_ = 0, high_ = 0; // bits held for rows [low_, high_)
 };
 
-// The shape of the last short row, relative to its index: its L columns less the row index, where
-// each non-empty tail starts in its R row and how long it is, its count and work; for the numeric
-// pass also each product's place in the row and the row's columns less the row index. The next
-// row repeats the shape when its L columns are these shifted by one and so is every R row they
-// reference: each tail then starts one column further, at the same place in its row. Stencil
-// matrices do so on every row away from the grid edges. The test reads no tail: each R row is
-// compared with the row before it once (follows_window), and each L entry keeps how far along its
-// chain of R rows that holds.
+// The shape of the last short row, relative to its index: where each non-empty tail starts in its
+// R row and how long it is, its count and work; for the numeric pass also each product's place in
+// the row and the row's columns less the row index. The next row repeats the shape when its L
+// columns are those of the row before shifted by one, and so is every R row they reference: each
+// tail then starts one column further, at the same place in its row. Stencil matrices do so on
+// every row away from the grid edges. The test reads no tail: each R row is compared with the row
+// before it once (follows_window), and each L entry keeps how far along its chain of R rows that
+// holds.
 template <class I> struct row_pattern {
     static constexpr int capacity = int(sort_capacity);
     I row = -1; // the row recorded or last matched; -1: none
     int entries = 0;
-    I l_key[few_lists];
     int tails = 0;
     int tail_entry[few_lists];
     I tail_offset[few_lists], tail_length[few_lists];
@@ -537,28 +568,26 @@ template <class I> struct row_pattern {
     // row before it. Cleared when a row is recorded.
     I followed_until[few_lists];
 
-    bool matches(I i, I l_base, const I *l_col, I l_begin, I l_end, I r_base, const I *r_col,
-                 const I *r_rows_start, const I *r_rows_end)
+    // How many rows from i on, at most limit, repeat the shape, each shifted by one from the row
+    // before it; 0 unless row i - 1 holds the shape. The L rows are compared first: where they do
+    // not repeat, the test fails without touching R.
+    I repeat_run(I i, I limit, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
+                 const I *r_col, const I *r_rows_start, const I *r_rows_end)
     {
-        if (row < 0 || row != i - 1 || l_end - l_begin != entries)
-            return false;
-        // The L columns first: where rows do not repeat, this fails without touching R.
-        const I *cols = l_col + l_begin;
-        I differ = 0;
-        for (int t = 0; t < entries; ++t)
-            differ |= (cols[t] - l_base - i) ^ l_key[t];
-        if (differ != 0)
-            return false;
-        for (int t = 0; t < entries; ++t) { // the chain of R rows each L entry walks along
+        if (row < 0 || row != i - 1)
+            return 0;
+        I run = first_unfollowing(i, i + limit, l_base, l_col, l_rows_start, l_rows_end) - i;
+        const I *cols = l_col + (l_rows_start[i] - l_base);
+        for (int t = 0; t < entries && run > 0; ++t) { // the chain of R rows each L entry walks along
             const I k = cols[t] - l_base;
-            if (k < followed_until[t])
-                continue;
-            followed_until[t] = window.next_break(k, r_base, r_col, r_rows_start, r_rows_end);
-            if (followed_until[t] == k)
-                return false;
+            if (followed_until[t] < k + run)
+                followed_until[t] = window.next_break(std::max(followed_until[t], k), k + run, r_base, r_col,
+                                                      r_rows_start, r_rows_end);
+            run = std::min(run, followed_until[t] - k);
         }
-        row = i;
-        return true;
+        if (run > 0)
+            row = i + run - 1;
+        return run;
     }
 
     // Takes row i's shape from its gathered tails; false, with nothing recorded, when they hold more
@@ -579,10 +608,7 @@ template <class I> struct row_pattern {
         if (products > capacity)
             return false;
         entries = static_cast<int>(l_end - l_begin);
-        for (int t = 0; t < entries; ++t) {
-            l_key[t] = l_col[l_begin + t] - l_base - i;
-            followed_until[t] = 0;
-        }
+        std::fill(followed_until, followed_until + entries, I(0));
         tails = gathered.count;
         work = row_work;
         row = i;
@@ -636,6 +662,7 @@ public:
     }
 
     bool full() const { return rows_ == block; }
+    int room() const { return block - rows_; }
 
     // Writes the rows taken so far; the shape may be recorded anew after this.
     void flush(const row_pattern<I> &pattern, I out_base)
@@ -742,9 +769,12 @@ void syrk_struct(I row_first, I row_end, I l_base, const I *l_col, const I *l_ro
     for (I i = row_first; i < row_end; ++i) {
         const I l_begin = l_rows_start[i] - l_base, l_end = l_rows_end[i] - l_base;
         if (l_end - l_begin <= few_lists) {
-            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end)) {
-                counts[i + 1] = pattern.distinct;
-                row_work[i + 1] = pattern.work;
+            const I run = pattern.repeat_run(i, std::min<I>(row_end - i, repeat_span), l_base, l_col, l_rows_start,
+                                             l_rows_end, r_base, r_col, r_rows_start, r_rows_end);
+            if (run > 0) {
+                std::fill(counts + i + 1, counts + i + 1 + run, pattern.distinct);
+                std::fill(row_work + i + 1, row_work + i + 1 + run, pattern.work);
+                i += run - 1;
                 continue;
             }
             if (fetch_ahead)
@@ -908,11 +938,21 @@ void syrk_row(I row_first, I row_end, I rows, I l_base, const T *l_values, const
         if (l_end - l_begin <= few_lists) {
             I *cols = col_indx + first;
             T *vals = values + first;
-            if (pattern.matches(i, l_base, l_col, l_begin, l_end, r_base, r_col, r_rows_start, r_rows_end) &&
-                pattern.distinct <= count) {
-                repeats.add(pattern, i, l_base, l_values, l_col, l_begin, r_base, r_values, r_rows_start, cols, vals);
+            const I run = pattern.repeat_run(i, std::min<I>(row_end - i, repeats.room()), l_base, l_col,
+                                             l_rows_start, l_rows_end, r_base, r_col, r_rows_start, r_rows_end);
+            I taken = 0; // the run's rows up to the first whose place in the output is too short
+            for (; taken < run; ++taken) {
+                const I r = i + taken, at = rows_start[r] - out_base;
+                if (pattern.distinct > rows_start[r + 1] - out_base - at)
+                    break;
+                repeats.add(pattern, r, l_base, l_values, l_col, l_rows_start[r] - l_base, r_base, r_values,
+                            r_rows_start, col_indx + at, values + at);
+            }
+            if (taken > 0) {
+                pattern.row = i + taken - 1;
                 if (repeats.full())
                     repeats.flush(pattern, out_base);
+                i += taken - 1;
                 continue;
             }
             repeats.flush(pattern, out_base);
