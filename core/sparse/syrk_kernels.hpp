@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
+#include "repeat_rows.hpp"
 #include "row_sort.hpp"
 #include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
@@ -287,6 +289,7 @@ template <int Ahead, bool Values, class T, class I>
 
 // Rows with at most this many L entries are formed by merging the tails of their R rows.
 constexpr int few_lists = 16;
+static_assert(few_lists <= repeat_tails);
 
 // Most rows of a repeating shape that the symbolic pass takes in one test.
 constexpr int repeat_span = 64;
@@ -555,6 +558,7 @@ private:
 template <class I> struct row_pattern {
     static constexpr int capacity = int(sort_capacity);
     I row = -1; // the row recorded or last matched; -1: none
+    unsigned recorded = 0; // counts the shapes recorded
     int entries = 0;
     int tails = 0;
     int tail_entry[few_lists];
@@ -612,6 +616,7 @@ template <class I> struct row_pattern {
         tails = gathered.count;
         work = row_work;
         row = i;
+        ++recorded;
         return true;
     }
 
@@ -669,6 +674,79 @@ public:
     {
         if (rows_ == 0)
             return;
+        if (!formed_in_lanes(pattern))
+            sum_block(pattern);
+        for (int r = 0; r < rows_; ++r) {
+            const I shift = row_[r] + out_base;
+            for (I s = 0; s < pattern.distinct; ++s)
+                cols_[r][s] = pattern.column[s] + shift;
+        }
+        rows_ = 0;
+    }
+
+private:
+    // The vector former's lane tables, for real values.
+    using lanes_t = std::conditional_t<std::is_same_v<T, double>, repeat_lanes_f64,
+                                       std::conditional_t<std::is_same_v<T, float>, repeat_lanes_f32, void>>;
+    static constexpr bool has_lanes = !std::is_void_v<lanes_t>;
+    static constexpr int lane_width = std::is_same_v<T, float> ? 16 : 8;
+
+    // The block's sums by the vector former, when there is one and the shape fits its lanes.
+    bool formed_in_lanes(const row_pattern<I> &pattern)
+    {
+        if constexpr (has_lanes) {
+            if (repeat_former_active == nullptr)
+                return false;
+            if (lanes_shape_ != pattern.recorded) {
+                lanes_shape_ = pattern.recorded;
+                lanes_fit_ = fill_lanes(pattern);
+            }
+            if (!lanes_fit_)
+                return false;
+            if constexpr (std::is_same_v<T, double>)
+                repeat_former_active->f64(lanes_, rows_, block, &factor_[0][0], &values_[0][0], vals_);
+            else
+                repeat_former_active->f32(lanes_, rows_, block, &factor_[0][0], &values_[0][0], vals_);
+            return true;
+        }
+        return false;
+    }
+
+    // Which product of each tail lands on which of the row's places; false when a tail or the row
+    // is wider than the lanes.
+    bool fill_lanes(const row_pattern<I> &pattern)
+    {
+        if constexpr (has_lanes) {
+            if (pattern.distinct > 16)
+                return false;
+            lanes_ = {};
+            lanes_.tails = pattern.tails;
+            lanes_.distinct = static_cast<int>(pattern.distinct);
+            const uint8_t *place = pattern.place;
+            for (int t = 0; t < pattern.tails; ++t) {
+                const I length = pattern.tail_length[t];
+                if (length > lane_width)
+                    return false;
+                lanes_.load[t] = static_cast<std::remove_reference_t<decltype(lanes_.load[t])>>((1u << length) - 1u);
+                for (I q = 0; q < length; ++q) {
+                    const int at = *place++;
+                    if constexpr (std::is_same_v<T, double>) {
+                        lanes_.index[t][at / 8][at % 8] = q;
+                        lanes_.mask[t][at / 8] |= static_cast<uint8_t>(1u << (at % 8));
+                    } else {
+                        lanes_.index[t][at] = static_cast<int32_t>(q);
+                        lanes_.mask[t] |= static_cast<uint16_t>(1u << at);
+                    }
+                }
+            }
+            return true;
+        }
+        return false;
+    }
+
+    // The block's sums, lane by lane in portable code.
+    void sum_block(const row_pattern<I> &pattern)
+    {
         for (int r = rows_; r < block; ++r) // unused lanes repeat the first row and are not written
             for (int t = 0; t < pattern.tails; ++t) {
                 factor_[t][r] = factor_[t][0];
@@ -685,23 +763,21 @@ public:
                 for (int r = 0; r < block; ++r)
                     to[r] += mul(factor_[t][r], values_[t][r][q]);
             }
-        for (int r = 0; r < rows_; ++r) {
-            const I shift = row_[r] + out_base;
-            for (I s = 0; s < pattern.distinct; ++s) {
-                cols_[r][s] = pattern.column[s] + shift;
+        for (int r = 0; r < rows_; ++r)
+            for (I s = 0; s < pattern.distinct; ++s)
                 vals_[r][s] = sum[s][r];
-            }
-        }
-        rows_ = 0;
     }
 
-private:
     int rows_ = 0;
     T factor_[few_lists][block];
     const T *values_[few_lists][block];
     I row_[block];
     I *cols_[block];
     T *vals_[block];
+    struct no_lanes {};
+    std::conditional_t<has_lanes, lanes_t, no_lanes> lanes_;
+    unsigned lanes_shape_ = ~0u; // the shape the lane tables were filled for
+    bool lanes_fit_ = false;
 };
 
 // The tails' columns as keys relative to row i (padded for the sorter), with the products when
