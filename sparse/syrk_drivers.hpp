@@ -62,6 +62,8 @@ template <class I> inline I chunk_bound(int64_t c, int64_t count, I rows)
 // the row's length when there is none, 0 for an empty row.
 template <class I> inline I first_offset(I k, I r0, I r_base, const I *r_col, const I *r_rows_start, const I *r_rows_end)
 {
+    if (r0 == 0) // every column qualifies; the row need not be read
+        return 0;
     const I begin = r_rows_start[k] - r_base;
     const I length = r_rows_end[k] - r_base - begin;
     if (length <= 0)
@@ -108,22 +110,22 @@ template <class I> std::pair<I, I> column_range(const I *first, const I *last)
     return avx2 ? column_range_avx2(first, last) : column_range_loop(first, last);
 }
 
-// Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
-// and flag[k] = prepared. A first sweep finds the range of referenced rows. Where the range holds
-// no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
-// it is prepared in memory order: flagging only the referenced ones would cost a store per entry,
-// and a row flagged but not referenced is never read. A thinner range has its referenced rows
-// flagged and their offsets marked pending (-1) first; they are then found in order of k while
-// the range spans at most four times as many rows as the chunk has entries, else entry by entry.
-template <class I, class F>
-void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
-                   const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared)
+// The span of R rows that a chunk's L rows reference, and how many references there are.
+template <class I> struct referenced_rows {
+    bool known = false;
+    I low = 0, high = 0;
+    int64_t entries = 0;
+};
+
+// The R rows that L's rows [r0, r1) reference, by one sweep over their columns. Rows usually
+// follow one another in col_indx; their entries are then swept as one span, in vectors, rather
+// than reduced row by row.
+template <class I>
+referenced_rows<I> find_referenced_rows(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start,
+                                        const I *l_rows_end)
 {
-    constexpr I pending = -1;
     I low = std::numeric_limits<I>::max(), high = std::numeric_limits<I>::min();
     int64_t entries = 0;
-    // Rows usually follow one another in col_indx; their entries are then swept as one span, in
-    // vectors, rather than reduced row by row.
     I span = 0, span_end = 0;
     auto sweep = [&] {
         if (span_end > span) {
@@ -144,10 +146,41 @@ void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, 
         span_end = end;
     }
     sweep();
+    referenced_rows<I> found;
+    found.known = true;
+    found.entries = entries;
+    if (entries > 0) {
+        found.low = low - l_base;
+        found.high = high - l_base;
+    }
+    return found;
+}
+
+// Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
+// and flag[k] = prepared. A first sweep finds the range of referenced rows, unless `referenced`
+// holds it from an earlier pass over the same chunk (it is kept there for the next). Where the range holds
+// no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
+// it is prepared in memory order: flagging only the referenced ones would cost a store per entry,
+// and a row flagged but not referenced is never read. A thinner range has its referenced rows
+// flagged and their offsets marked pending (-1) first; they are then found in order of k while
+// the range spans at most four times as many rows as the chunk has entries, else entry by entry.
+template <class I, class F>
+void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
+                   const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared,
+                   referenced_rows<I> *referenced = nullptr)
+{
+    constexpr I pending = -1;
+    referenced_rows<I> swept;
+    if (referenced == nullptr || !referenced->known) {
+        swept = find_referenced_rows(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
+        if (referenced != nullptr)
+            *referenced = swept;
+    }
+    const referenced_rows<I> &range = referenced != nullptr ? *referenced : swept;
+    const I low = range.low, high = range.high;
+    const int64_t entries = range.entries;
     if (entries == 0)
         return;
-    low -= l_base;
-    high -= l_base;
     if (int64_t(high) - low < entries) {
         for (I k = low; k <= high; ++k) {
             flag[k] = prepared;
@@ -339,14 +372,17 @@ int syrk_stage_driver(int stage, int operation, I rows, I cols, operand<C, I> fi
 
     // Four fixed chunks; per chunk the markers of the chunk's columns are prepared (-1) and `kernel`
     // runs on it. Preparing sweeps the chunk's columns anyway, so it sets the markers at once rather
-    // than first putting them back to -2.
+    // than first putting them back to -2. The rows a chunk references are found by the first pass
+    // over it and kept for the second.
+    referenced_rows<I> referenced[4];
     auto for_each_chunk = [&](auto kernel) {
         for (int64_t chunk = 0; chunk < 4; ++chunk) {
             const I r0 = chunk_bound(chunk, 4, result_rows), r1 = chunk_bound(chunk + 1, 4, result_rows);
             if (r0 == r1)
                 continue;
             prepare_chunk<I, I>(r0, r1, L.base, L.col_indx, L.rows_start, L.rows_end, Rop.base, Rop.col_indx,
-                                Rop.rows_start, Rop.rows_end, start_offset.get(), marker.get(), -1);
+                                Rop.rows_start, Rop.rows_end, start_offset.get(), marker.get(), -1,
+                                &referenced[chunk]);
             kernel(r0, r1);
         }
     };
