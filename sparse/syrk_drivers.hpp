@@ -157,9 +157,8 @@ referenced_rows<I> find_referenced_rows(I r0, I r1, I l_base, const I *l_col, co
 }
 
 // Prepares rows [r0, r1) of L: the start offset of every R row they reference, once per chunk,
-// and flag[k] = prepared. A first sweep finds the range of referenced rows, unless `referenced`
-// holds it from an earlier pass over the same chunk (it is kept there for the next). Where the range holds
-// no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
+// and flag[k] = prepared. A first sweep finds the range of referenced rows into `referenced`,
+// unless an earlier pass over the same chunk already did. Where the range holds no more rows than the chunk has entries (stencils, or rows spread over all of R), every row in
 // it is prepared in memory order: flagging only the referenced ones would cost a store per entry,
 // and a row flagged but not referenced is never read. A thinner range has its referenced rows
 // flagged and their offsets marked pending (-1) first; they are then found in order of k while
@@ -167,18 +166,13 @@ referenced_rows<I> find_referenced_rows(I r0, I r1, I l_base, const I *l_col, co
 template <class I, class F>
 void prepare_chunk(I r0, I r1, I l_base, const I *l_col, const I *l_rows_start, const I *l_rows_end, I r_base,
                    const I *r_col, const I *r_rows_start, const I *r_rows_end, I *start_offset, F *flag, F prepared,
-                   referenced_rows<I> *referenced = nullptr)
+                   referenced_rows<I> &referenced)
 {
     constexpr I pending = -1;
-    referenced_rows<I> swept;
-    if (referenced == nullptr || !referenced->known) {
-        swept = find_referenced_rows(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
-        if (referenced != nullptr)
-            *referenced = swept;
-    }
-    const referenced_rows<I> &range = referenced != nullptr ? *referenced : swept;
-    const I low = range.low, high = range.high;
-    const int64_t entries = range.entries;
+    if (!referenced.known)
+        referenced = find_referenced_rows(r0, r1, l_base, l_col, l_rows_start, l_rows_end);
+    const I low = referenced.low, high = referenced.high;
+    const int64_t entries = referenced.entries;
     if (entries == 0)
         return;
     if (int64_t(high) - low < entries) {
@@ -232,8 +226,9 @@ int syrkd_n_driver(C alpha, C beta, I rows, I cols, I base, const C *values, con
             std::memset(visited.get(), 0, n * sizeof(int32_t));
             std::memset(start_offset.get(), 0, n * sizeof(I));
         }
+        referenced_rows<I> referenced; // one pass per chunk here
         prepare_chunk<I, int32_t>(r0, r1, base, col_indx, rows_start, rows_end, t_base, t_col_indx, t_rows_start,
-                                  t_rows_end, start_offset.get(), visited.get(), 1);
+                                  t_rows_end, start_offset.get(), visited.get(), 1, referenced);
         if (unit)
             (column_major ? K::n_f : K::n_c)(r0, r1, rows, base, values, col_indx, rows_start, rows_end, t_base,
                                              t_values, t_col_indx, t_rows_start, t_rows_end, start_offset.get(), c,
@@ -382,7 +377,7 @@ int syrk_stage_driver(int stage, int operation, I rows, I cols, operand<C, I> fi
                 continue;
             prepare_chunk<I, I>(r0, r1, L.base, L.col_indx, L.rows_start, L.rows_end, Rop.base, Rop.col_indx,
                                 Rop.rows_start, Rop.rows_end, start_offset.get(), marker.get(), -1,
-                                &referenced[chunk]);
+                                referenced[chunk]);
             kernel(r0, r1);
         }
     };
