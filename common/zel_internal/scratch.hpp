@@ -5,16 +5,21 @@
 #include <utility>
 
 #include "zel/runtime.h"
+#include "zel_internal/checked.hpp"
 
 namespace zel {
 
-// Owns `count` elements of T from zel_serv_malloc; frees them on every path.
+// Owns `count` elements of T from zel_serv_malloc; frees them on every path. A count whose
+// bytes do not fit size_t is a failed allocation, never a short one.
 template <class T> class scratch_array {
 public:
     scratch_array() = default;
     scratch_array(size_t count, int alignment)
-        : data_(static_cast<T *>(zel_serv_malloc(count * sizeof(T), alignment))), count_(count)
     {
+        if (const auto bytes = checked_bytes<T>(count)) {
+            data_ = static_cast<T *>(zel_serv_malloc(*bytes, alignment));
+            count_ = data_ != nullptr ? count : 0;
+        }
     }
     scratch_array(const scratch_array &) = delete;
     scratch_array &operator=(const scratch_array &) = delete;
