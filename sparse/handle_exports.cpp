@@ -8,63 +8,63 @@
 namespace zs = zel::sparse;
 
 // The four conversions out of one source format (code -1: the handle's own, for convert_any).
-#define ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, from, code)                                               \
-    ZEL_API int zel_sparse_##p##_convert_##from##_to_csr_##W(const zel_sparse_matrix_##W *A, int operation, \
+#define ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, from, code)                                               \
+    ZEL_API int zel_sparse_##P##_convert_##from##_to_csr_##W(const zel_sparse_matrix_##W *A, int operation, \
                                                              zel_sparse_csr_record_##W *out)              \
-    { return zs::convert_to_csr<Cpp, I>(A, code, operation, out); }                                        \
-    ZEL_API int zel_sparse_##p##_convert_##from##_to_csc_##W(const zel_sparse_matrix_##W *A, int operation, \
+    { return zs::convert_to_csr<T, I>(A, code, operation, out); }                                        \
+    ZEL_API int zel_sparse_##P##_convert_##from##_to_csc_##W(const zel_sparse_matrix_##W *A, int operation, \
                                                              zel_sparse_csr_record_##W *out)              \
-    { return zs::convert_to_csc<Cpp, I>(A, code, operation, out); }                                        \
-    ZEL_API int zel_sparse_##p##_convert_##from##_to_coo_##W(const zel_sparse_matrix_##W *A, int operation, \
+    { return zs::convert_to_csc<T, I>(A, code, operation, out); }                                        \
+    ZEL_API int zel_sparse_##P##_convert_##from##_to_coo_##W(const zel_sparse_matrix_##W *A, int operation, \
                                                              zel_sparse_coo_record_##W *out)              \
-    { return zs::convert_to_coo<Cpp, I>(A, code, operation, out); }                                        \
-    ZEL_API int zel_sparse_##p##_convert_##from##_to_bsr_##W(const zel_sparse_matrix_##W *A, int operation, \
+    { return zs::convert_to_coo<T, I>(A, code, operation, out); }                                        \
+    ZEL_API int zel_sparse_##P##_convert_##from##_to_bsr_##W(const zel_sparse_matrix_##W *A, int operation, \
                                                              I block_size, int block_layout,              \
                                                              zel_sparse_csr_record_##W *out)              \
-    { return zs::convert_to_bsr<Cpp, I>(A, code, operation, block_size, block_layout, out); }
+    { return zs::convert_to_bsr<T, I>(A, code, operation, block_size, block_layout, out); }
 
-#define ZEL_SPARSE_HANDLE_SHELLS(p, T, Cpp, W, I)                                                         \
-    ZEL_API int zel_sparse_##p##_do_set_inplace_copy_##W(zel_sparse_matrix_##W *A, I flag)                 \
+#define ZEL_SPARSE_HANDLE_SHELLS(P, C, T, W, I)                                                         \
+    ZEL_API int zel_sparse_##P##_do_set_inplace_copy_##W(zel_sparse_matrix_##W *A, I flag)                 \
     { return zs::set_inplace_copy<I>(A, flag); }                                                           \
-    ZEL_API int zel_sparse_##p##_do_set_is_sycl_cpu_##W(zel_sparse_matrix_##W *A, I flag)                  \
+    ZEL_API int zel_sparse_##P##_do_set_is_sycl_cpu_##W(zel_sparse_matrix_##W *A, I flag)                  \
     { return zs::set_is_sycl_cpu<I>(A, flag); }                                                            \
-    ZEL_API int zel_sparse_##p##_do_get_sorted_property_##W(const zel_sparse_matrix_##W *A, I *sorted)     \
+    ZEL_API int zel_sparse_##P##_do_get_sorted_property_##W(const zel_sparse_matrix_##W *A, I *sorted)     \
     { return zs::get_sorted_property<I>(A, sorted); }                                                      \
-    ZEL_API int zel_sparse_##p##_set_coo_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
+    ZEL_API int zel_sparse_##P##_set_coo_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
-                                                         I *row_indx, I *col_indx, T *values)             \
+                                                         I *row_indx, I *col_indx, C *values)             \
     { return zs::set_coo_data_arrays<I>(A, is_sycl_cpu, owns_arrays, sorted, index_base, row_indx,         \
                                         col_indx, values); }                                               \
-    ZEL_API int zel_sparse_##p##_set_csr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
+    ZEL_API int zel_sparse_##P##_set_csr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *rows_start, I *rows_end, I *col_indx,         \
-                                                         T *values)                                       \
+                                                         C *values)                                       \
     { return zs::set_compressed_data_arrays<I>(A, false, is_sycl_cpu, owns_arrays, sorted, index_base,     \
                                                rows_start, rows_end, col_indx, values); }                  \
-    ZEL_API int zel_sparse_##p##_set_csc_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
+    ZEL_API int zel_sparse_##P##_set_csc_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *cols_start, I *cols_end, I *row_indx,         \
-                                                         T *values)                                       \
+                                                         C *values)                                       \
     { return zs::set_compressed_data_arrays<I>(A, true, is_sycl_cpu, owns_arrays, sorted, index_base,      \
                                                cols_start, cols_end, row_indx, values); }                  \
-    ZEL_API int zel_sparse_##p##_set_bsr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
+    ZEL_API int zel_sparse_##P##_set_bsr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *rows_start, I *rows_end, I *col_indx, I,      \
-                                                         T *values)                                       \
+                                                         C *values)                                       \
     { return zs::set_bsr_data_arrays<I>(A, is_sycl_cpu, owns_arrays, sorted, index_base, rows_start,       \
                                         rows_end, col_indx, values); }                                     \
-    ZEL_API int zel_sparse_##p##_do_order_##W(zel_sparse_matrix_##W *A) { return zs::do_order<Cpp, I>(A); } \
-    ZEL_API int zel_sparse_##p##_check_input_data_##W(const zel_sparse_matrix_##W *A, int type_a,          \
+    ZEL_API int zel_sparse_##P##_do_order_##W(zel_sparse_matrix_##W *A) { return zs::do_order<T, I>(A); } \
+    ZEL_API int zel_sparse_##P##_check_input_data_##W(const zel_sparse_matrix_##W *A, int type_a,          \
                                                       int mode_a, int diag_a,                             \
                                                       const zel_sparse_matrix_##W *B, int type_b,         \
                                                       int mode_b, int diag_b, int allow_rectangular)      \
     { return zs::check_input_data<I>(A, type_a, mode_a, diag_a, B, type_b, mode_b, diag_b,                 \
                                      allow_rectangular); }                                                 \
-    ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, coo, ZEL_SPARSE_FORMAT_COO)                                   \
-    ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, csr, ZEL_SPARSE_FORMAT_CSR)                                   \
-    ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, csc, ZEL_SPARSE_FORMAT_CSC)                                   \
-    ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, bsr, ZEL_SPARSE_FORMAT_BSR)                                   \
-    ZEL_SPARSE_CONVERT_SHELLS(p, Cpp, W, I, any, zs::any_format)
+    ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, coo, ZEL_SPARSE_FORMAT_COO)                                   \
+    ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, csr, ZEL_SPARSE_FORMAT_CSR)                                   \
+    ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, csc, ZEL_SPARSE_FORMAT_CSC)                                   \
+    ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, bsr, ZEL_SPARSE_FORMAT_BSR)                                   \
+    ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, any, zs::any_format)
 
 #define ZEL_SPARSE_HANDLE_WIDTH_SHELLS(W, I)                                                              \
     ZEL_API int zel_sparse_order_##W(zel_sparse_matrix_##W *A) { return zs::order_any<I>(A); }             \

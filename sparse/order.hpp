@@ -1,91 +1,56 @@
-// Index ordering of a handle's record: indices increasing inside each row, values following.
+// Index ordering of a handle's record: indices increasing inside each row, values following,
+// ties in stored order. Both forms run the shared counting sort.
 #pragma once
 
 #include <algorithm>
 
 #include "zel/sparse_handle.h"
 #include "zel_internal/sparse_formats.hpp"
+#include "zel_internal/sparse_transpose.hpp"
 
 namespace zel::sparse {
 
-// Puts positions [0, length) in the order `before` gives, ties by position, then moves each
-// index and its group of `group` values accordingly.
-template <class T, class I, class Before>
-void permute_slice(I length, I *perm, I *index, I *index_tmp, T *values, T *values_tmp, int64_t group, Before before)
-{
-    if (length <= 0)
-        return;
-    for (I k = 0; k < length; ++k)
-        perm[k] = k;
-    std::sort(perm, perm + length, [&](I x, I y) { return before(x, y) || (!before(y, x) && x < y); });
-    std::copy(index, index + length, index_tmp);
-    for (I k = 0; k < length; ++k)
-        index[k] = index_tmp[perm[k]];
-    if (values == nullptr)
-        return;
-    std::copy(values, values + length * group, values_tmp);
-    for (I k = 0; k < length; ++k)
-        std::copy(values_tmp + perm[k] * group, values_tmp + (perm[k] + 1) * group, values + k * group);
-}
-
-// Sorts the indices of every slice of a compressed record (blocks move whole in BSR).
+// Sorts the indices of every slice of a compressed record in place (blocks move whole in BSR).
 template <class T, class I> int order_compressed(csr_t<I> &r, int32_t format)
 {
-    const I n = format == ZEL_SPARSE_FORMAT_CSC ? r.cols : r.rows, base = r.index_base;
-    const int64_t group = format == ZEL_SPARSE_FORMAT_BSR ? int64_t(r.block_size) * r.block_size : 1;
-    I longest = 0;
-    for (I i = 0; i < n; ++i)
-        longest = std::max<I>(longest, r.rows_end[i] - r.rows_start[i]);
-    scratch_array<I> perm(std::max<I>(longest, 1), alignment), index_tmp(std::max<I>(longest, 1), alignment);
-    scratch_array<T> values_tmp;
-    if (r.values != nullptr)
-        values_tmp = scratch_array<T>(std::max<int64_t>(longest * group, 1), alignment);
-    if (!perm || !index_tmp || (r.values != nullptr && !values_tmp))
-        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    for (I i = 0; i < n; ++i) {
-        const I first = r.rows_start[i] - base;
-        I *index = r.col_indx + first;
-        T *values = r.values ? static_cast<T *>(r.values) + first * group : nullptr;
-        permute_slice<T, I>(r.rows_end[i] - r.rows_start[i], perm.get(), index, index_tmp.get(), values,
-                            values_tmp.get(), group, [&](I x, I y) { return index[x] < index[y]; });
+    const compressed_view<T, I> a = view_of_record<T, I>(r, format);
+    owned_arrays<T, I> sorted;
+    if (int status = sort_slices(a, sorted))
+        return status;
+    const int64_t area = a.block_area();
+    T *values = static_cast<T *>(r.values);
+    for (I i = 0; i < a.slices; ++i) {
+        const int64_t from = sorted.starts[i] - a.base, length = a.length(i), to = a.begin(i);
+        std::copy(sorted.index.get() + from, sorted.index.get() + from + length, r.col_indx + to);
+        if (values != nullptr)
+            std::copy(sorted.values.get() + from * area, sorted.values.get() + (from + length) * area,
+                      values + to * area);
     }
     r.sorted = 1;
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// Sorts coordinate pairs by row, then column.
-template <class T, class I> int order_coo(coo_t<I> &r)
+// Sorts coordinate pairs by row, then column: compressed by columns, then by rows.
+template <class T, class I> int order_coo(coo_t<I> &r, const source_view<I> &view)
 {
-    const I nnz = r.nnz;
-    if (nnz <= 0) {
-        r.sorted = 1;
-        return ZEL_SPARSE_STATUS_SUCCESS;
-    }
-    const size_t length = static_cast<size_t>(nnz);
-    scratch_array<I> perm(length, alignment), keys(length, alignment), index_tmp(length, alignment);
-    scratch_array<T> values_tmp;
-    if (r.values != nullptr)
-        values_tmp = scratch_array<T>(length, alignment);
-    if (!perm || !keys || !index_tmp || (r.values != nullptr && !values_tmp))
-        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    // Sort by row with columns riding along, using a copy of the rows as the key of both moves.
-    std::copy(r.row_indx, r.row_indx + nnz, keys.get());
-    const I *row = keys.get(), *col = r.col_indx;
-    auto before = [&](I x, I y) { return row[x] < row[y] || (row[x] == row[y] && col[x] < col[y]); };
-    for (I k = 0; k < nnz; ++k)
-        perm[k] = k;
-    std::sort(perm.get(), perm.get() + nnz, [&](I x, I y) { return before(x, y) || (!before(y, x) && x < y); });
-    std::copy(r.col_indx, r.col_indx + nnz, index_tmp.get());
-    for (I k = 0; k < nnz; ++k) {
-        r.row_indx[k] = keys[perm[k]];
-        r.col_indx[k] = index_tmp[perm[k]];
-    }
-    if (r.values != nullptr) {
-        T *values = static_cast<T *>(r.values);
-        std::copy(values, values + nnz, values_tmp.get());
-        for (I k = 0; k < nnz; ++k)
-            values[k] = values_tmp[perm[k]];
-    }
+    csr_t<I> by_columns;
+    if (int status = build_compressed<T, I>(view, ZEL_SPARSE_OPERATION_NON_TRANSPOSE, true, by_columns))
+        return status;
+    struct release_columns {
+        csr_t<I> &record;
+        ~release_columns() { free_owned_arrays<I>(record); }
+    } release{by_columns};
+    owned_arrays<T, I> by_rows;
+    if (int status = transpose_into(view_of_record<T, I>(by_columns, ZEL_SPARSE_FORMAT_CSC), I(1), false, by_rows))
+        return status;
+    T *values = static_cast<T *>(r.values);
+    for (I i = 0; i < by_rows.slices; ++i)
+        for (I k = by_rows.starts[i] - view.base; k < by_rows.starts[i + 1] - view.base; ++k) {
+            r.row_indx[k] = i + view.base;
+            r.col_indx[k] = by_rows.index[k];
+            if (values != nullptr)
+                values[k] = by_rows.values[k];
+        }
     r.sorted = 1;
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
@@ -102,8 +67,12 @@ template <class T, class I> int do_order(handle_t<I> *A)
     source_view<I> view;
     if (!view_of(A, view))
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
+    if (coo && view.nnz <= 0) {
+        static_cast<coo_t<I> *>(A->data)->sorted = 1;
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    }
     if (coo)
-        return order_coo<T, I>(*static_cast<coo_t<I> *>(A->data));
+        return order_coo<T, I>(*static_cast<coo_t<I> *>(A->data), view);
     return order_compressed<T, I>(*static_cast<csr_t<I> *>(A->data), A->format);
 }
 
@@ -111,13 +80,8 @@ template <class I> int order_any(handle_t<I> *A)
 {
     if (A == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
-    switch (A->data_type) {
-    case ZEL_SPARSE_DATA_D: return do_order<double, I>(A);
-    case ZEL_SPARSE_DATA_S: return do_order<float, I>(A);
-    case ZEL_SPARSE_DATA_Z: return do_order<std::complex<double>, I>(A);
-    case ZEL_SPARSE_DATA_C: return do_order<std::complex<float>, I>(A);
-    default: return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
-    }
+    return with_value_type(A->data_type, ZEL_SPARSE_STATUS_INTERNAL_ERROR,
+                           [&](auto value) { return do_order<decltype(value), I>(A); });
 }
 
 } // namespace zel::sparse

@@ -1,5 +1,5 @@
-// Sparse storage formats: record traits, descriptor rules and the format conversions shared by
-// the core's handle lifecycle and the layer's conversion entry points.
+// Sparse storage formats: descriptor rules, one view over any storage record, and the format
+// conversions shared by the core's handle lifecycle and the layer's conversion entry points.
 #pragma once
 
 #include <algorithm>
@@ -8,57 +8,14 @@
 #include <limits>
 
 #include "zel/sparse_types.h"
-#include "zel_internal/scratch.hpp"
-#include "zel_internal/value_traits.hpp"
+#include "zel_internal/sparse_records.hpp"
 
 namespace zel::sparse {
 
-constexpr int alignment = 4096;
-
-template <class I> struct records;
-template <> struct records<int32_t> {
-    using handle = zel_sparse_matrix_i4;
-    using csr = zel_sparse_csr_record_i4;
-    using coo = zel_sparse_coo_record_i4;
-    using node = zel_sparse_proc_node_i4;
-};
-template <> struct records<int64_t> {
-    using handle = zel_sparse_matrix_i8;
-    using csr = zel_sparse_csr_record_i8;
-    using coo = zel_sparse_coo_record_i8;
-    using node = zel_sparse_proc_node_i8;
-};
-template <class I> using handle_t = typename records<I>::handle;
-template <class I> using csr_t = typename records<I>::csr;
-template <class I> using coo_t = typename records<I>::coo;
-template <class I> using node_t = typename records<I>::node;
-
-// The handle's data_type code of a C++ value type (d, s, z, c = 0, 1, 2, 3).
-template <class T> constexpr int32_t data_type_code()
+inline bool is_operation(int operation)
 {
-    if constexpr (std::is_same_v<T, double>)
-        return ZEL_SPARSE_DATA_D;
-    else if constexpr (std::is_same_v<T, float>)
-        return ZEL_SPARSE_DATA_S;
-    else if constexpr (std::is_same_v<T, std::complex<double>>)
-        return ZEL_SPARSE_DATA_Z;
-    else
-        return ZEL_SPARSE_DATA_C;
+    return operation >= ZEL_SPARSE_OPERATION_NON_TRANSPOSE && operation <= ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE;
 }
-
-// Bytes of one value of a data_type code, 0 for an unknown code.
-inline size_t value_size(int32_t data_type)
-{
-    switch (data_type) {
-    case ZEL_SPARSE_DATA_D: return sizeof(double);
-    case ZEL_SPARSE_DATA_S: return sizeof(float);
-    case ZEL_SPARSE_DATA_Z: return 2 * sizeof(double);
-    case ZEL_SPARSE_DATA_C: return 2 * sizeof(float);
-    default: return 0;
-    }
-}
-
-inline bool is_operation(int operation) { return operation >= 10 && operation <= 12; }
 
 // Block order inside a BSR block: layout argument 101 (row-major) is stored as 0, 102 as 1.
 inline int32_t block_layout_record_code(int layout)
@@ -107,10 +64,23 @@ template <class I> struct source_view {
     const void *values = nullptr;
 
     I compressed() const { return format == ZEL_SPARSE_FORMAT_CSC ? cols : rows; }
-    int64_t scalar_rows() const { return int64_t(rows) * block; }
-    int64_t scalar_cols() const { return int64_t(cols) * block; }
-    int64_t scalar_entries() const { return int64_t(nnz) * block * block; }
 };
+
+// Scalar shape of op(A): rows, columns and stored values, each checked to fit the index type.
+struct op_shape {
+    int64_t rows = 0, cols = 0, entries = 0;
+};
+template <class I> bool shape_of(const source_view<I> &a, int operation, op_shape &shape)
+{
+    const auto rows = checked_mul(a.rows, a.block), cols = checked_mul(a.cols, a.block);
+    const auto area = checked_mul(a.block, a.block);
+    const auto entries = area ? checked_mul(*area, a.nnz) : std::nullopt;
+    if (!rows || !cols || !entries || !fits_in<I>(*rows) || !fits_in<I>(*cols) || !fits_in<I>(*entries + a.base))
+        return false;
+    const bool transposed = operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE;
+    shape = {transposed ? *cols : *rows, transposed ? *rows : *cols, *entries};
+    return true;
+}
 
 // The view of a handle's storage record; false when the handle has none, an unknown format or
 // a record whose arrays are missing.
@@ -179,85 +149,76 @@ template <class I, class Visit> void for_each_entry(const source_view<I> &a, int
     }
 }
 
-template <class I> bool fits(int64_t value) { return value <= int64_t(std::numeric_limits<I>::max()); }
-
-// 1 when the index slices [starts[i], starts[i+1]) never decrease.
-template <class I> I slices_sorted(const I *starts, const I *index, int64_t n, I base)
-{
-    for (int64_t i = 0; i < n; ++i)
-        for (int64_t p = starts[i] - base + 1; p < starts[i + 1] - base; ++p)
-            if (index[p] < index[p - 1])
-                return 0;
-    return 1;
-}
-
 // Value of position p of op(A), conjugated for operation 12.
 template <class T> T entry_value(const void *values, int64_t p, int operation)
 {
     return conj_if(static_cast<const T *>(values)[p], operation == ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE);
 }
 
-// out = op(A) compressed by rows (CSR) or by columns (CSC) in new owned arrays, by a stable
-// counting sort over the output's compressed dimension.
-template <class T, class I> int build_compressed(const source_view<I> &a, int operation, bool by_column, csr_t<I> &out)
+// Fields of a new owned record of op(A) in three-array form; the arrays follow by adopt_arrays.
+template <class I> csr_t<I> owned_record(I rows, I cols, I base, I block, int32_t layout)
 {
-    const bool transposed = operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE;
-    const int64_t m = transposed ? a.scalar_cols() : a.scalar_rows();
-    const int64_t n = transposed ? a.scalar_rows() : a.scalar_cols();
-    const int64_t nnz = a.scalar_entries();
-    const int64_t slices = by_column ? n : m;
-    if (!fits<I>(m) || !fits<I>(n) || !fits<I>(nnz + a.base))
-        return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    scratch_array<I> starts(slices + 1, alignment), index(std::max<int64_t>(nnz, 1), alignment);
-    scratch_array<I> next(std::max<int64_t>(slices, 1), alignment);
-    scratch_array<T> values;
-    if (a.values != nullptr)
-        values = scratch_array<T>(std::max<int64_t>(nnz, 1), alignment);
-    if (!starts || !index || !next || (a.values != nullptr && !values))
-        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    csr_t<I> record{};
+    record.rows = rows;
+    record.cols = cols;
+    record.index_base = base;
+    record.block_size = block;
+    record.block_layout = layout;
+    record.inplace_copy = 1;
+    return record;
+}
 
-    std::fill(starts.get(), starts.get() + slices + 1, I(0));
-    for_each_entry(a, operation, [&](int64_t r, int64_t c, int64_t) { ++starts[(by_column ? c : r) + 1]; });
+// Offsets of a counting sort: counts at [s + 1] become starts carrying the base, next[s] the
+// zero-based cursor of slice s.
+template <class I> void counts_to_starts(I *starts, I *next, int64_t slices, I base)
+{
     for (int64_t s = 0; s < slices; ++s) {
         next[s] = starts[s];
         starts[s + 1] += starts[s];
     }
+    for (int64_t s = 0; s <= slices; ++s)
+        starts[s] += base;
+}
+
+// out = op(A) compressed by rows (CSR) or by columns (CSC) in new owned arrays, by a stable
+// counting sort over the output's compressed dimension.
+template <class T, class I> int build_compressed(const source_view<I> &a, int operation, bool by_column, csr_t<I> &out)
+{
+    op_shape shape;
+    if (!shape_of(a, operation, shape))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    const int64_t slices = by_column ? shape.cols : shape.rows;
+    owned_arrays<T, I> arrays;
+    scratch_array<I> next(std::max<int64_t>(slices, 1), alignment);
+    if (!arrays.allocate(slices, shape.entries, 1, a.values != nullptr) || !next)
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+
+    I *starts = arrays.starts.get();
+    std::fill(starts, starts + slices + 1, I(0));
+    for_each_entry(a, operation, [&](int64_t r, int64_t c, int64_t) { ++starts[(by_column ? c : r) + 1]; });
+    counts_to_starts(starts, next.get(), slices, a.base);
     for_each_entry(a, operation, [&](int64_t r, int64_t c, int64_t p) {
         const I slot = next[by_column ? c : r]++;
-        index[slot] = I((by_column ? r : c) + a.base);
-        if (values)
-            values[slot] = entry_value<T>(a.values, p, operation);
+        arrays.index[slot] = I((by_column ? r : c) + a.base);
+        if (arrays.values)
+            arrays.values[slot] = entry_value<T>(a.values, p, operation);
     });
-    for (int64_t s = 0; s <= slices; ++s)
-        starts[s] += a.base;
 
-    out = csr_t<I>{};
-    out.sorted = slices_sorted(starts.get(), index.get(), slices, a.base);
-    out.rows = I(m);
-    out.cols = I(n);
-    out.nnz = starts[slices] - a.base; // a four-array source may leave gaps uncounted
-    out.index_base = a.base;
-    out.block_size = 1;
-    out.owns_arrays = 1;
-    out.inplace_copy = 1;
-    out.three_array = 1;
-    out.rows_start = starts.release();
-    out.rows_end = out.rows_start + 1;
-    out.col_indx = index.release();
-    out.values = values.release();
+    out = owned_record<I>(I(shape.rows), I(shape.cols), a.base, 1, 0);
+    const compressed_view<T, I> built{I(slices), 0, a.base, 1, starts, starts + 1, arrays.index.get(), nullptr};
+    out.sorted = slices_sorted(built);
+    out.nnz = arrays.stored(); // a four-array source may leave gaps uncounted
+    adopt_arrays(out, arrays);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
 // out = op(A) as coordinate pairs in new owned arrays, in the order the source stores them.
 template <class T, class I> int build_coo(const source_view<I> &a, int operation, coo_t<I> &out)
 {
-    const bool transposed = operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE;
-    const int64_t m = transposed ? a.scalar_cols() : a.scalar_rows();
-    const int64_t n = transposed ? a.scalar_rows() : a.scalar_cols();
-    const int64_t nnz = a.scalar_entries();
-    if (!fits<I>(m) || !fits<I>(n) || !fits<I>(nnz))
+    op_shape shape;
+    if (!shape_of(a, operation, shape))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    const size_t length = std::max<int64_t>(nnz, 1);
+    const size_t length = std::max<int64_t>(shape.entries, 1);
     scratch_array<I> rows(length, alignment), cols(length, alignment);
     scratch_array<T> values;
     if (a.values != nullptr)
@@ -279,8 +240,8 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
 
     out = coo_t<I>{};
     out.sorted = sorted;
-    out.rows = I(m);
-    out.cols = I(n);
+    out.rows = I(shape.rows);
+    out.cols = I(shape.cols);
     out.nnz = I(k);
     out.index_base = a.base;
     out.owns_arrays = 1;
@@ -291,23 +252,59 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// Frees the arrays of a record built by the conversions (owns_arrays 1).
-template <class I> void free_owned_arrays(csr_t<I> &record)
+// A scalar CSR record (three-array, owned) split into block rows of edge b.
+template <class T, class I> struct block_split {
+    const csr_t<I> &scalar;
+    int64_t b, block_rows, block_cols;
+
+    int64_t begin(int64_t r) const { return scalar.rows_start[r] - scalar.index_base; }
+    int64_t end(int64_t r) const { return scalar.rows_start[r + 1] - scalar.index_base; }
+    int64_t column(int64_t p) const { return scalar.col_indx[p] - scalar.index_base; }
+
+    // Calls visit(block column) once for each distinct block column of block row br; last_row
+    // marks the columns seen (block_cols entries, -1 or an earlier block row on entry).
+    template <class Visit> void each_block(int64_t br, I *last_row, Visit visit) const
+    {
+        for (int64_t r = br * b; r < br * b + b; ++r)
+            for (int64_t p = begin(r); p < end(r); ++p) {
+                const int64_t bc = column(p) / b;
+                if (last_row[bc] != br) {
+                    last_row[bc] = I(br);
+                    visit(bc);
+                }
+            }
+    }
+};
+
+// Adds the scalar entries of block row br into their blocks (slot: block column -> stored block).
+template <class T, class I>
+void add_block_row_values(const block_split<T, I> &split, int64_t br, const I *slot, int32_t layout, T *values)
 {
-    zel_serv_free(record.rows_start);
-    zel_serv_free(record.col_indx);
-    zel_serv_free(record.values);
-    zel_serv_free(record.aux);
-    record.rows_start = record.rows_end = record.col_indx = nullptr;
-    record.values = record.aux = nullptr;
+    const int64_t b = split.b;
+    const T *scalar_values = static_cast<const T *>(split.scalar.values);
+    for (int64_t r = br * b; r < br * b + b; ++r)
+        for (int64_t p = split.begin(r); p < split.end(r); ++p) {
+            const int64_t c = split.column(p), bi = r - br * b, bj = c % b;
+            const int64_t offset = layout == 0 ? bi * b + bj : bj * b + bi;
+            values[slot[c / b] * b * b + offset] += scalar_values[p];
+        }
 }
-template <class I> void free_owned_arrays(coo_t<I> &record)
+
+// Places the blocks of every block row in increasing column order and sums the entries into
+// them; arrays.starts holds zero-based block offsets on entry.
+template <class T, class I>
+void place_blocks(const block_split<T, I> &split, int32_t layout, I *last_row, I *slot, owned_arrays<T, I> &arrays)
 {
-    zel_serv_free(record.row_indx);
-    zel_serv_free(record.col_indx);
-    zel_serv_free(record.values);
-    record.row_indx = record.col_indx = nullptr;
-    record.values = nullptr;
+    std::fill(last_row, last_row + split.block_cols, I(-1));
+    for (int64_t br = 0; br < split.block_rows; ++br) {
+        I fill = arrays.starts[br];
+        split.each_block(br, last_row, [&](int64_t bc) { arrays.index[fill++] = I(bc); });
+        std::sort(arrays.index.get() + arrays.starts[br], arrays.index.get() + fill);
+        for (I k = arrays.starts[br]; k < fill; ++k)
+            slot[arrays.index[k]] = k;
+        if (arrays.values)
+            add_block_row_values(split, br, slot, layout, arrays.values.get());
+    }
 }
 
 // out = op(A) in BSR with blocks of edge b (block order by layout code 0/1): every block that
@@ -316,97 +313,51 @@ template <class I> void free_owned_arrays(coo_t<I> &record)
 template <class T, class I>
 int build_bsr(const source_view<I> &a, int operation, int64_t b, int32_t layout, csr_t<I> &out)
 {
-    const bool transposed = operation != ZEL_SPARSE_OPERATION_NON_TRANSPOSE;
-    const int64_t m = transposed ? a.scalar_cols() : a.scalar_rows();
-    const int64_t n = transposed ? a.scalar_rows() : a.scalar_cols();
-    if (b <= 0 || (layout != 0 && layout != 1) || m % b != 0 || n % b != 0)
+    op_shape shape;
+    if (b <= 0 || (layout != 0 && layout != 1))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    if (!shape_of(a, operation, shape) || shape.rows % b != 0 || shape.cols % b != 0)
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     csr_t<I> scalar;
-    int status = build_compressed<T, I>(a, operation, false, scalar);
-    if (status != ZEL_SPARSE_STATUS_SUCCESS)
+    if (int status = build_compressed<T, I>(a, operation, false, scalar))
         return status;
     struct release_scalar {
         csr_t<I> &record;
         ~release_scalar() { free_owned_arrays<I>(record); }
     } release{scalar};
 
-    const int64_t block_rows = m / b, block_cols = n / b, base = a.base;
-    scratch_array<I> starts(block_rows + 1, alignment), marker(std::max<int64_t>(2 * block_cols, 1), alignment);
-    if (!starts || !marker)
+    const block_split<T, I> split{scalar, b, shape.rows / b, shape.cols / b};
+    scratch_array<I> counts(split.block_rows + 1, alignment), marker(std::max<int64_t>(2 * split.block_cols, 1), alignment);
+    if (!counts || !marker)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    I *last_row = marker.get(), *slot = marker.get() + block_cols;
-
-    // Pass 1: distinct block columns per block row.
-    std::fill(last_row, last_row + block_cols, I(-1));
-    starts[0] = 0;
-    for (int64_t br = 0; br < block_rows; ++br) {
+    I *last_row = marker.get(), *slot = marker.get() + split.block_cols;
+    std::fill(last_row, last_row + split.block_cols, I(-1));
+    counts[0] = 0;
+    for (int64_t br = 0; br < split.block_rows; ++br) {
         I count = 0;
-        for (int64_t r = br * b; r < br * b + b; ++r)
-            for (int64_t p = scalar.rows_start[r] - base; p < scalar.rows_start[r + 1] - base; ++p) {
-                const int64_t bc = (scalar.col_indx[p] - base) / b;
-                if (last_row[bc] != br) {
-                    last_row[bc] = I(br);
-                    ++count;
-                }
-            }
-        starts[br + 1] = starts[br] + count;
+        split.each_block(br, last_row, [&](int64_t) { ++count; });
+        counts[br + 1] = counts[br] + count;
     }
-    const int64_t blocks = starts[block_rows];
-    if (!fits<I>(blocks + base) || !fits<I>(blocks * b * b))
+    const int64_t blocks = counts[split.block_rows];
+    const auto area = checked_mul(b, b);
+    owned_arrays<T, I> arrays;
+    if (!area || !fits_in<I>(blocks + a.base) || !checked_mul(blocks, *area) || !fits_in<I>(blocks * *area))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    scratch_array<I> index(std::max<int64_t>(blocks, 1), alignment);
-    scratch_array<T> values;
-    if (scalar.values != nullptr)
-        values = scratch_array<T>(std::max<int64_t>(blocks * b * b, 1), alignment);
-    if (!index || (scalar.values != nullptr && !values))
+    if (!arrays.allocate(split.block_rows, blocks, *area, scalar.values != nullptr))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    if (values)
-        std::fill(values.get(), values.get() + blocks * b * b, T(0));
-
-    // Pass 2: place the blocks in increasing column order, then add the entries into them.
-    std::fill(last_row, last_row + block_cols, I(-1));
-    const T *scalar_values = static_cast<const T *>(scalar.values);
-    for (int64_t br = 0; br < block_rows; ++br) {
-        I fill = starts[br];
-        for (int64_t r = br * b; r < br * b + b; ++r)
-            for (int64_t p = scalar.rows_start[r] - base; p < scalar.rows_start[r + 1] - base; ++p) {
-                const int64_t bc = (scalar.col_indx[p] - base) / b;
-                if (last_row[bc] != br) {
-                    last_row[bc] = I(br);
-                    index[fill++] = I(bc);
-                }
-            }
-        std::sort(index.get() + starts[br], index.get() + fill);
-        for (I k = starts[br]; k < fill; ++k)
-            slot[index[k]] = k;
-        if (values)
-            for (int64_t r = br * b; r < br * b + b; ++r)
-                for (int64_t p = scalar.rows_start[r] - base; p < scalar.rows_start[r + 1] - base; ++p) {
-                    const int64_t c = scalar.col_indx[p] - base, bi = r - br * b, bj = c % b;
-                    const int64_t offset = layout == 0 ? bi * b + bj : bj * b + bi;
-                    values[slot[c / b] * b * b + offset] += scalar_values[p];
-                }
-    }
+    std::copy(counts.get(), counts.get() + split.block_rows + 1, arrays.starts.get());
+    if (arrays.values)
+        std::fill(arrays.values.get(), arrays.values.get() + blocks * *area, T(0));
+    place_blocks(split, layout, last_row, slot, arrays);
     for (int64_t k = 0; k < blocks; ++k)
-        index[k] += I(base);
-    for (int64_t k = 0; k <= block_rows; ++k)
-        starts[k] += I(base);
+        arrays.index[k] += I(a.base);
+    for (int64_t k = 0; k <= split.block_rows; ++k)
+        arrays.starts[k] += I(a.base);
 
-    out = csr_t<I>{};
+    out = owned_record<I>(I(split.block_rows), I(split.block_cols), a.base, I(b), layout);
     out.sorted = 1;
-    out.rows = I(block_rows);
-    out.cols = I(block_cols);
     out.nnz = I(blocks);
-    out.index_base = a.base;
-    out.block_size = I(b);
-    out.block_layout = layout;
-    out.owns_arrays = 1;
-    out.inplace_copy = 1;
-    out.three_array = 1;
-    out.rows_start = starts.release();
-    out.rows_end = out.rows_start + 1;
-    out.col_indx = index.release();
-    out.values = values.release();
+    adopt_arrays(out, arrays);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 

@@ -11,15 +11,6 @@
 
 namespace zel::sparse {
 
-// A handle or record from the allocator, zero-filled; freed unless released.
-template <class R> scratch_array<R> new_record()
-{
-    scratch_array<R> record(1, alignment);
-    if (record)
-        std::memset(static_cast<void *>(record.get()), 0, sizeof(R));
-    return record;
-}
-
 // Offsets of a compressed dimension of length n and indices into a dimension of length other.
 template <class I>
 int check_compressed(I n, I other, int base, const I *starts, const I *ends, const I *index, const void *values)
@@ -42,33 +33,6 @@ int check_compressed(I n, I other, int base, const I *starts, const I *ends, con
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// 1 when every slice [starts[i], ends[i]) holds non-decreasing indices.
-template <class I> I compressed_sorted(I n, I base, const I *starts, const I *ends, const I *index)
-{
-    for (I i = 0; i < n; ++i)
-        for (I p = starts[i] - base + 1; p < ends[i] - base; ++p)
-            if (index[p] < index[p - 1])
-                return 0;
-    return 1;
-}
-
-// Hangs a filled storage record on a new handle; on failure the record is not consumed.
-template <class T, class I, class Record>
-int install(handle_t<I> **A, int32_t format, int64_t rows, int64_t cols, scratch_array<Record> &record)
-{
-    scratch_array<handle_t<I>> handle = new_record<handle_t<I>>();
-    if (!handle)
-        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    handle_t<I> &h = *handle.get();
-    h.data_type = data_type_code<T>();
-    h.format = format;
-    h.rows = I(rows);
-    h.cols = I(cols);
-    h.data = record.release();
-    *A = handle.release();
-    return ZEL_SPARSE_STATUS_SUCCESS;
-}
-
 // CSR (format 1), CSC (2) or BSR (3) handle over the caller's arrays; rows and cols are the
 // record's (blocks for BSR), block_layout a layout code (BSR only).
 template <class T, class I>
@@ -78,17 +42,19 @@ int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols,
     if (A == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     const int32_t layout = format == ZEL_SPARSE_FORMAT_BSR ? block_layout_record_code(block_layout) : 0;
-    if (block < 1 || layout < 0 || !fits<I>(int64_t(rows) * block) || !fits<I>(int64_t(cols) * block))
+    const auto scalar_rows = checked_mul(rows, block), scalar_cols = checked_mul(cols, block);
+    if (block < 1 || layout < 0 || !scalar_rows || !scalar_cols || !fits_in<I>(*scalar_rows) ||
+        !fits_in<I>(*scalar_cols) || !checked_mul(block, block))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     const I n = format == ZEL_SPARSE_FORMAT_CSC ? cols : rows, other = format == ZEL_SPARSE_FORMAT_CSC ? rows : cols;
     if (int status = check_compressed(n, other, base, starts, ends, index, values))
         return status;
 
-    scratch_array<csr_t<I>> record = new_record<csr_t<I>>();
+    scratch_array<csr_t<I>> record = zeroed_record<csr_t<I>>();
     if (!record)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     csr_t<I> &r = *record.get();
-    r.sorted = compressed_sorted<I>(n, I(base), starts, ends, index);
+    r.sorted = slices_sorted(compressed_view<T, I>{n, other, I(base), 1, starts, ends, index, nullptr});
     r.rows = rows;
     r.cols = cols;
     r.nnz = n > 0 ? ends[n - 1] - base : 0;
@@ -101,10 +67,12 @@ int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols,
     r.rows_end = ends;
     r.col_indx = index;
     r.values = values;
-    int status = install<T, I>(A, format, int64_t(rows) * block, int64_t(cols) * block, record);
-    if (status == ZEL_SPARSE_STATUS_SUCCESS && format == ZEL_SPARSE_FORMAT_BSR)
+    if (int status = install_record<I>(A, data_type_code<T>(), format, *scalar_rows, *scalar_cols, record.get()))
+        return status;
+    record.release();
+    if (format == ZEL_SPARSE_FORMAT_BSR)
         (*A)->block_layout_request = block_layout;
-    return status;
+    return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
 template <class T, class I>
@@ -124,7 +92,7 @@ int create_coo(handle_t<I> **A, int base, I rows, I cols, I nnz, I *row_indx, I 
             sorted = 0;
     }
 
-    scratch_array<coo_t<I>> record = new_record<coo_t<I>>();
+    scratch_array<coo_t<I>> record = zeroed_record<coo_t<I>>();
     if (!record)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     coo_t<I> &r = *record.get();
@@ -137,7 +105,10 @@ int create_coo(handle_t<I> **A, int base, I rows, I cols, I nnz, I *row_indx, I 
     r.row_indx = row_indx;
     r.col_indx = col_indx;
     r.values = values;
-    return install<T, I>(A, ZEL_SPARSE_FORMAT_COO, rows, cols, record);
+    if (int status = install_record<I>(A, data_type_code<T>(), ZEL_SPARSE_FORMAT_COO, rows, cols, record.get()))
+        return status;
+    record.release();
+    return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
 // Status of an export before anything is handed back: the handle must hold a record of this
@@ -199,36 +170,6 @@ int export_coo(const handle_t<I> *A, int *base, I *rows, I *cols, I *nnz, I **ro
 
 // ---- destruction ----
 
-inline void free_opt_record(zel_sparse_opt_record *record)
-{
-    if (record == nullptr)
-        return;
-    zel_serv_free(record->sub_three);
-    zel_serv_free(record->sub_four);
-    zel_serv_free(record->extra);
-    zel_serv_free(record);
-}
-
-template <class I> void free_record(csr_t<I> *record)
-{
-    if (record == nullptr)
-        return;
-    if (record->owns_arrays)
-        free_owned_arrays<I>(*record);
-    free_opt_record(record->opt_record);
-    zel_serv_free(record->opt_words);
-    zel_serv_free(record);
-}
-
-template <class I> void free_record(coo_t<I> *record)
-{
-    if (record == nullptr)
-        return;
-    if (record->owns_arrays)
-        free_owned_arrays<I>(*record);
-    zel_serv_free(record);
-}
-
 template <class I> int destroy(handle_t<I> *A)
 {
     if (A == nullptr)
@@ -248,40 +189,19 @@ template <class I> int destroy(handle_t<I> *A)
 
 // ---- copy and conversion ----
 
-// New arrays holding the slices of a compressed record back to back (three-array form).
+// A copy of a compressed record with its slices packed back to back (three-array form).
 template <class T, class I> int copy_compressed(const csr_t<I> &source, int32_t format, csr_t<I> &out)
 {
-    const I n = format == ZEL_SPARSE_FORMAT_CSC ? source.cols : source.rows, base = source.index_base;
-    const int64_t bb = int64_t(source.block_size) * source.block_size;
-    const I nnz = n > 0 ? source.rows_end[n - 1] - base : 0;
-    scratch_array<I> starts(n + 1, alignment), index(std::max<I>(nnz, 1), alignment);
-    scratch_array<T> values;
-    if (source.values != nullptr)
-        values = scratch_array<T>(std::max<int64_t>(nnz * bb, 1), alignment);
-    if (!starts || !index || (source.values != nullptr && !values))
-        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    const T *from = static_cast<const T *>(source.values);
-    starts[0] = base;
-    for (I i = 0; i < n; ++i) {
-        const I first = source.rows_start[i] - base, length = source.rows_end[i] - source.rows_start[i];
-        const I at = starts[i] - base;
-        std::copy(source.col_indx + first, source.col_indx + first + length, index.get() + at);
-        if (values)
-            std::copy(from + first * bb, from + (first + length) * bb, values.get() + at * bb);
-        starts[i + 1] = starts[i] + length;
-    }
+    owned_arrays<T, I> arrays;
+    if (int status = pack_slices(view_of_record<T, I>(source, format), arrays))
+        return status;
     out = source;
-    out.nnz = starts[n] - base;
-    out.owns_arrays = 1;
+    out.nnz = arrays.stored();
+    out.owns_arrays = 0;
     out.inplace_copy = 1;
-    out.three_array = 1;
-    out.rows_start = starts.release();
-    out.rows_end = out.rows_start + 1;
-    out.col_indx = index.release();
-    out.values = values.release();
-    out.aux = nullptr;
     out.opt_record = nullptr;
     out.opt_words = nullptr;
+    adopt_arrays(out, arrays);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
@@ -313,7 +233,7 @@ template <class T, class I> int copy_coo(const coo_t<I> &source, coo_t<I> &out)
 template <class T, class I, class Record, class Fill>
 int new_handle_with(handle_t<I> **dest, int32_t format, Fill fill, handle_t<I> *&made)
 {
-    scratch_array<Record> record = new_record<Record>();
+    scratch_array<Record> record = zeroed_record<Record>();
     if (!record)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     if (int status = fill(*record.get()))
@@ -322,11 +242,14 @@ int new_handle_with(handle_t<I> **dest, int32_t format, Fill fill, handle_t<I> *
     int64_t block = 1;
     if constexpr (std::is_same_v<Record, csr_t<I>>)
         block = r.block_size;
-    int status = install<T, I>(dest, format, int64_t(r.rows) * block, int64_t(r.cols) * block, record);
+    const auto rows = checked_mul(r.rows, block), cols = checked_mul(r.cols, block);
+    int status = rows && cols ? install_record<I>(dest, data_type_code<T>(), format, *rows, *cols, &r)
+                              : ZEL_SPARSE_STATUS_INVALID_VALUE;
     if (status != ZEL_SPARSE_STATUS_SUCCESS) {
         free_owned_arrays<I>(r);
         return status;
     }
+    record.release();
     made = *dest;
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
@@ -378,18 +301,6 @@ int convert(const handle_t<I> *source, bool to_bsr, I block, int block_layout, i
     return status;
 }
 
-// Runs body<T>() for the value type named by a data_type code; 5 for an unknown code.
-template <class Body> int with_value_type(int32_t data_type, Body body)
-{
-    switch (data_type) {
-    case ZEL_SPARSE_DATA_D: return body(double{});
-    case ZEL_SPARSE_DATA_S: return body(float{});
-    case ZEL_SPARSE_DATA_Z: return body(std::complex<double>{});
-    case ZEL_SPARSE_DATA_C: return body(std::complex<float>{});
-    default: return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
-    }
-}
-
 template <class I> int copy_any(const handle_t<I> *source, handle_t<I> **dest)
 {
     if (source == nullptr || dest == nullptr)
@@ -397,7 +308,8 @@ template <class I> int copy_any(const handle_t<I> *source, handle_t<I> **dest)
     source_view<I> view;
     if (!view_of(source, view))
         return ZEL_SPARSE_STATUS_INTERNAL_ERROR;
-    return with_value_type(source->data_type, [&](auto value) { return copy<decltype(value), I>(source, dest); });
+    return with_value_type(source->data_type, ZEL_SPARSE_STATUS_INTERNAL_ERROR,
+                           [&](auto value) { return copy<decltype(value), I>(source, dest); });
 }
 
 template <class I>
@@ -407,7 +319,7 @@ int convert_any(const handle_t<I> *source, bool to_bsr, I block, int block_layou
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     if (!is_operation(operation))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    return with_value_type(source->data_type, [&](auto value) {
+    return with_value_type(source->data_type, ZEL_SPARSE_STATUS_INTERNAL_ERROR, [&](auto value) {
         return convert<decltype(value), I>(source, to_bsr, block, block_layout, operation, dest);
     });
 }
