@@ -34,14 +34,12 @@ ZEL_API void zel_blas_zcopy(const int64_t *n, const zel_complex16 *x, const int6
                             const int64_t *incy);
 
 /* y_i = alpha*x_i + y_i over the batch (a stridey of 0 accumulates every member into one y). */
-ZEL_API void zel_blas_saxpy_batch_strided(const int64_t *n, const float *alpha, const float *x,
-                                          const int64_t *incx, const int64_t *stridex, float *y,
-                                          const int64_t *incy, const int64_t *stridey,
-                                          const int64_t *batch_size);
-ZEL_API void zel_blas_daxpy_batch_strided(const int64_t *n, const double *alpha, const double *x,
-                                          const int64_t *incx, const int64_t *stridex, double *y,
-                                          const int64_t *incy, const int64_t *stridey,
-                                          const int64_t *batch_size);
+ZEL_API void zel_blas_saxpy_batch_strided(
+    const int64_t *n, const float *alpha, const float *x, const int64_t *incx, const int64_t *stridex,
+    float *y, const int64_t *incy, const int64_t *stridey, const int64_t *batch_size);
+ZEL_API void zel_blas_daxpy_batch_strided(
+    const int64_t *n, const double *alpha, const double *x, const int64_t *incx, const int64_t *stridex,
+    double *y, const int64_t *incy, const int64_t *stridey, const int64_t *batch_size);
 ZEL_API void zel_blas_caxpy_batch_strided(const int64_t *n, const zel_complex8 *alpha, const zel_complex8 *x,
                                           const int64_t *incx, const int64_t *stridex, zel_complex8 *y,
                                           const int64_t *incy, const int64_t *stridey,

@@ -213,34 +213,28 @@ ZEL_API int zel_sparse_z_export_csc_i8(const zel_sparse_matrix_i8 *A, int *index
                                        int64_t *cols, int64_t **cols_start, int64_t **cols_end,
                                        int64_t **row_indx, zel_complex16 **values);
 
-ZEL_API int zel_sparse_s_export_bsr_i4(const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout,
-                                       int32_t *rows, int32_t *cols, int32_t *block_size,
-                                       int32_t **rows_start, int32_t **rows_end, int32_t **col_indx,
-                                       float **values);
-ZEL_API int zel_sparse_d_export_bsr_i4(const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout,
-                                       int32_t *rows, int32_t *cols, int32_t *block_size,
-                                       int32_t **rows_start, int32_t **rows_end, int32_t **col_indx,
-                                       double **values);
-ZEL_API int zel_sparse_c_export_bsr_i4(const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout,
-                                       int32_t *rows, int32_t *cols, int32_t *block_size,
-                                       int32_t **rows_start, int32_t **rows_end, int32_t **col_indx,
-                                       zel_complex8 **values);
+ZEL_API int zel_sparse_s_export_bsr_i4(
+    const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout, int32_t *rows, int32_t *cols,
+    int32_t *block_size, int32_t **rows_start, int32_t **rows_end, int32_t **col_indx, float **values);
+ZEL_API int zel_sparse_d_export_bsr_i4(
+    const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout, int32_t *rows, int32_t *cols,
+    int32_t *block_size, int32_t **rows_start, int32_t **rows_end, int32_t **col_indx, double **values);
+ZEL_API int zel_sparse_c_export_bsr_i4(
+    const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout, int32_t *rows, int32_t *cols,
+    int32_t *block_size, int32_t **rows_start, int32_t **rows_end, int32_t **col_indx, zel_complex8 **values);
 ZEL_API int zel_sparse_z_export_bsr_i4(const zel_sparse_matrix_i4 *A, int *index_base, int *block_layout,
                                        int32_t *rows, int32_t *cols, int32_t *block_size,
                                        int32_t **rows_start, int32_t **rows_end, int32_t **col_indx,
                                        zel_complex16 **values);
-ZEL_API int zel_sparse_s_export_bsr_i8(const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout,
-                                       int64_t *rows, int64_t *cols, int64_t *block_size,
-                                       int64_t **rows_start, int64_t **rows_end, int64_t **col_indx,
-                                       float **values);
-ZEL_API int zel_sparse_d_export_bsr_i8(const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout,
-                                       int64_t *rows, int64_t *cols, int64_t *block_size,
-                                       int64_t **rows_start, int64_t **rows_end, int64_t **col_indx,
-                                       double **values);
-ZEL_API int zel_sparse_c_export_bsr_i8(const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout,
-                                       int64_t *rows, int64_t *cols, int64_t *block_size,
-                                       int64_t **rows_start, int64_t **rows_end, int64_t **col_indx,
-                                       zel_complex8 **values);
+ZEL_API int zel_sparse_s_export_bsr_i8(
+    const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout, int64_t *rows, int64_t *cols,
+    int64_t *block_size, int64_t **rows_start, int64_t **rows_end, int64_t **col_indx, float **values);
+ZEL_API int zel_sparse_d_export_bsr_i8(
+    const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout, int64_t *rows, int64_t *cols,
+    int64_t *block_size, int64_t **rows_start, int64_t **rows_end, int64_t **col_indx, double **values);
+ZEL_API int zel_sparse_c_export_bsr_i8(
+    const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout, int64_t *rows, int64_t *cols,
+    int64_t *block_size, int64_t **rows_start, int64_t **rows_end, int64_t **col_indx, zel_complex8 **values);
 ZEL_API int zel_sparse_z_export_bsr_i8(const zel_sparse_matrix_i8 *A, int *index_base, int *block_layout,
                                        int64_t *rows, int64_t *cols, int64_t *block_size,
                                        int64_t **rows_start, int64_t **rows_end, int64_t **col_indx,
@@ -337,104 +331,80 @@ ZEL_API int zel_sparse_z_set_coo_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t
                                                 int64_t owns_arrays, int64_t sorted, int64_t index_base,
                                                 int64_t *row_indx, int64_t *col_indx, zel_complex16 *values);
 
-ZEL_API int zel_sparse_s_set_csr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                float *values);
-ZEL_API int zel_sparse_d_set_csr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                double *values);
-ZEL_API int zel_sparse_c_set_csr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_csr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                zel_complex16 *values);
-ZEL_API int zel_sparse_s_set_csr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                float *values);
-ZEL_API int zel_sparse_d_set_csr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                double *values);
-ZEL_API int zel_sparse_c_set_csr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_csr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_csr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, float *values);
+ZEL_API int zel_sparse_d_set_csr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, double *values);
+ZEL_API int zel_sparse_c_set_csr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_csr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_csr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, float *values);
+ZEL_API int zel_sparse_d_set_csr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, double *values);
+ZEL_API int zel_sparse_c_set_csr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_csr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, zel_complex16 *values);
 
-ZEL_API int zel_sparse_s_set_csc_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *cols_start, int32_t *cols_end, int32_t *row_indx,
-                                                float *values);
-ZEL_API int zel_sparse_d_set_csc_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *cols_start, int32_t *cols_end, int32_t *row_indx,
-                                                double *values);
-ZEL_API int zel_sparse_c_set_csc_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *cols_start, int32_t *cols_end, int32_t *row_indx,
-                                                zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_csc_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *cols_start, int32_t *cols_end, int32_t *row_indx,
-                                                zel_complex16 *values);
-ZEL_API int zel_sparse_s_set_csc_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *cols_start, int64_t *cols_end, int64_t *row_indx,
-                                                float *values);
-ZEL_API int zel_sparse_d_set_csc_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *cols_start, int64_t *cols_end, int64_t *row_indx,
-                                                double *values);
-ZEL_API int zel_sparse_c_set_csc_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *cols_start, int64_t *cols_end, int64_t *row_indx,
-                                                zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_csc_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *cols_start, int64_t *cols_end, int64_t *row_indx,
-                                                zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_csc_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *cols_start, int32_t *cols_end, int32_t *row_indx, float *values);
+ZEL_API int zel_sparse_d_set_csc_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *cols_start, int32_t *cols_end, int32_t *row_indx, double *values);
+ZEL_API int zel_sparse_c_set_csc_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *cols_start, int32_t *cols_end, int32_t *row_indx, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_csc_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *cols_start, int32_t *cols_end, int32_t *row_indx, zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_csc_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *cols_start, int64_t *cols_end, int64_t *row_indx, float *values);
+ZEL_API int zel_sparse_d_set_csc_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *cols_start, int64_t *cols_end, int64_t *row_indx, double *values);
+ZEL_API int zel_sparse_c_set_csc_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *cols_start, int64_t *cols_end, int64_t *row_indx, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_csc_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *cols_start, int64_t *cols_end, int64_t *row_indx, zel_complex16 *values);
 
-ZEL_API int zel_sparse_s_set_bsr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                int32_t block_size, float *values);
-ZEL_API int zel_sparse_d_set_bsr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                int32_t block_size, double *values);
-ZEL_API int zel_sparse_c_set_bsr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                int32_t block_size, zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_bsr_data_arrays_i4(zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu,
-                                                int32_t owns_arrays, int32_t sorted, int32_t index_base,
-                                                int32_t *rows_start, int32_t *rows_end, int32_t *col_indx,
-                                                int32_t block_size, zel_complex16 *values);
-ZEL_API int zel_sparse_s_set_bsr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                int64_t block_size, float *values);
-ZEL_API int zel_sparse_d_set_bsr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                int64_t block_size, double *values);
-ZEL_API int zel_sparse_c_set_bsr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                int64_t block_size, zel_complex8 *values);
-ZEL_API int zel_sparse_z_set_bsr_data_arrays_i8(zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu,
-                                                int64_t owns_arrays, int64_t sorted, int64_t index_base,
-                                                int64_t *rows_start, int64_t *rows_end, int64_t *col_indx,
-                                                int64_t block_size, zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_bsr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, int32_t block_size, float *values);
+ZEL_API int zel_sparse_d_set_bsr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, int32_t block_size, double *values);
+ZEL_API int zel_sparse_c_set_bsr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, int32_t block_size, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_bsr_data_arrays_i4(
+    zel_sparse_matrix_i4 *A, int32_t is_sycl_cpu, int32_t owns_arrays, int32_t sorted, int32_t index_base,
+    int32_t *rows_start, int32_t *rows_end, int32_t *col_indx, int32_t block_size, zel_complex16 *values);
+ZEL_API int zel_sparse_s_set_bsr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, int64_t block_size, float *values);
+ZEL_API int zel_sparse_d_set_bsr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, int64_t block_size, double *values);
+ZEL_API int zel_sparse_c_set_bsr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, int64_t block_size, zel_complex8 *values);
+ZEL_API int zel_sparse_z_set_bsr_data_arrays_i8(
+    zel_sparse_matrix_i8 *A, int64_t is_sycl_cpu, int64_t owns_arrays, int64_t sorted, int64_t index_base,
+    int64_t *rows_start, int64_t *rows_end, int64_t *col_indx, int64_t block_size, zel_complex16 *values);
 
 /* Sorts the indices inside each row (column for CSC; COO by row, then column). */
 ZEL_API int zel_sparse_s_do_order_i4(zel_sparse_matrix_i4 *A);

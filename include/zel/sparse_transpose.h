@@ -43,54 +43,42 @@ ZEL_API int zel_sparse_z_transposeMatrix_i8(zel_sparse_matrix_i8 *handle, int op
 
 /* out = op(source) of compressed arrays by a stable counting sort in nparts parts; work holds
  * nparts * n_out indices, out_rows_start n_out + 1; values may be null (structure only). */
-ZEL_API int zel_sparse_s_transpose_matrix_i4(int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts,
-                                             int operation, int32_t index_base, int32_t block_size,
-                                             const int32_t *rows_start, const int32_t *rows_end,
-                                             const int32_t *col_indx, const float *values,
-                                             int32_t *out_rows_start, int32_t *out_col_indx,
-                                             float *out_values, int32_t *work);
-ZEL_API int zel_sparse_d_transpose_matrix_i4(int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts,
-                                             int operation, int32_t index_base, int32_t block_size,
-                                             const int32_t *rows_start, const int32_t *rows_end,
-                                             const int32_t *col_indx, const double *values,
-                                             int32_t *out_rows_start, int32_t *out_col_indx,
-                                             double *out_values, int32_t *work);
-ZEL_API int zel_sparse_c_transpose_matrix_i4(int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts,
-                                             int operation, int32_t index_base, int32_t block_size,
-                                             const int32_t *rows_start, const int32_t *rows_end,
-                                             const int32_t *col_indx, const zel_complex8 *values,
-                                             int32_t *out_rows_start, int32_t *out_col_indx,
-                                             zel_complex8 *out_values, int32_t *work);
-ZEL_API int zel_sparse_z_transpose_matrix_i4(int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts,
-                                             int operation, int32_t index_base, int32_t block_size,
-                                             const int32_t *rows_start, const int32_t *rows_end,
-                                             const int32_t *col_indx, const zel_complex16 *values,
-                                             int32_t *out_rows_start, int32_t *out_col_indx,
-                                             zel_complex16 *out_values, int32_t *work);
-ZEL_API int zel_sparse_s_transpose_matrix_i8(int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts,
-                                             int operation, int64_t index_base, int64_t block_size,
-                                             const int64_t *rows_start, const int64_t *rows_end,
-                                             const int64_t *col_indx, const float *values,
-                                             int64_t *out_rows_start, int64_t *out_col_indx,
-                                             float *out_values, int64_t *work);
-ZEL_API int zel_sparse_d_transpose_matrix_i8(int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts,
-                                             int operation, int64_t index_base, int64_t block_size,
-                                             const int64_t *rows_start, const int64_t *rows_end,
-                                             const int64_t *col_indx, const double *values,
-                                             int64_t *out_rows_start, int64_t *out_col_indx,
-                                             double *out_values, int64_t *work);
-ZEL_API int zel_sparse_c_transpose_matrix_i8(int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts,
-                                             int operation, int64_t index_base, int64_t block_size,
-                                             const int64_t *rows_start, const int64_t *rows_end,
-                                             const int64_t *col_indx, const zel_complex8 *values,
-                                             int64_t *out_rows_start, int64_t *out_col_indx,
-                                             zel_complex8 *out_values, int64_t *work);
-ZEL_API int zel_sparse_z_transpose_matrix_i8(int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts,
-                                             int operation, int64_t index_base, int64_t block_size,
-                                             const int64_t *rows_start, const int64_t *rows_end,
-                                             const int64_t *col_indx, const zel_complex16 *values,
-                                             int64_t *out_rows_start, int64_t *out_col_indx,
-                                             zel_complex16 *out_values, int64_t *work);
+ZEL_API int zel_sparse_s_transpose_matrix_i4(
+    int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts, int operation, int32_t index_base,
+    int32_t block_size, const int32_t *rows_start, const int32_t *rows_end, const int32_t *col_indx,
+    const float *values, int32_t *out_rows_start, int32_t *out_col_indx, float *out_values, int32_t *work);
+ZEL_API int zel_sparse_d_transpose_matrix_i4(
+    int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts, int operation, int32_t index_base,
+    int32_t block_size, const int32_t *rows_start, const int32_t *rows_end, const int32_t *col_indx,
+    const double *values, int32_t *out_rows_start, int32_t *out_col_indx, double *out_values, int32_t *work);
+ZEL_API int zel_sparse_c_transpose_matrix_i4(
+    int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts, int operation, int32_t index_base,
+    int32_t block_size, const int32_t *rows_start, const int32_t *rows_end, const int32_t *col_indx,
+    const zel_complex8 *values, int32_t *out_rows_start, int32_t *out_col_indx, zel_complex8 *out_values,
+    int32_t *work);
+ZEL_API int zel_sparse_z_transpose_matrix_i4(
+    int32_t n_out, int32_t n_in, int32_t nnz, int32_t nparts, int operation, int32_t index_base,
+    int32_t block_size, const int32_t *rows_start, const int32_t *rows_end, const int32_t *col_indx,
+    const zel_complex16 *values, int32_t *out_rows_start, int32_t *out_col_indx, zel_complex16 *out_values,
+    int32_t *work);
+ZEL_API int zel_sparse_s_transpose_matrix_i8(
+    int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts, int operation, int64_t index_base,
+    int64_t block_size, const int64_t *rows_start, const int64_t *rows_end, const int64_t *col_indx,
+    const float *values, int64_t *out_rows_start, int64_t *out_col_indx, float *out_values, int64_t *work);
+ZEL_API int zel_sparse_d_transpose_matrix_i8(
+    int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts, int operation, int64_t index_base,
+    int64_t block_size, const int64_t *rows_start, const int64_t *rows_end, const int64_t *col_indx,
+    const double *values, int64_t *out_rows_start, int64_t *out_col_indx, double *out_values, int64_t *work);
+ZEL_API int zel_sparse_c_transpose_matrix_i8(
+    int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts, int operation, int64_t index_base,
+    int64_t block_size, const int64_t *rows_start, const int64_t *rows_end, const int64_t *col_indx,
+    const zel_complex8 *values, int64_t *out_rows_start, int64_t *out_col_indx, zel_complex8 *out_values,
+    int64_t *work);
+ZEL_API int zel_sparse_z_transpose_matrix_i8(
+    int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts, int operation, int64_t index_base,
+    int64_t block_size, const int64_t *rows_start, const int64_t *rows_end, const int64_t *col_indx,
+    const zel_complex16 *values, int64_t *out_rows_start, int64_t *out_col_indx, zel_complex16 *out_values,
+    int64_t *work);
 
 /* Turns a four-array record into the library-owned three-array form (owns_arrays 1). */
 ZEL_API int zel_sparse_s_convert_to_3_arrays_in_place_i4(zel_sparse_matrix_i4 *handle);
