@@ -3,8 +3,10 @@
  * Members: one per precision, s (float), d (double), c (zel_complex8), z (zel_complex16).
  * Conventions: integers are int64_t and every argument, scalars included, is passed by reference
  * (BLAS semantics: nothing happens when n <= 0). Batch member i works on x + i*stridex and
- * y + i*stridey, i = 0 .. batch_size-1, in that order. Nothing is allocated and nothing is
- * reported; the one-vector entries run the core's kernels (zel_blas_x?axpy, zel_blas_x?copy).
+ * y + i*stridey, i = 0 .. batch_size-1, in that order; nothing happens when batch_size <= 0.
+ * Nothing is reported and nothing is handed back to free: the batched forms may take scratch
+ * from zel_serv_malloc, and failing to get it changes only the path, never the result. The
+ * one-vector entries run the core's kernels (zel_blas_x?axpy, zel_blas_x?copy).
  * Defined by libzel_sequential.so.2; see docs/lapack_batch.md. */
 #ifndef ZEL_BLAS_H
 #define ZEL_BLAS_H

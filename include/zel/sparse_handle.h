@@ -8,8 +8,8 @@
  * Conventions: index_base is 0 or 1, fixed at creation and kept by every copy and conversion;
  * operation is 10 (A), 11 (Aᵀ) or 12 (Aᴴ); BSR block orders are given as layout codes, 101
  * row-major and 102 column-major blocks (the record stores 0 and 1).
- * Statuses: every function returns a status of sparse_types.h (1 also for a null argument),
- * except the procedure lookups, which return a node or null.
+ * Statuses: every function returns a status of sparse_types.h (a null handle or out-pointer
+ * gives 1), except the procedure lookups, which return a node or null.
  * Ownership: handles, records, procedure nodes and library-owned arrays come from zel_serv_malloc
  * and are released by zel_sparse_destroy_i4 / _i8; creation keeps the caller's arrays
  * (owns_arrays 0) and export hands back the record's own arrays (never free them).
