@@ -1,4 +1,15 @@
-/* Zelmath core runtime: allocator, locks, environment, strings, messages, clock. */
+/* Zelmath core runtime: the services every other entry point stands on.
+ *
+ * What it holds: the aligned, replaceable allocator; spin locks on caller-owned words; the
+ * environment, bounded string and memory operations, the clock and process exit; the message
+ * catalogue and the printing helpers; the version record and the settings read once from the
+ * environment (ZEL_CBWR, ZEL_DISABLE_FAST_MM, ZEL_VERBOSE_OUTPUT_FILE).
+ * Members: every entry exists once (no precision or index-width forms).
+ * Conventions: channel 0 is standard output, 1 the warning channel (standard error). Errors come
+ * back as the return value each entry describes; nothing here calls the error handler.
+ * Ownership: memory from zel_serv_malloc goes back through zel_serv_free; the strings handed back
+ * (message texts, version fields, the verbose file name) are the library's: never free them.
+ * Defined by libzel_core.so.2; see docs/objects.md. */
 #ifndef ZEL_RUNTIME_H
 #define ZEL_RUNTIME_H
 

@@ -1,5 +1,16 @@
 /* Zelmath service layer: thread control (always one thread here), processor topology,
- * replaceable callbacks, error reporting and verbose output. */
+ * replaceable callbacks, error reporting and verbose output.
+ *
+ * Members: every entry exists once (no precision or index-width forms).
+ * Conventions: the thread setters store nothing and every query answers for one thread. The
+ * environment and the processor topology are read once per process, on the first query that needs
+ * them. Each callback (error handler, progress, pivot) has the hook the library calls, the default
+ * it starts with, and two setters: the plain one installs a replacement and returns the previous
+ * handler (the default's address when none was installed), the _interface one installs only into
+ * an empty slot; null restores the default. Channel 0 is standard output, 1 standard error.
+ * Nothing here hands back memory for the caller to free.
+ * Defined by libzel_sequential.so.2 (the core calls zel_serv_xerbla and the thread queries by
+ * name); see docs/serv.md. */
 #ifndef ZEL_SERV_H
 #define ZEL_SERV_H
 

@@ -88,81 +88,157 @@ typedef struct {
 
 /* Ownership: handles, records, procedure nodes and sub-records come from zel_serv_malloc and
  * are released by the core's zel_sparse_destroy_*. A record with owns_arrays = 1 is in
- * three-array form and owns rows_start, col_indx (row_indx for COO), values and aux. */
-#define ZEL_SPARSE_DECLARE_RECORDS(W, I)                                                                 \
-    /* Three-array record (CSR, CSC, BSR). */                                                            \
-    typedef struct zel_sparse_csr_record_##W {                                                           \
-        I sorted;                                                                                        \
-        I rows;                                                                                          \
-        I cols;                                                                                          \
-        I nnz;                                                                                           \
-        I index_base;                                                                                    \
-        I block_size;                                                                                    \
-        I block_layout;                                                                                  \
-        I owns_arrays;                                                                                   \
-        I inplace_copy;                                                                                  \
-        I is_sycl_cpu;                                                                                   \
-        I three_array;                                                                                   \
-        I *rows_start;                                                                                   \
-        I *rows_end;                                                                                     \
-        I *col_indx;                                                                                     \
-        void *values;                                                                                    \
-        void *aux;                                                                                       \
-        zel_sparse_opt_record *opt_record;                                                               \
-        zel_sparse_opt_words *opt_words;                                                                 \
-    } zel_sparse_csr_record_##W;                                                                         \
-    /* Coordinate record (COO). */                                                                       \
-    typedef struct zel_sparse_coo_record_##W {                                                           \
-        I sorted;                                                                                        \
-        I rows;                                                                                          \
-        I cols;                                                                                          \
-        I nnz;                                                                                           \
-        I index_base;                                                                                    \
-        I owns_arrays;                                                                                   \
-        I inplace_copy;                                                                                  \
-        I is_sycl_cpu;                                                                                   \
-        I *row_indx;                                                                                     \
-        I *col_indx;                                                                                     \
-        void *values;                                                                                    \
-    } zel_sparse_coo_record_##W;                                                                         \
-    /* Element of a procedure list, built by an inspector, read by the executors. */                     \
-    typedef struct zel_sparse_proc_node_##W {                                                            \
-        int32_t operation;                                                                               \
-        int32_t matrix_type;                                                                             \
-        int32_t fill_mode;                                                                               \
-        int32_t diag;                                                                                    \
-        int32_t reserved;                                                                                \
-        int32_t dense_layout;                                                                            \
-        void *inspector_data[4];                                                                         \
-        int (*procedure)(struct zel_sparse_proc_node_##W *node, ...);                                    \
-        struct zel_sparse_proc_node_##W *next;                                                           \
-    } zel_sparse_proc_node_##W;                                                                          \
-    /* The sparse matrix handle. */                                                                      \
-    typedef struct zel_sparse_matrix_##W {                                                               \
-        int32_t data_type;                                                                               \
-        int32_t format;                                                                                  \
-        int32_t block_layout_request; /* block layout given at creation (BSR) */                          \
-        int32_t hint_flags;           /* bit 0 mv hint, bit 1 mm hint, bit 2 memory hint recorded */      \
-        I rows;                                                                                          \
-        I cols;                                                                                          \
-        void *data;                                                                                      \
-        zel_sparse_csr_record_##W *transposed;                                                           \
-        int64_t mv_hint[3];  /* operation, matrix type, expected calls */                                \
-        int64_t mm_hint[4];  /* operation, matrix type, layout, expected calls */                        \
-        int64_t memory_hint; /* memory policy code */                                                    \
-        zel_sparse_proc_node_##W *trsv_list;                                                             \
-        zel_sparse_proc_node_##W *trsm_list;                                                             \
-        zel_sparse_proc_node_##W *mv_list;                                                               \
-        zel_sparse_proc_node_##W *dotmv_list;                                                            \
-        zel_sparse_proc_node_##W *mm_list;                                                               \
-        zel_sparse_proc_node_##W *symgs_list;                                                            \
-        zel_sparse_proc_node_##W *reserved_list;                                                         \
-        zel_sparse_proc_node_##W *sorv_list;                                                             \
-    } zel_sparse_matrix_##W;
+ * three-array form and owns rows_start, col_indx (row_indx for COO), values and aux.
+ * The records below exist once per index width, with the same fields in the same order. */
 
-ZEL_SPARSE_DECLARE_RECORDS(i4, int32_t)
-ZEL_SPARSE_DECLARE_RECORDS(i8, int64_t)
+/* ---- _i4 records: 32-bit indices and counts. ---- */
 
-#undef ZEL_SPARSE_DECLARE_RECORDS
+/* Three-array record (CSR, CSC, BSR). */
+typedef struct zel_sparse_csr_record_i4 {
+    int32_t sorted;
+    int32_t rows;
+    int32_t cols;
+    int32_t nnz;
+    int32_t index_base;
+    int32_t block_size;
+    int32_t block_layout;
+    int32_t owns_arrays;
+    int32_t inplace_copy;
+    int32_t is_sycl_cpu;
+    int32_t three_array;
+    int32_t *rows_start;
+    int32_t *rows_end;
+    int32_t *col_indx;
+    void *values;
+    void *aux;
+    zel_sparse_opt_record *opt_record;
+    zel_sparse_opt_words *opt_words;
+} zel_sparse_csr_record_i4;
+
+/* Coordinate record (COO). */
+typedef struct zel_sparse_coo_record_i4 {
+    int32_t sorted;
+    int32_t rows;
+    int32_t cols;
+    int32_t nnz;
+    int32_t index_base;
+    int32_t owns_arrays;
+    int32_t inplace_copy;
+    int32_t is_sycl_cpu;
+    int32_t *row_indx;
+    int32_t *col_indx;
+    void *values;
+} zel_sparse_coo_record_i4;
+
+/* Element of a procedure list, built by an inspector, read by the executors. */
+typedef struct zel_sparse_proc_node_i4 {
+    int32_t operation;
+    int32_t matrix_type;
+    int32_t fill_mode;
+    int32_t diag;
+    int32_t reserved;
+    int32_t dense_layout;
+    void *inspector_data[4];
+    int (*procedure)(struct zel_sparse_proc_node_i4 *node, ...);
+    struct zel_sparse_proc_node_i4 *next;
+} zel_sparse_proc_node_i4;
+
+/* The sparse matrix handle. */
+typedef struct zel_sparse_matrix_i4 {
+    int32_t data_type;
+    int32_t format;
+    int32_t block_layout_request; /* block layout given at creation (BSR) */
+    int32_t hint_flags;           /* bit 0 mv hint, bit 1 mm hint, bit 2 memory hint recorded */
+    int32_t rows;
+    int32_t cols;
+    void *data;
+    zel_sparse_csr_record_i4 *transposed;
+    int64_t mv_hint[3];  /* operation, matrix type, expected calls */
+    int64_t mm_hint[4];  /* operation, matrix type, layout, expected calls */
+    int64_t memory_hint; /* memory policy code */
+    zel_sparse_proc_node_i4 *trsv_list;
+    zel_sparse_proc_node_i4 *trsm_list;
+    zel_sparse_proc_node_i4 *mv_list;
+    zel_sparse_proc_node_i4 *dotmv_list;
+    zel_sparse_proc_node_i4 *mm_list;
+    zel_sparse_proc_node_i4 *symgs_list;
+    zel_sparse_proc_node_i4 *reserved_list;
+    zel_sparse_proc_node_i4 *sorv_list;
+} zel_sparse_matrix_i4;
+
+/* ---- _i8 records: 64-bit indices and counts. ---- */
+
+/* Three-array record (CSR, CSC, BSR). */
+typedef struct zel_sparse_csr_record_i8 {
+    int64_t sorted;
+    int64_t rows;
+    int64_t cols;
+    int64_t nnz;
+    int64_t index_base;
+    int64_t block_size;
+    int64_t block_layout;
+    int64_t owns_arrays;
+    int64_t inplace_copy;
+    int64_t is_sycl_cpu;
+    int64_t three_array;
+    int64_t *rows_start;
+    int64_t *rows_end;
+    int64_t *col_indx;
+    void *values;
+    void *aux;
+    zel_sparse_opt_record *opt_record;
+    zel_sparse_opt_words *opt_words;
+} zel_sparse_csr_record_i8;
+
+/* Coordinate record (COO). */
+typedef struct zel_sparse_coo_record_i8 {
+    int64_t sorted;
+    int64_t rows;
+    int64_t cols;
+    int64_t nnz;
+    int64_t index_base;
+    int64_t owns_arrays;
+    int64_t inplace_copy;
+    int64_t is_sycl_cpu;
+    int64_t *row_indx;
+    int64_t *col_indx;
+    void *values;
+} zel_sparse_coo_record_i8;
+
+/* Element of a procedure list, built by an inspector, read by the executors. */
+typedef struct zel_sparse_proc_node_i8 {
+    int32_t operation;
+    int32_t matrix_type;
+    int32_t fill_mode;
+    int32_t diag;
+    int32_t reserved;
+    int32_t dense_layout;
+    void *inspector_data[4];
+    int (*procedure)(struct zel_sparse_proc_node_i8 *node, ...);
+    struct zel_sparse_proc_node_i8 *next;
+} zel_sparse_proc_node_i8;
+
+/* The sparse matrix handle. */
+typedef struct zel_sparse_matrix_i8 {
+    int32_t data_type;
+    int32_t format;
+    int32_t block_layout_request; /* block layout given at creation (BSR) */
+    int32_t hint_flags;           /* bit 0 mv hint, bit 1 mm hint, bit 2 memory hint recorded */
+    int64_t rows;
+    int64_t cols;
+    void *data;
+    zel_sparse_csr_record_i8 *transposed;
+    int64_t mv_hint[3];  /* operation, matrix type, expected calls */
+    int64_t mm_hint[4];  /* operation, matrix type, layout, expected calls */
+    int64_t memory_hint; /* memory policy code */
+    zel_sparse_proc_node_i8 *trsv_list;
+    zel_sparse_proc_node_i8 *trsm_list;
+    zel_sparse_proc_node_i8 *mv_list;
+    zel_sparse_proc_node_i8 *dotmv_list;
+    zel_sparse_proc_node_i8 *mm_list;
+    zel_sparse_proc_node_i8 *symgs_list;
+    zel_sparse_proc_node_i8 *reserved_list;
+    zel_sparse_proc_node_i8 *sorv_list;
+} zel_sparse_matrix_i8;
 
 #endif
