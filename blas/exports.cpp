@@ -4,30 +4,30 @@
 #include "zel/core_imports.h"
 #include "zel_internal/members.hpp"
 
-#define ZEL_BLAS_EXPORTS(p, C, T)                                                                            \
-    ZEL_API void zel_blas_##p##axpy(const int64_t *n, const C *alpha, const C *x, const int64_t *incx, C *y, \
+#define ZEL_BLAS_EXPORTS(P, C, T)                                                                            \
+    ZEL_API void zel_blas_##P##axpy(const int64_t *n, const C *alpha, const C *x, const int64_t *incx, C *y, \
                                     const int64_t *incy)                                                   \
     {                                                                                                      \
-        zel_blas_x##p##axpy(n, alpha, x, incx, y, incy);                                                   \
+        zel_blas_x##P##axpy(n, alpha, x, incx, y, incy);                                                   \
     }                                                                                                      \
-    ZEL_API void zel_blas_##p##copy(const int64_t *n, const C *x, const int64_t *incx, C *y,               \
+    ZEL_API void zel_blas_##P##copy(const int64_t *n, const C *x, const int64_t *incx, C *y,               \
                                     const int64_t *incy)                                                   \
     {                                                                                                      \
-        zel_blas_x##p##copy(n, x, incx, y, incy);                                                          \
+        zel_blas_x##P##copy(n, x, incx, y, incy);                                                          \
     }                                                                                                      \
-    ZEL_API void zel_blas_##p##axpy_batch_strided(const int64_t *n, const C *alpha, const C *x,            \
+    ZEL_API void zel_blas_##P##axpy_batch_strided(const int64_t *n, const C *alpha, const C *x,            \
                                                   const int64_t *incx, const int64_t *stridex, C *y,        \
                                                   const int64_t *incy, const int64_t *stridey,              \
                                                   const int64_t *batch_size)                                \
     {                                                                                                      \
-        zel::blas::axpy_batch_strided(zel_blas_##p##axpy, n, alpha, x, incx, stridex, y, incy, stridey,     \
+        zel::blas::axpy_batch_strided(zel_blas_##P##axpy, n, alpha, x, incx, stridex, y, incy, stridey,     \
                                       batch_size);                                                         \
     }                                                                                                      \
-    ZEL_API void zel_blas_##p##copy_batch_strided(const int64_t *n, const C *x, const int64_t *incx,       \
+    ZEL_API void zel_blas_##P##copy_batch_strided(const int64_t *n, const C *x, const int64_t *incx,       \
                                                   const int64_t *stridex, C *y, const int64_t *incy,        \
                                                   const int64_t *stridey, const int64_t *batch_size)        \
     {                                                                                                      \
-        zel::blas::copy_batch_strided(zel_blas_##p##copy, n, x, incx, stridex, y, incy, stridey,            \
+        zel::blas::copy_batch_strided(zel_blas_##P##copy, n, x, incx, stridex, y, incy, stridey,            \
                                       batch_size);                                                         \
     }
 

@@ -12,17 +12,17 @@ namespace zel::lapack {
 // The core's kernels for value type T and the C type they take.
 template <class T> struct kernels;
 
-#define ZEL_DENSE_KERNEL_TABLE(p, C)                                                                                   \
+#define ZEL_DENSE_KERNEL_TABLE(P, C)                                                                                   \
     template <> struct kernels<cpp_value_t<C>> {                                                                       \
         using c_type = C;                                                                                              \
-        static constexpr auto getrf = zel_lapack_x##p##getrf;                                                          \
-        static constexpr auto getrfnp = zel_lapack_##p##getrfnp;                                                       \
-        static constexpr auto getrs = zel_lapack_##p##getrs;                                                           \
-        static constexpr auto getri = zel_lapack_##p##getri;                                                           \
-        static constexpr auto getri_oop = zel_lapack_##p##getri_oop;                                                   \
-        static constexpr auto potrf = zel_lapack_##p##potrf;                                                           \
-        static constexpr auto gels = zel_lapack_##p##gels;                                                             \
-        static constexpr auto trsm = zel_blas_##p##trsm;                                                               \
+        static constexpr auto getrf = zel_lapack_x##P##getrf;                                                          \
+        static constexpr auto getrfnp = zel_lapack_##P##getrfnp;                                                       \
+        static constexpr auto getrs = zel_lapack_##P##getrs;                                                           \
+        static constexpr auto getri = zel_lapack_##P##getri;                                                           \
+        static constexpr auto getri_oop = zel_lapack_##P##getri_oop;                                                   \
+        static constexpr auto potrf = zel_lapack_##P##potrf;                                                           \
+        static constexpr auto gels = zel_lapack_##P##gels;                                                             \
+        static constexpr auto trsm = zel_blas_##P##trsm;                                                               \
     };
 ZEL_DENSE_KERNEL_TABLE(s, float)
 ZEL_DENSE_KERNEL_TABLE(d, double)

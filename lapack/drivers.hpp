@@ -6,31 +6,31 @@
 #include <complex>
 #include <cstdint>
 
-#include "zel/lapack.h"
+#include "signatures.hpp"
 
 namespace zel::lapack {
 
 template <class T, class I>
-void getrf_batch_strided(const char *name, ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I));
+void getrf_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getrf_batch_strided(T, I, I *const *));
 template <class T, class I>
-void getrfnp_batch_strided(const char *name, ZEL_LAPACK_GETRFNP_BATCH_STRIDED_PARAMS(T, I));
+void getrfnp_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getrfnp_batch_strided(T, I, I *const *));
 template <class T, class I>
-void getrs_batch_strided(const char *name, ZEL_LAPACK_GETRS_BATCH_STRIDED_PARAMS(T, I));
+void getrs_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getrs_batch_strided(T, I, I *const *));
 template <class T, class I>
-void getrsnp_batch_strided(const char *name, ZEL_LAPACK_GETRSNP_BATCH_STRIDED_PARAMS(T, I));
+void getrsnp_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getrsnp_batch_strided(T, I, I *const *));
 template <class T, class I>
-void getri_oop_batch_strided(const char *name, ZEL_LAPACK_GETRI_OOP_BATCH_STRIDED_PARAMS(T, I));
+void getri_oop_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getri_oop_batch_strided(T, I, I *const *));
 template <class T, class I>
-void getri_batch_strided(const char *name, ZEL_LAPACK_GETRI_BATCH_STRIDED_PARAMS(T, I));
+void getri_batch_strided(const char *name, ZEL_LAPACK_PARAMS_getri_batch_strided(T, I, I *const *));
 template <class T, class I>
-void potrf_batch_strided(const char *name, ZEL_LAPACK_POTRF_BATCH_STRIDED_PARAMS(T, I));
+void potrf_batch_strided(const char *name, ZEL_LAPACK_PARAMS_potrf_batch_strided(T, I, I *const *));
 template <class T, class I>
-void gels_batch_strided(const char *name, ZEL_LAPACK_GELS_BATCH_STRIDED_PARAMS(T, I));
+void gels_batch_strided(const char *name, ZEL_LAPACK_PARAMS_gels_batch_strided(T, I, I *const *));
 
-template <class T, class I> void getrf_batch(const char *name, ZEL_LAPACK_GETRF_BATCH_PARAMS(T, I, I *const *));
-template <class T, class I> void getrfnp_batch(const char *name, ZEL_LAPACK_GETRFNP_BATCH_PARAMS(T, I));
+template <class T, class I> void getrf_batch(const char *name, ZEL_LAPACK_PARAMS_getrf_batch(T, I, I *const *));
+template <class T, class I> void getrfnp_batch(const char *name, ZEL_LAPACK_PARAMS_getrfnp_batch(T, I, I *const *));
 template <class T, class I>
-void getri_oop_batch(const char *name, ZEL_LAPACK_GETRI_OOP_BATCH_PARAMS(T, I, I *const *));
+void getri_oop_batch(const char *name, ZEL_LAPACK_PARAMS_getri_oop_batch(T, I, I *const *));
 
 // Applies X(T, I) to every value type and integer width.
 #define ZEL_LAPACK_INSTANCES(X)                                                                           \

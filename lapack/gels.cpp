@@ -49,7 +49,7 @@ void gels_batch_strided(const char *name, const char *trans, const I *m, const I
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void gels_batch_strided<T, I>(const char *, ZEL_LAPACK_GELS_BATCH_STRIDED_PARAMS(T, I));
+    template void gels_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_gels_batch_strided(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -61,8 +61,8 @@ void getrf_batch(const char *name, const I *m, const I *n, T *const *a, const I 
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getrf_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I));                \
-    template void getrf_batch<T, I>(const char *, ZEL_LAPACK_GETRF_BATCH_PARAMS(T, I, I *const *));
+    template void getrf_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getrf_batch_strided(T, I, I *const *));                \
+    template void getrf_batch<T, I>(const char *, ZEL_LAPACK_PARAMS_getrf_batch(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -44,8 +44,8 @@ void getrfnp_batch(const char *name, const I *m, const I *n, T *const *a, const 
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getrfnp_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRFNP_BATCH_STRIDED_PARAMS(T, I));            \
-    template void getrfnp_batch<T, I>(const char *, ZEL_LAPACK_GETRFNP_BATCH_PARAMS(T, I));
+    template void getrfnp_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getrfnp_batch_strided(T, I, I *const *));            \
+    template void getrfnp_batch<T, I>(const char *, ZEL_LAPACK_PARAMS_getrfnp_batch(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -51,7 +51,7 @@ void getri_batch_strided(const char *name, const I *n, T *a, const I *lda, const
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getri_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRI_BATCH_STRIDED_PARAMS(T, I));
+    template void getri_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getri_batch_strided(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -68,8 +68,8 @@ void getri_oop_batch(const char *name, const I *n, T *const *a, const I *lda, I 
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getri_oop_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRI_OOP_BATCH_STRIDED_PARAMS(T, I));        \
-    template void getri_oop_batch<T, I>(const char *, ZEL_LAPACK_GETRI_OOP_BATCH_PARAMS(T, I, I *const *));
+    template void getri_oop_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getri_oop_batch_strided(T, I, I *const *));        \
+    template void getri_oop_batch<T, I>(const char *, ZEL_LAPACK_PARAMS_getri_oop_batch(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

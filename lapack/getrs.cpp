@@ -39,7 +39,7 @@ void getrs_batch_strided(const char *name, const char *trans, const I *n, const 
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getrs_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRS_BATCH_STRIDED_PARAMS(T, I));
+    template void getrs_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getrs_batch_strided(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -48,7 +48,7 @@ void getrsnp_batch_strided(const char *name, const char *trans, const I *n, cons
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void getrsnp_batch_strided<T, I>(const char *, ZEL_LAPACK_GETRSNP_BATCH_STRIDED_PARAMS(T, I));
+    template void getrsnp_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_getrsnp_batch_strided(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

@@ -24,7 +24,7 @@ void potrf_batch_strided(const char *name, const char *uplo, const I *n, T *a, c
 }
 
 #define ZEL_INSTANCE(T, I)                                                                                             \
-    template void potrf_batch_strided<T, I>(const char *, ZEL_LAPACK_POTRF_BATCH_STRIDED_PARAMS(T, I));
+    template void potrf_batch_strided<T, I>(const char *, ZEL_LAPACK_PARAMS_potrf_batch_strided(T, I, I *const *));
 ZEL_LAPACK_INSTANCES(ZEL_INSTANCE)
 
 } // namespace zel::lapack

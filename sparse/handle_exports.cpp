@@ -1,5 +1,7 @@
 // Exported handle accessors, checks, ordering and conversions of the layer: one-line shells over
 // sparse/handle.hpp, sparse/order.hpp and sparse/convert.hpp.
+#include "zel/sparse_handle.h"
+
 #include "convert.hpp"
 #include "zel_internal/members.hpp"
 #include "handle.hpp"

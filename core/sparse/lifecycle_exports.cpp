@@ -1,4 +1,6 @@
 // Exported sparse handle lifecycle of the core: one-line shells over core/sparse/lifecycle.hpp.
+#include "zel/sparse_handle.h"
+
 #include "lifecycle.hpp"
 #include "zel_internal/members.hpp"
 

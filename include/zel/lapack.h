@@ -528,41 +528,4 @@ ZEL_API void zel_lapack_zgetri_oop_batch_omp_internal64(
 
 ZEL_END_DECLS
 
-/* The parameter lists of the prototypes above, T the value type and I the integer type: the
- * library's drivers are written against them, so that they and the prototypes cannot part. */
-
-#define ZEL_LAPACK_GETRF_BATCH_STRIDED_PARAMS(T, I)                                                          \
-    const I *m, const I *n, T *a, const I *lda, const I *stride_a, I *ipiv, const I *stride_ipiv,            \
-        const I *batch_size, I *info
-#define ZEL_LAPACK_GETRFNP_BATCH_STRIDED_PARAMS(T, I)                                                        \
-    const I *m, const I *n, T *a, const I *lda, const I *stride_a, const I *batch_size, I *info
-#define ZEL_LAPACK_GETRS_BATCH_STRIDED_PARAMS(T, I)                                                          \
-    const char *trans, const I *n, const I *nrhs, const T *a, const I *lda, const I *stride_a,               \
-        const I *ipiv, const I *stride_ipiv, T *b, const I *ldb, const I *stride_b, const I *batch_size,     \
-        I *info
-#define ZEL_LAPACK_GETRSNP_BATCH_STRIDED_PARAMS(T, I)                                                        \
-    const char *trans, const I *n, const I *nrhs, const T *a, const I *lda, const I *stride_a, T *b,         \
-        const I *ldb, const I *stride_b, const I *batch_size, I *info
-#define ZEL_LAPACK_GETRI_OOP_BATCH_STRIDED_PARAMS(T, I)                                                      \
-    const I *n, const T *a, const I *lda, const I *stride_a, const I *ipiv, const I *stride_ipiv, T *ainv,   \
-        const I *ldainv, const I *stride_ainv, const I *batch_size, I *info
-#define ZEL_LAPACK_GETRI_BATCH_STRIDED_PARAMS(T, I)                                                          \
-    const I *n, T *a, const I *lda, const I *stride_a, const I *ipiv, const I *stride_ipiv,                  \
-        const I *batch_size, I *info
-#define ZEL_LAPACK_POTRF_BATCH_STRIDED_PARAMS(T, I)                                                          \
-    const char *uplo, const I *n, T *a, const I *lda, const I *stride_a, const I *batch_size, I *info
-#define ZEL_LAPACK_GELS_BATCH_STRIDED_PARAMS(T, I)                                                           \
-    const char *trans, const I *m, const I *n, const I *nrhs, T *a, const I *lda, const I *stride_a, T *b,   \
-        const I *ldb, const I *stride_b, const I *batch_size, I *info
-
-/* Group forms; IP is the type of the array of pivot-vector pointers. */
-#define ZEL_LAPACK_GETRF_BATCH_PARAMS(T, I, IP)                                                              \
-    const I *m, const I *n, T *const *a, const I *lda, IP ipiv, const I *group_count, const I *group_size,   \
-        I *info
-#define ZEL_LAPACK_GETRFNP_BATCH_PARAMS(T, I)                                                                \
-    const I *m, const I *n, T *const *a, const I *lda, const I *group_count, const I *group_size, I *info
-#define ZEL_LAPACK_GETRI_OOP_BATCH_PARAMS(T, I, IP)                                                          \
-    const I *n, T *const *a, const I *lda, IP ipiv, T *const *ainv, const I *ldainv, const I *group_count,   \
-        const I *group_size, I *info
-
 #endif
