@@ -11,44 +11,35 @@
 #include <type_traits>
 
 #include "small.hpp"
+#include "zel_internal/value_traits.hpp"
 
 namespace zel::dense::ZEL_SMALL_ISA {
-
-template <class T> struct is_cplx : std::false_type {};
-template <class R> struct is_cplx<std::complex<R>> : std::true_type {};
 
 // Products written out: the library's complex operators guard against NaN and do not vectorise.
 template <class T> inline T mul(T a, T b)
 {
-    if constexpr (is_cplx<T>::value)
+    if constexpr (is_complex_v<T>)
         return T(a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real());
     else
         return a * b;
 }
 template <class T> inline T mul_conj(T a, T b) // conj(a)*b
 {
-    if constexpr (is_cplx<T>::value)
+    if constexpr (is_complex_v<T>)
         return T(a.real() * b.real() + a.imag() * b.imag(), a.real() * b.imag() - a.imag() * b.real());
     else
         return a * b;
 }
-template <class T> inline T conj(T a)
-{
-    if constexpr (is_cplx<T>::value)
-        return std::conj(a);
-    else
-        return a;
-}
 template <class T> inline auto abs1(T a)
 {
-    if constexpr (is_cplx<T>::value)
+    if constexpr (is_complex_v<T>)
         return std::abs(a.real()) + std::abs(a.imag());
     else
         return std::abs(a);
 }
 template <class T> inline auto real_part(T a)
 {
-    if constexpr (is_cplx<T>::value)
+    if constexpr (is_complex_v<T>)
         return a.real();
     else
         return a;
@@ -57,7 +48,7 @@ template <class T> inline auto real_part(T a)
 // (which would spill every vector register) gets in the way.
 template <class T> inline T reciprocal(T a)
 {
-    if constexpr (is_cplx<T>::value) {
+    if constexpr (is_complex_v<T>) {
         using R = typename T::value_type;
         const R norm = a.real() * a.real() + a.imag() * a.imag();
         constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
@@ -136,7 +127,7 @@ template <class T> void potrf_lower_loop(int64_t n, T *a, int64_t lda, int64_t *
         T *cj = a + j * lda;
         for (int64_t k = 0; k < j; ++k) {
             const T *ck = a + k * lda;
-            axpy_minus(n - j, ck + j, conj(ck[j]), cj + j);
+            axpy_minus(n - j, ck + j, conj_if(ck[j], true), cj + j);
         }
         const R d = real_part(cj[j]);
         if (!(d > R(0))) {
@@ -208,7 +199,7 @@ template <class T> void transposed_solve(int64_t n, const T *a, int64_t lda, T *
         else
             for (int64_t i = 0; i < k; ++i)
                 s -= mul(ck[i], x[i]);
-        x[k] = mul(s, reciprocal(conjugate ? conj(ck[k]) : ck[k]));
+        x[k] = mul(s, reciprocal(conj_if(ck[k], conjugate)));
     }
     for (int64_t k = n - 1; k >= 0; --k) {
         const T *ck = a + k * lda;
