@@ -36,10 +36,7 @@ template <class T, class I> int order_coo(coo_t<I> &r, const source_view<I> &vie
     csr_t<I> by_columns;
     if (int status = build_compressed<T, I>(view, ZEL_SPARSE_OPERATION_NON_TRANSPOSE, true, by_columns))
         return status;
-    struct release_columns {
-        csr_t<I> &record;
-        ~release_columns() { free_owned_arrays<I>(record); }
-    } release{by_columns};
+    const owned_arrays_guard<I> release{by_columns};
     owned_arrays<T, I> by_rows;
     if (int status = transpose_into(view_of_record<T, I>(by_columns, ZEL_SPARSE_FORMAT_CSC), I(1), false, by_rows))
         return status;

@@ -218,23 +218,20 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
     op_shape shape;
     if (!shape_of(a, operation, shape))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    const size_t length = std::max<int64_t>(shape.entries, 1);
-    scratch_array<I> rows(length, alignment), cols(length, alignment);
-    scratch_array<T> values;
-    if (a.values != nullptr)
-        values = scratch_array<T>(length, alignment);
-    if (!rows || !cols || (a.values != nullptr && !values))
+    owned_pairs<T, I> pairs;
+    if (!pairs.allocate(shape.entries, a.values != nullptr))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
 
     int64_t k = 0;
     I sorted = 1;
+    I *rows = pairs.rows.get(), *cols = pairs.cols.get();
     for_each_entry(a, operation, [&](int64_t r, int64_t c, int64_t p) {
         rows[k] = I(r + a.base);
         cols[k] = I(c + a.base);
         if (k > 0 && (rows[k] < rows[k - 1] || (rows[k] == rows[k - 1] && cols[k] < cols[k - 1])))
             sorted = 0;
-        if (values)
-            values[k] = entry_value<T>(a.values, p, operation);
+        if (pairs.values)
+            pairs.values[k] = entry_value<T>(a.values, p, operation);
         ++k;
     });
 
@@ -244,11 +241,8 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
     out.cols = I(shape.cols);
     out.nnz = I(k);
     out.index_base = a.base;
-    out.owns_arrays = 1;
     out.inplace_copy = 1;
-    out.row_indx = rows.release();
-    out.col_indx = cols.release();
-    out.values = values.release();
+    adopt_pairs(out, pairs);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
@@ -321,10 +315,7 @@ int build_bsr(const source_view<I> &a, int operation, int64_t b, int32_t layout,
     csr_t<I> scalar;
     if (int status = build_compressed<T, I>(a, operation, false, scalar))
         return status;
-    struct release_scalar {
-        csr_t<I> &record;
-        ~release_scalar() { free_owned_arrays<I>(record); }
-    } release{scalar};
+    const owned_arrays_guard<I> release{scalar};
 
     const block_split<T, I> split{scalar, b, shape.rows / b, shape.cols / b};
     scratch_array<I> counts(split.block_rows + 1, alignment), marker(std::max<int64_t>(2 * split.block_cols, 1), alignment);

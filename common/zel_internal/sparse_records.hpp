@@ -129,6 +129,22 @@ template <class T, class I> struct owned_arrays {
     I stored() const { return starts[slices] - starts[0]; }
 };
 
+// Library-owned coordinate arrays on their way into a COO record.
+template <class T, class I> struct owned_pairs {
+    scratch_array<I> rows, cols;
+    scratch_array<T> values;
+
+    bool allocate(int64_t entries, bool with_values)
+    {
+        const size_t length = size_t(std::max<int64_t>(entries, 1));
+        rows = scratch_array<I>(length, alignment);
+        cols = scratch_array<I>(length, alignment);
+        if (with_values)
+            values = scratch_array<T>(length, alignment);
+        return rows && cols && (!with_values || values);
+    }
+};
+
 // ---- freeing ----
 
 // Frees the arrays of a record that owns them (owns_arrays 1) and forgets them.
@@ -189,6 +205,22 @@ template <class T, class I> void adopt_arrays(csr_t<I> &record, owned_arrays<T, 
     record.owns_arrays = 1;
     record.three_array = 1;
 }
+
+// Points a COO record at new owned arrays, freeing the old owned ones.
+template <class T, class I> void adopt_pairs(coo_t<I> &record, owned_pairs<T, I> &pairs)
+{
+    free_owned_arrays<I>(record);
+    record.row_indx = pairs.rows.release();
+    record.col_indx = pairs.cols.release();
+    record.values = pairs.values.release();
+    record.owns_arrays = 1;
+}
+
+// Frees a temporary record's owned arrays when it goes out of scope.
+template <class I> struct owned_arrays_guard {
+    csr_t<I> &record;
+    ~owned_arrays_guard() { free_owned_arrays<I>(record); }
+};
 
 // Hangs a filled record on a new handle of the given value type, format and scalar shape; the
 // record changes hands only on success.

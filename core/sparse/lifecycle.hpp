@@ -207,24 +207,18 @@ template <class T, class I> int copy_compressed(const csr_t<I> &source, int32_t 
 
 template <class T, class I> int copy_coo(const coo_t<I> &source, coo_t<I> &out)
 {
-    const size_t length = std::max<I>(source.nnz, 1);
-    scratch_array<I> rows(length, alignment), cols(length, alignment);
-    scratch_array<T> values;
-    if (source.values != nullptr)
-        values = scratch_array<T>(length, alignment);
-    if (!rows || !cols || (source.values != nullptr && !values))
+    owned_pairs<T, I> pairs;
+    if (!pairs.allocate(source.nnz, source.values != nullptr))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    std::copy(source.row_indx, source.row_indx + source.nnz, rows.get());
-    std::copy(source.col_indx, source.col_indx + source.nnz, cols.get());
-    if (values)
+    std::copy(source.row_indx, source.row_indx + source.nnz, pairs.rows.get());
+    std::copy(source.col_indx, source.col_indx + source.nnz, pairs.cols.get());
+    if (pairs.values)
         std::copy(static_cast<const T *>(source.values), static_cast<const T *>(source.values) + source.nnz,
-                  values.get());
+                  pairs.values.get());
     out = source;
-    out.owns_arrays = 1;
+    out.owns_arrays = 0;
     out.inplace_copy = 1;
-    out.row_indx = rows.release();
-    out.col_indx = cols.release();
-    out.values = values.release();
+    adopt_pairs(out, pairs);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
