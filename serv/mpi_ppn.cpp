@@ -29,16 +29,20 @@ int32_t whole_count(const char *name)
     return static_cast<int32_t>(value);
 }
 
-// The leading integer of "count:map"; counts only when the map follows.
+// The leading integer of "count:map"; counts only when the map follows. A count that does not
+// fit 32 bits is malformed: no count, no map.
 int32_t pin_mapping_count(bool &has_map)
 {
-    char text[env_capacity];
+    char text[env_capacity] = {};
     zel_serv_getenv("ZMPI_PIN_MAPPING", text, env_capacity);
     char *end = nullptr;
+    errno = 0;
     const long value = std::strtol(text, &end, 10);
-    const int32_t count = value > INT32_MAX ? INT32_MAX : value < INT32_MIN ? INT32_MIN : static_cast<int32_t>(value);
+    has_map = false;
+    if (errno == ERANGE || value > INT32_MAX || value < INT32_MIN)
+        return 0;
     has_map = *end == ':';
-    return count;
+    return static_cast<int32_t>(value);
 }
 
 // Caches `value`; true when it settles the answer.

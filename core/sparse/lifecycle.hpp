@@ -42,9 +42,11 @@ int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols,
     if (A == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     const int32_t layout = format == ZEL_SPARSE_FORMAT_BSR ? block_layout_record_code(block_layout) : 0;
+    // Dimensions in scalars, and one block's bytes, must be addressable.
     const auto scalar_rows = checked_mul(rows, block), scalar_cols = checked_mul(cols, block);
+    const auto area = checked_mul(block, block);
     if (block < 1 || layout < 0 || !scalar_rows || !scalar_cols || !fits_in<I>(*scalar_rows) ||
-        !fits_in<I>(*scalar_cols) || !checked_mul(block, block))
+        !fits_in<I>(*scalar_cols) || !area || !checked_bytes<T>(*area))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     const I n = format == ZEL_SPARSE_FORMAT_CSC ? cols : rows, other = format == ZEL_SPARSE_FORMAT_CSC ? rows : cols;
     if (int status = check_compressed(n, other, base, starts, ends, index, values))
