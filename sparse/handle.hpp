@@ -38,17 +38,29 @@ template <class I> int get_sorted_property(const handle_t<I> *A, I *sorted)
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
+// The flag words a data-array setter stores beside the arrays.
+template <class I> struct record_flags {
+    I is_sycl_cpu;
+    I owns_arrays;
+    I sorted;
+    I index_base;
+};
+
+template <class I, class Record> void store_flags(Record &r, const record_flags<I> &flags)
+{
+    r.is_sycl_cpu = flags.is_sycl_cpu;
+    r.owns_arrays = flags.owns_arrays;
+    r.sorted = flags.sorted;
+    r.index_base = flags.index_base;
+}
+
 template <class I>
-int set_coo_data_arrays(handle_t<I> *A, I is_sycl_cpu, I owns_arrays, I sorted, I index_base, I *row_indx,
-                        I *col_indx, void *values)
+int set_coo_data_arrays(handle_t<I> *A, const record_flags<I> &flags, I *row_indx, I *col_indx, void *values)
 {
     if (A == nullptr || A->data == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     coo_t<I> &r = *static_cast<coo_t<I> *>(A->data);
-    r.is_sycl_cpu = is_sycl_cpu;
-    r.owns_arrays = owns_arrays;
-    r.sorted = sorted;
-    r.index_base = index_base;
+    store_flags(r, flags);
     r.row_indx = row_indx;
     r.col_indx = col_indx;
     r.values = values;
@@ -57,53 +69,48 @@ int set_coo_data_arrays(handle_t<I> *A, I is_sycl_cpu, I owns_arrays, I sorted, 
 
 // Stores compressed arrays; the entry count follows the end offsets only for is_sycl_cpu.
 template <class I>
-void store_compressed(csr_t<I> &r, bool by_column, I is_sycl_cpu, I owns_arrays, I sorted, I index_base,
-                      I *starts, I *ends, I *index, void *values)
+void store_compressed(csr_t<I> &r, bool by_column, const record_flags<I> &flags, const caller_compressed<I> &arrays)
 {
-    r.is_sycl_cpu = is_sycl_cpu;
-    r.owns_arrays = owns_arrays;
-    r.sorted = sorted;
-    r.index_base = index_base;
-    r.rows_start = starts;
-    r.rows_end = ends;
-    r.col_indx = index;
-    r.values = values;
-    r.three_array = ends == starts + 1;
+    store_flags(r, flags);
+    r.rows_start = arrays.starts;
+    r.rows_end = arrays.ends;
+    r.col_indx = arrays.index;
+    r.values = arrays.values;
+    r.three_array = arrays.ends == arrays.starts + 1;
     const I n = by_column ? r.cols : r.rows;
-    if (is_sycl_cpu != 0 && ends != nullptr)
-        r.nnz = index != nullptr && n > 0 ? ends[n - 1] - index_base : 0;
+    if (flags.is_sycl_cpu != 0 && arrays.ends != nullptr)
+        r.nnz = arrays.index != nullptr && n > 0 ? arrays.ends[n - 1] - flags.index_base : 0;
 }
 
 template <class I>
-int set_compressed_data_arrays(handle_t<I> *A, bool by_column, I is_sycl_cpu, I owns_arrays, I sorted,
-                               I index_base, I *starts, I *ends, I *index, void *values)
+int set_compressed_data_arrays(handle_t<I> *A, bool by_column, const record_flags<I> &flags,
+                               const caller_compressed<I> &arrays)
 {
     if (A == nullptr || A->data == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
-    store_compressed(*static_cast<csr_t<I> *>(A->data), by_column, is_sycl_cpu, owns_arrays, sorted, index_base,
-                     starts, ends, index, values);
+    store_compressed(*static_cast<csr_t<I> *>(A->data), by_column, flags, arrays);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
 // As the CSR setter, but a missing record reports 2; block size and layout stay as they are.
 template <class I>
-int set_bsr_data_arrays(handle_t<I> *A, I is_sycl_cpu, I owns_arrays, I sorted, I index_base, I *starts,
-                        I *ends, I *index, void *values)
+int set_bsr_data_arrays(handle_t<I> *A, const record_flags<I> &flags, const caller_compressed<I> &arrays)
 {
     if (A == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     if (A->data == nullptr)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    store_compressed(*static_cast<csr_t<I> *>(A->data), false, is_sycl_cpu, owns_arrays, sorted, index_base,
-                     starts, ends, index, values);
+    store_compressed(*static_cast<csr_t<I> *>(A->data), false, flags, arrays);
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
 // Operand check of two-matrix operations, in its fixed order.
 template <class I>
-int check_input_data(const handle_t<I> *A, int type_a, int mode_a, int diag_a, const handle_t<I> *B, int type_b,
-                     int mode_b, int diag_b, int allow_rectangular)
+int check_input_data(const handle_t<I> *A, zel_sparse_matrix_descr a_descr, const handle_t<I> *B,
+                     zel_sparse_matrix_descr b_descr, int allow_rectangular)
 {
+    const int type_a = a_descr.type, mode_a = a_descr.mode, diag_a = a_descr.diag;
+    const int type_b = b_descr.type, mode_b = b_descr.mode, diag_b = b_descr.diag;
     if (A == nullptr || B == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     const bool compressed_rows = A->format == ZEL_SPARSE_FORMAT_CSR || A->format == ZEL_SPARSE_FORMAT_BSR;

@@ -35,32 +35,32 @@ namespace zs = zel::sparse;
     ZEL_API int zel_sparse_##P##_set_coo_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *row_indx, I *col_indx, C *values)             \
-    { return zs::set_coo_data_arrays<I>(A, is_sycl_cpu, owns_arrays, sorted, index_base, row_indx,         \
+    { return zs::set_coo_data_arrays<I>(A, {is_sycl_cpu, owns_arrays, sorted, index_base}, row_indx,      \
                                         col_indx, values); }                                               \
     ZEL_API int zel_sparse_##P##_set_csr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *rows_start, I *rows_end, I *col_indx,         \
                                                          C *values)                                       \
-    { return zs::set_compressed_data_arrays<I>(A, false, is_sycl_cpu, owns_arrays, sorted, index_base,     \
-                                               rows_start, rows_end, col_indx, values); }                  \
+    { return zs::set_compressed_data_arrays<I>(A, false, {is_sycl_cpu, owns_arrays, sorted, index_base},   \
+                                               {rows_start, rows_end, col_indx, values}); }                  \
     ZEL_API int zel_sparse_##P##_set_csc_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *cols_start, I *cols_end, I *row_indx,         \
                                                          C *values)                                       \
-    { return zs::set_compressed_data_arrays<I>(A, true, is_sycl_cpu, owns_arrays, sorted, index_base,      \
-                                               cols_start, cols_end, row_indx, values); }                  \
+    { return zs::set_compressed_data_arrays<I>(A, true, {is_sycl_cpu, owns_arrays, sorted, index_base},    \
+                                               {cols_start, cols_end, row_indx, values}); }                  \
     ZEL_API int zel_sparse_##P##_set_bsr_data_arrays_##W(zel_sparse_matrix_##W *A, I is_sycl_cpu,          \
                                                          I owns_arrays, I sorted, I index_base,           \
                                                          I *rows_start, I *rows_end, I *col_indx, I,      \
                                                          C *values)                                       \
-    { return zs::set_bsr_data_arrays<I>(A, is_sycl_cpu, owns_arrays, sorted, index_base, rows_start,       \
-                                        rows_end, col_indx, values); }                                     \
+    { return zs::set_bsr_data_arrays<I>(A, {is_sycl_cpu, owns_arrays, sorted, index_base},                \
+                                        {rows_start, rows_end, col_indx, values}); }                                     \
     ZEL_API int zel_sparse_##P##_do_order_##W(zel_sparse_matrix_##W *A) { return zs::do_order<T, I>(A); } \
     ZEL_API int zel_sparse_##P##_check_input_data_##W(const zel_sparse_matrix_##W *A, int type_a,          \
                                                       int mode_a, int diag_a,                             \
                                                       const zel_sparse_matrix_##W *B, int type_b,         \
                                                       int mode_b, int diag_b, int allow_rectangular)      \
-    { return zs::check_input_data<I>(A, type_a, mode_a, diag_a, B, type_b, mode_b, diag_b,                 \
+    { return zs::check_input_data<I>(A, {type_a, mode_a, diag_a}, B, {type_b, mode_b, diag_b},             \
                                      allow_rectangular); }                                                 \
     ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, coo, ZEL_SPARSE_FORMAT_COO)                                   \
     ZEL_SPARSE_CONVERT_SHELLS(P, T, W, I, csr, ZEL_SPARSE_FORMAT_CSR)                                   \

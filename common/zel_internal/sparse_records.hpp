@@ -93,6 +93,27 @@ template <class T, class I> compressed_view<T, I> view_of_record(const csr_t<I> 
             static_cast<const T *>(record.values)};
 }
 
+// A caller's compressed arrays as the entry points receive them; records keep these pointers.
+template <class I> struct caller_compressed {
+    I *starts = nullptr;
+    I *ends = nullptr;
+    I *index = nullptr;
+    void *values = nullptr;
+};
+
+// Where an export of a compressed record writes; the block fields only for BSR.
+template <class I> struct compressed_export {
+    int *base = nullptr;
+    int *block_layout = nullptr;
+    I *rows = nullptr;
+    I *cols = nullptr;
+    I *block = nullptr;
+    I **starts = nullptr;
+    I **ends = nullptr;
+    I **index = nullptr;
+    void **values = nullptr;
+};
+
 // A handle, record or node from the allocator, zero-filled; freed unless released.
 template <class R> scratch_array<R> zeroed_record()
 {

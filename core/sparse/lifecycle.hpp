@@ -12,9 +12,9 @@
 namespace zel::sparse {
 
 // Offsets of a compressed dimension of length n and indices into a dimension of length other.
-template <class I>
-int check_compressed(I n, I other, int base, const I *starts, const I *ends, const I *index, const void *values)
+template <class I> int check_compressed(I n, I other, int base, const caller_compressed<I> &arrays)
 {
+    const I *starts = arrays.starts, *ends = arrays.ends, *index = arrays.index;
     if (n < 0 || other < 0 || (base != 0 && base != 1) || starts == nullptr || ends == nullptr)
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     if (n == 0)
@@ -24,7 +24,7 @@ int check_compressed(I n, I other, int base, const I *starts, const I *ends, con
     for (I i = 0; i < n; ++i)
         if (ends[i] < starts[i] || (i + 1 < n && starts[i + 1] < ends[i]))
             return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    if (ends[n - 1] > base && (index == nullptr || values == nullptr))
+    if (ends[n - 1] > base && (index == nullptr || arrays.values == nullptr))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     for (I i = 0; i < n; ++i)
         for (I p = starts[i] - base; p < ends[i] - base; ++p)
@@ -34,10 +34,10 @@ int check_compressed(I n, I other, int base, const I *starts, const I *ends, con
 }
 
 // CSR (format 1), CSC (2) or BSR (3) handle over the caller's arrays; rows and cols are the
-// record's (blocks for BSR), block_layout a layout code (BSR only).
+// record's (blocks for BSR), block_layout a layout argument (BSR only).
 template <class T, class I>
 int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols, I block, int block_layout,
-                      I *starts, I *ends, I *index, void *values)
+                      const caller_compressed<I> &arrays)
 {
     if (A == nullptr)
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
@@ -49,26 +49,26 @@ int create_compressed(handle_t<I> **A, int32_t format, int base, I rows, I cols,
         !fits_in<I>(*scalar_cols) || !area || !checked_bytes<T>(*area))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     const I n = format == ZEL_SPARSE_FORMAT_CSC ? cols : rows, other = format == ZEL_SPARSE_FORMAT_CSC ? rows : cols;
-    if (int status = check_compressed(n, other, base, starts, ends, index, values))
+    if (int status = check_compressed(n, other, base, arrays))
         return status;
 
     scratch_array<csr_t<I>> record = zeroed_record<csr_t<I>>();
     if (!record)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     csr_t<I> &r = *record.get();
-    r.sorted = slices_sorted(compressed_view<T, I>{n, other, I(base), 1, starts, ends, index, nullptr});
+    r.sorted = slices_sorted(compressed_view<T, I>{n, other, I(base), 1, arrays.starts, arrays.ends, arrays.index});
     r.rows = rows;
     r.cols = cols;
-    r.nnz = n > 0 ? ends[n - 1] - base : 0;
+    r.nnz = n > 0 ? arrays.ends[n - 1] - base : 0;
     r.index_base = base;
     r.block_size = block;
     r.block_layout = layout;
     r.inplace_copy = 1;
-    r.three_array = ends == starts + 1;
-    r.rows_start = starts;
-    r.rows_end = ends;
-    r.col_indx = index;
-    r.values = values;
+    r.three_array = arrays.ends == arrays.starts + 1;
+    r.rows_start = arrays.starts;
+    r.rows_end = arrays.ends;
+    r.col_indx = arrays.index;
+    r.values = arrays.values;
     if (int status = install_record<I>(A, data_type_code<T>(), format, *scalar_rows, *scalar_cols, record.get()))
         return status;
     record.release();
@@ -126,27 +126,25 @@ template <class T, class I> int check_export(const handle_t<I> *A, int32_t forma
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-template <class T, class I>
-int export_compressed(const handle_t<I> *A, int32_t format, int *base, int *block_layout, I *rows, I *cols,
-                      I *block, I **starts, I **ends, I **index, void **values)
+template <class T, class I> int export_compressed(const handle_t<I> *A, int32_t format, const compressed_export<I> &out)
 {
-    if (base == nullptr || rows == nullptr || cols == nullptr || starts == nullptr || ends == nullptr ||
-        index == nullptr || values == nullptr ||
-        (format == ZEL_SPARSE_FORMAT_BSR && (block_layout == nullptr || block == nullptr)))
+    if (out.base == nullptr || out.rows == nullptr || out.cols == nullptr || out.starts == nullptr ||
+        out.ends == nullptr || out.index == nullptr || out.values == nullptr ||
+        (format == ZEL_SPARSE_FORMAT_BSR && (out.block_layout == nullptr || out.block == nullptr)))
         return ZEL_SPARSE_STATUS_NOT_INITIALIZED;
     if (int status = check_export<T, I>(A, format))
         return status;
     const csr_t<I> *r = static_cast<const csr_t<I> *>(A->data);
-    *base = int(r->index_base);
-    *rows = r->rows;
-    *cols = r->cols;
-    *starts = r->rows_start;
-    *ends = r->rows_end;
-    *index = r->col_indx;
-    *values = r->values;
+    *out.base = int(r->index_base);
+    *out.rows = r->rows;
+    *out.cols = r->cols;
+    *out.starts = r->rows_start;
+    *out.ends = r->rows_end;
+    *out.index = r->col_indx;
+    *out.values = r->values;
     if (format == ZEL_SPARSE_FORMAT_BSR) {
-        *block_layout = block_layout_argument(r->block_layout);
-        *block = r->block_size;
+        *out.block_layout = block_layout_argument(r->block_layout);
+        *out.block = r->block_size;
     }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }

@@ -13,16 +13,16 @@ namespace zs = zel::sparse;
     ZEL_API int zel_sparse_##P##_create_csr_##W(zel_sparse_matrix_##W **A, int index_base, I rows, I cols, \
                                                 I *rows_start, I *rows_end, I *col_indx, C *values)        \
     { return zs::create_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSR, index_base, rows, cols, 1, 0,        \
-                                           rows_start, rows_end, col_indx, values); }                      \
+                                         {rows_start, rows_end, col_indx, values}); }                      \
     ZEL_API int zel_sparse_##P##_create_csc_##W(zel_sparse_matrix_##W **A, int index_base, I rows, I cols, \
                                                 I *cols_start, I *cols_end, I *row_indx, C *values)        \
     { return zs::create_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSC, index_base, rows, cols, 1, 0,        \
-                                           cols_start, cols_end, row_indx, values); }                      \
+                                         {cols_start, cols_end, row_indx, values}); }                      \
     ZEL_API int zel_sparse_##P##_create_bsr_##W(zel_sparse_matrix_##W **A, int index_base,                 \
                                                 int block_layout, I rows, I cols, I block_size,            \
                                                 I *rows_start, I *rows_end, I *col_indx, C *values)        \
     { return zs::create_compressed<T, I>(A, ZEL_SPARSE_FORMAT_BSR, index_base, rows, cols, block_size,  \
-                                           block_layout, rows_start, rows_end, col_indx, values); }        \
+                                         block_layout, {rows_start, rows_end, col_indx, values}); }        \
     ZEL_API int zel_sparse_##P##_export_coo_##W(const zel_sparse_matrix_##W *A, int *index_base, I *rows,  \
                                                 I *cols, I *nnz, I **row_indx, I **col_indx, C **values)   \
     { return zs::export_coo<T, I>(A, index_base, rows, cols, nnz, row_indx, col_indx,                   \
@@ -30,21 +30,21 @@ namespace zs = zel::sparse;
     ZEL_API int zel_sparse_##P##_export_csr_##W(const zel_sparse_matrix_##W *A, int *index_base, I *rows,  \
                                                 I *cols, I **rows_start, I **rows_end, I **col_indx,       \
                                                 C **values)                                                \
-    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSR, index_base, nullptr, rows, cols,     \
-                                           nullptr, rows_start, rows_end, col_indx,                        \
-                                           reinterpret_cast<void **>(values)); }                           \
+    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSR,                                     \
+        {index_base, nullptr, rows, cols, nullptr, rows_start, rows_end, col_indx,                         \
+         reinterpret_cast<void **>(values)}); }                           \
     ZEL_API int zel_sparse_##P##_export_csc_##W(const zel_sparse_matrix_##W *A, int *index_base, I *rows,  \
                                                 I *cols, I **cols_start, I **cols_end, I **row_indx,       \
                                                 C **values)                                                \
-    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSC, index_base, nullptr, rows, cols,     \
-                                           nullptr, cols_start, cols_end, row_indx,                        \
-                                           reinterpret_cast<void **>(values)); }                           \
+    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_CSC,                                     \
+        {index_base, nullptr, rows, cols, nullptr, cols_start, cols_end, row_indx,                         \
+         reinterpret_cast<void **>(values)}); }                           \
     ZEL_API int zel_sparse_##P##_export_bsr_##W(const zel_sparse_matrix_##W *A, int *index_base,           \
                                                 int *block_layout, I *rows, I *cols, I *block_size,        \
                                                 I **rows_start, I **rows_end, I **col_indx, C **values)    \
-    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_BSR, index_base, block_layout, rows, cols, \
-                                           block_size, rows_start, rows_end, col_indx,                     \
-                                           reinterpret_cast<void **>(values)); }
+    { return zs::export_compressed<T, I>(A, ZEL_SPARSE_FORMAT_BSR,                                     \
+        {index_base, block_layout, rows, cols, block_size, rows_start, rows_end, col_indx,                 \
+         reinterpret_cast<void **>(values)}); }
 
 #define ZEL_SPARSE_LIFECYCLE_WIDTH_SHELLS(W, I)                                                           \
     ZEL_API int zel_sparse_copy_##W(const zel_sparse_matrix_##W *source, zel_sparse_matrix_##W **dest)     \
