@@ -115,9 +115,15 @@ usage_error "zel bench sparse: option '--help' takes no value" "$zel" bench spar
 run "$zel" bench dense --section getrf --sizes 4 --repeats 1 --quick
 if [[ $bench_built == 1 ]]; then
   status_is 0
-  says out '^getrf +d +4 '; says out '^getrf +z +4 '; lacks out '^(potrf|getri|getrs) '; lacks out ' 8 +[0-9]+ '
-  # Progress lines go to a terminal only; here stderr is a file.
+  says out '^getrf +d +4 '; says out '^getrf +z +4 '; lacks out '^(potrf|getri|getrs) '; lacks out '^[a-z]+ +[dz] +8 '
+  # Progress lines go to a terminal only: none into a file, one per precision and size on a
+  # terminal (script(1) gives the run one).
   lacks err '\[ *[0-9.]+ s\]'
+  if command -v script >/dev/null; then
+    run script -qec "$zel bench dense --section potrf --sizes 4,8 --repeats 1 --quick >/dev/null" /dev/null
+    status_is 0
+    for progress in 'd, n = 4' 'd, n = 8' 'z, n = 4' 'z, n = 8'; do says out "^\[ *[0-9.]+ s\] dense: $progress, batch of "; done
+  fi
 else
   status_is 1; says err 'zel bench: the benchmark program is not installed \(looked for .*/zel-bench\)'
 fi
