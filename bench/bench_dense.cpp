@@ -282,7 +282,7 @@ void run_precision(char letter, const std::vector<int64_t> &sizes, int repeats, 
 
 int run(const zel::bench::request &what)
 {
-    const std::vector<int64_t> sizes = what.sizes.empty() ? std::vector<int64_t>{4, 8, 16, 32, 64, 128} : what.sizes;
+    const std::vector<int64_t> &sizes = what.sizes;
     const int repeats = what.repeats;
     const double bytes = (what.quick ? 1.0 : 4.0) * 1024 * 1024;
     const routines only(what);

@@ -35,6 +35,7 @@ namespace {
 constexpr int64_t largest_size = 1024; // a batch of 8 such complex matrices is already 128 MiB
 constexpr int most_sizes = 32;
 constexpr int64_t most_repeats = 1000;
+const std::vector<int64_t> default_sizes = {4, 8, 16, 32, 64, 128};
 
 enum option_code { code_section = 256, code_repeats, code_sizes, code_quick };
 
@@ -71,16 +72,20 @@ void print_sections(FILE *out, const suite_info &suite, const char *indent)
 void print_suite_help(const suite_info &suite)
 {
     print_suite_usage(stdout, suite);
-    std::printf("\n%s%s\n", suite.summary, ".");
+    std::printf("\nzel bench %s: %s.\n", suite.name, suite.summary);
     std::printf("%s\nsections (all by default):\n", suite.details);
     print_sections(stdout, suite, "  ");
     std::printf("\noptions:\n"
                 "  --section NAME[,NAME...]  run only these sections (may be given more than once)\n"
                 "  --repeats N               timed rounds per measurement, 1 to %lld (default %d)\n",
                 static_cast<long long>(most_repeats), suite.default_repeats);
-    if (suite.options & option_sizes)
-        std::printf("  --sizes N[,N...]          matrix orders, each 1 to %lld (default 4,8,16,32,64,128)\n",
+    if (suite.options & option_sizes) {
+        std::printf("  --sizes N[,N...]          matrix orders, each 1 to %lld (default ",
                     static_cast<long long>(largest_size));
+        for (size_t k = 0; k < default_sizes.size(); ++k)
+            std::printf("%s%lld", k ? "," : "", static_cast<long long>(default_sizes[k]));
+        std::printf(")\n");
+    }
     if (suite.options & option_quick)
         std::printf("  --quick                   3 rounds on batches of a quarter the size\n");
     std::printf("  -h, --help                this text\n"
@@ -216,6 +221,8 @@ int parse_bench_request(int argc, char **argv, request *out)
             out->sections |= 1u << k;
     if (out->repeats == 0)
         out->repeats = out->quick ? 3 : suite->default_repeats;
+    if (out->sizes.empty() && (suite->options & option_sizes))
+        out->sizes = default_sizes;
     return -1;
 }
 

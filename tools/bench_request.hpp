@@ -36,7 +36,7 @@ struct request {
     unsigned sections = 0;       // bit k: sections[k] runs
     int repeats = 0;             // timed rounds (0 while parsing: not given)
     bool quick = false;          // fewer rounds, smaller batches
-    std::vector<int64_t> sizes;  // empty: the suite's own
+    std::vector<int64_t> sizes;  // matrix orders, for suites that take --sizes
     bool runs(int section) const { return (sections >> section) & 1u; }
 };
 
