@@ -13,7 +13,7 @@
 #include <tuple>
 #include <vector>
 
-#include "command.hpp"
+#include "suite.hpp"
 #include "zel/lapack.h"
 
 // The peer: OpenBLAS ILP64 from its shared object (the core carries its own private copy).
@@ -173,86 +173,119 @@ void print_row(const row &r)
     std::fflush(stdout);
 }
 
-template <class T> void run_precision(char letter, const std::vector<int64_t> &sizes, int repeats, double bytes)
+// One size: the batch, the pass count and the flop scale shared by the routines' timings.
+template <class T> struct size_run {
+    int64_t n, count;
+    int repeats;
+    char letter;
+    double nd = static_cast<double>(n);
+    double cx = std::is_same_v<T, zcomplex> ? 4.0 : 1.0; // real flops per complex multiply-add
+};
+
+template <class T> void time_getrf(const size_run<T> &s, batch<T> &b)
 {
-    const double cx = std::is_same_v<T, zcomplex> ? 4.0 : 1.0; // real flops per complex multiply-add
+    int64_t n = s.n;
+    auto restore = [&] { std::memcpy(b.work.data(), b.source.data(), b.source.size() * sizeof(T)); };
+    auto [t_ours, t_peer] = best_per_member(s.repeats, s.count, restore, [&] {
+        ours<T>::getrf(n, b.work.data(), b.stride, b.ipiv.data(), s.count, b.info.data());
+    }, [&] {
+        for (int64_t k = 0; k < s.count; ++k)
+            peer<T>::getrf(&n, &n, b.work.data() + k * b.stride, &n, b.ipiv.data() + k * n, b.info.data() + k);
+    });
+    print_row({"getrf", s.letter, n, s.count, t_ours, t_peer, s.cx * 2.0 / 3.0 * s.nd * s.nd * s.nd});
+}
+
+template <class T> void time_potrf(const size_run<T> &s)
+{
+    int64_t n = s.n;
+    batch<T> h(n, s.count, true);
+    auto restore = [&] { std::memcpy(h.work.data(), h.source.data(), h.source.size() * sizeof(T)); };
+    auto [t_ours, t_peer] = best_per_member(s.repeats, s.count, restore, [&] {
+        ours<T>::potrf(n, h.work.data(), h.stride, s.count, h.info.data());
+    }, [&] {
+        for (int64_t k = 0; k < s.count; ++k)
+            peer<T>::potrf("L", &n, h.work.data() + k * h.stride, &n, h.info.data() + k, 1);
+    });
+    print_row({"potrf", s.letter, n, s.count, t_ours, t_peer, s.cx * s.nd * s.nd * s.nd / 3.0});
+}
+
+// Needs b's LU factors (batch::factorise).
+template <class T> void time_getri(const size_run<T> &s, batch<T> &b)
+{
+    int64_t n = s.n;
+    auto touch_out = [&] { std::memset(static_cast<void *>(b.out.data()), 0, b.out.size() * sizeof(T)); };
+    std::vector<T> lwork_buffer(static_cast<size_t>(64 * n));
+    const int64_t lwork = 64 * n;
+    auto [t_ours, t_peer] = best_per_member(s.repeats, s.count, touch_out, [&] {
+        ours<T>::inverse(n, b.factor.data(), b.stride, b.ipiv.data(), b.out.data(), s.count, b.info.data());
+    }, [&] {
+        for (int64_t k = 0; k < s.count; ++k) {
+            T *inv = b.out.data() + k * b.stride;
+            std::memcpy(inv, b.factor.data() + k * b.stride, sizeof(T) * n * n);
+            peer<T>::getri(&n, inv, &n, b.ipiv.data() + k * n, lwork_buffer.data(), &lwork, b.info.data() + k);
+        }
+    });
+    print_row({"getri", s.letter, n, s.count, t_ours, t_peer, s.cx * 4.0 / 3.0 * s.nd * s.nd * s.nd});
+}
+
+// Needs b's LU factors (batch::factorise).
+template <class T> void time_getrs(const size_run<T> &s, batch<T> &b)
+{
+    int64_t n = s.n;
+    const int64_t one_rhs = 1;
+    auto restore_rhs = [&] { std::memcpy(b.rhs.data(), b.rhs_source.data(), b.rhs.size() * sizeof(T)); };
+    auto [t_ours, t_peer] = best_per_member(s.repeats, s.count, restore_rhs, [&] {
+        ours<T>::getrs(n, b.factor.data(), b.stride, b.ipiv.data(), b.rhs.data(), s.count, b.info.data());
+    }, [&] {
+        for (int64_t k = 0; k < s.count; ++k)
+            peer<T>::getrs("N", &n, &one_rhs, b.factor.data() + k * b.stride, &n, b.ipiv.data() + k * n,
+                           b.rhs.data() + k * n, &n, b.info.data() + k, 1);
+    });
+    print_row({"getrs", s.letter, n, s.count, t_ours, t_peer, s.cx * 2.0 * s.nd * s.nd});
+}
+
+// The routines the request's sections name.
+struct routines {
+    bool getrf, potrf, getri, getrs;
+    explicit routines(const zel::bench::request &what)
+        : getrf(runs(what, "getrf")), potrf(runs(what, "potrf")), getri(runs(what, "getri")),
+          getrs(runs(what, "getrs"))
+    {
+    }
+    static bool runs(const zel::bench::request &what, const char *name)
+    {
+        return what.runs(zel::bench::find_section(*what.suite, name));
+    }
+};
+
+template <class T>
+void run_precision(char letter, const std::vector<int64_t> &sizes, int repeats, double bytes, const routines &only)
+{
     for (int64_t n : sizes) {
         const int64_t count = std::max<int64_t>(8, static_cast<int64_t>(bytes / (sizeof(T) * n * n)));
-        const double nd = static_cast<double>(n);
-        const int64_t one_rhs = 1;
-
+        zel::bench::progress("dense: %c, n = %lld, batch of %lld", letter, static_cast<long long>(n),
+                             static_cast<long long>(count));
+        const size_run<T> s{n, count, repeats, letter};
         batch<T> b(n, count, false);
-        auto restore = [&] { std::memcpy(b.work.data(), b.source.data(), b.source.size() * sizeof(T)); };
-        auto [t_ours, t_peer] = best_per_member(repeats, count, restore, [&] {
-            ours<T>::getrf(n, b.work.data(), b.stride, b.ipiv.data(), count, b.info.data());
-        }, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                peer<T>::getrf(&n, &n, b.work.data() + k * b.stride, &n, b.ipiv.data() + k * n, b.info.data() + k);
-        });
-        print_row({"getrf", letter, n, count, t_ours, t_peer, cx * 2.0 / 3.0 * nd * nd * nd});
-
-        batch<T> h(n, count, true);
-        auto restore_h = [&] { std::memcpy(h.work.data(), h.source.data(), h.source.size() * sizeof(T)); };
-        std::tie(t_ours, t_peer) = best_per_member(repeats, count, restore_h, [&] {
-            ours<T>::potrf(n, h.work.data(), h.stride, count, h.info.data());
-        }, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                peer<T>::potrf("L", &n, h.work.data() + k * h.stride, &n, h.info.data() + k, 1);
-        });
-        print_row({"potrf", letter, n, count, t_ours, t_peer, cx * nd * nd * nd / 3.0});
-
-        b.factorise();
-        auto touch_out = [&] { std::memset(static_cast<void *>(b.out.data()), 0, b.out.size() * sizeof(T)); };
-        std::vector<T> lwork_buffer(static_cast<size_t>(64 * n));
-        const int64_t lwork = 64 * n;
-        std::tie(t_ours, t_peer) = best_per_member(repeats, count, touch_out, [&] {
-            ours<T>::inverse(n, b.factor.data(), b.stride, b.ipiv.data(), b.out.data(), count, b.info.data());
-        }, [&] {
-            for (int64_t k = 0; k < count; ++k) {
-                T *inv = b.out.data() + k * b.stride;
-                std::memcpy(inv, b.factor.data() + k * b.stride, sizeof(T) * n * n);
-                peer<T>::getri(&n, inv, &n, b.ipiv.data() + k * n, lwork_buffer.data(), &lwork, b.info.data() + k);
-            }
-        });
-        print_row({"getri", letter, n, count, t_ours, t_peer, cx * 4.0 / 3.0 * nd * nd * nd});
-
-        auto restore_rhs = [&] { std::memcpy(b.rhs.data(), b.rhs_source.data(), b.rhs.size() * sizeof(T)); };
-        std::tie(t_ours, t_peer) = best_per_member(repeats, count, restore_rhs, [&] {
-            ours<T>::getrs(n, b.factor.data(), b.stride, b.ipiv.data(), b.rhs.data(), count, b.info.data());
-        }, [&] {
-            for (int64_t k = 0; k < count; ++k)
-                peer<T>::getrs("N", &n, &one_rhs, b.factor.data() + k * b.stride, &n, b.ipiv.data() + k * n,
-                               b.rhs.data() + k * n, &n, b.info.data() + k, 1);
-        });
-        print_row({"getrs", letter, n, count, t_ours, t_peer, cx * 2.0 * nd * nd});
+        if (only.getrf)
+            time_getrf(s, b);
+        if (only.potrf)
+            time_potrf(s);
+        if (only.getri || only.getrs)
+            b.factorise();
+        if (only.getri)
+            time_getri(s, b);
+        if (only.getrs)
+            time_getrs(s, b);
     }
 }
 
-int run(int argc, char **argv)
+int run(const zel::bench::request &what)
 {
-    std::vector<int64_t> sizes = {4, 8, 16, 32, 64, 128};
-    int repeats = 15;
-    double bytes = 4.0 * 1024 * 1024;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) {
-            std::printf("usage: zel bench dense [--quick] [--sizes n,n,...]\n"
-                        "Times strided batches (about 4 MiB of matrices per size) of getrf, potrf, the\n"
-                        "out-of-place inverse and getrs (one right-hand side) in d and z against a plain\n"
-                        "loop over OpenBLAS's one-matrix routines; the best of several passes.\n");
-            return 0;
-        }
-        if (std::strcmp(argv[i], "--quick") == 0) {
-            repeats = 3;
-            bytes /= 4;
-        } else if (std::strcmp(argv[i], "--sizes") == 0 && i + 1 < argc) {
-            sizes.clear();
-            for (char *p = argv[++i]; *p != '\0';) {
-                sizes.push_back(std::strtoll(p, &p, 10));
-                if (*p == ',')
-                    ++p;
-            }
-        }
-    }
+    const std::vector<int64_t> &sizes = what.sizes;
+    const int repeats = what.repeats;
+    const double bytes = (what.quick ? 1.0 : 4.0) * 1024 * 1024;
+    const routines only(what);
     std::printf("zel bench dense: per-member time, best of %d passes over a batch of ~%.0f KiB, on\n"
                 "memory already touched (each pass restores its inputs untimed first).\n"
                 "peer: plain loop over OpenBLAS ILP64 dgetrf_/zgetrf_, dpotrf_/zpotrf_ (lower), the\n"
@@ -262,11 +295,11 @@ int run(int argc, char **argv)
                 repeats, bytes / 1024);
     std::printf("%-8s %c %4s %7s  %11s %11s  %8s %8s  %7s\n", "routine", 'p', "n", "batch", "ours ns",
                 "peer ns", "ours GF", "peer GF", "ratio");
-    run_precision<double>('d', sizes, repeats, bytes);
-    run_precision<zcomplex>('z', sizes, repeats, bytes);
+    run_precision<double>('d', sizes, repeats, bytes, only);
+    run_precision<zcomplex>('z', sizes, repeats, bytes, only);
     return 0;
 }
 
 } // namespace
 
-ZEL_TOOL_COMMAND("bench", "dense", "small dense LU, Cholesky, inverse and solve batches vs OpenBLAS", run);
+ZEL_BENCH_SUITE("dense", run);

@@ -12,6 +12,7 @@
 #include <functional>
 #include <vector>
 
+#include "suite.hpp"
 #include "zel/sparse_handle.h"
 #include "zel/sparse_syrk.h"
 
@@ -117,6 +118,7 @@ void print_row(const char *name, double zel, const char *peer_name, double peer,
 // Sparse result of A·Aᵀ against CSparse on the same matrix.
 void sparse_case(const char *name, const csr &a, int reps, double goal)
 {
+    zel::bench::progress("sparse syrk: %s, %d rounds", name, reps);
     // CSparse's A in compressed columns: our CSR arrays read as columns are Aᵀ, transposed once.
     cs_di at_view{};
     at_view.nzmax = int32_t(a.col_indx.size());
@@ -184,6 +186,7 @@ void sparse_case(const char *name, const csr &a, int reps, double goal)
 void dense_case(const csr &a, double density, int reps, double goal)
 {
     const int64_t m = a.rows, n = a.cols;
+    zel::bench::progress("sparse syrk: dense result at %g%%", density * 100);
     std::vector<double> c(m * m, 0.0);
     zel_sparse_matrix_i4 *h = nullptr;
     auto *rs = const_cast<int32_t *>(a.rows_start.data());

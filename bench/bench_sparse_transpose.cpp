@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "command.hpp"
+#include "suite.hpp"
 #include "zel/runtime.h"
 #include "zel/sparse_transpose.h"
 
@@ -206,6 +206,7 @@ void transpose_row(const csr_matrix &a, double bandwidth, int repeats, double t_
 
 int transpose_section(const bench_options &options)
 {
+    zel::bench::progress("sparse transpose: building the matrices, timing cs_transpose on fresh pages");
     const csr_matrix matrices[] = {laplacian_3d(100), random_matrix(1000000, 10)};
     // cs_transpose as an application runs it by default, before the heap is told to keep blocks.
     const double cs_default[] = {csparse_time(matrices[0], options.repeats),
@@ -226,8 +227,10 @@ int transpose_section(const bench_options &options)
                 "cs", "cs dflt", "cs/kern", "cs/rec", "dflt/rec", "bound", "of bnd", "arrays");
     std::printf("%-10s %8s %9s %8s %8s %8s %8s %7s %7s %7s %8s %6s\n", "", "", "", "ms", "ms", "ms", "ms", "", "", "",
                 "ms", "");
-    for (int m = 0; m < 2; ++m)
+    for (int m = 0; m < 2; ++m) {
+        zel::bench::progress("sparse transpose: %s", matrices[m].name);
         transpose_row(matrices[m], bandwidth, options.repeats, cs_default[m]);
+    }
     return 0;
 }
 
@@ -243,33 +246,21 @@ int syrk_section(const bench_options &options) { return zel::bench::syrk_section
 
 struct bench_section {
     const char *name;
-    const char *summary;
     int (*run)(const bench_options &);
 };
 const bench_section sections[] = {
-    {"transpose", "transposed record and kernel vs cs_transpose", transpose_section},
-    {"syrk", "A·Aᵀ sparse result vs cs_multiply(A, cs_transpose(A)), dense result vs dsyrk_", syrk_section},
+    {"transpose", transpose_section},
+    {"syrk", syrk_section},
 };
 
-int run_sparse_bench(int argc, char **argv)
+// Sections run in the order of the suite's table (tools/bench_request.cpp), each named first.
+int run_sparse_bench(const zel::bench::request &what)
 {
     bench_options options;
-    const char *only = nullptr;
-    for (int k = 1; k < argc; ++k) {
-        if (std::strcmp(argv[k], "--repeats") == 0 && k + 1 < argc)
-            options.repeats = std::max(1, std::atoi(argv[++k]));
-        else if (std::strcmp(argv[k], "--section") == 0 && k + 1 < argc)
-            only = argv[++k];
-        else {
-            std::printf("usage: zel bench sparse [--section NAME] [--repeats N]\nsections:\n");
-            for (const auto &s : sections)
-                std::printf("  %-12s %s\n", s.name, s.summary);
-            return std::strcmp(argv[k], "--help") == 0 ? 0 : 2;
-        }
-    }
+    options.repeats = what.repeats;
     int status = 0;
     for (const auto &s : sections)
-        if (only == nullptr || std::strcmp(only, s.name) == 0) {
+        if (what.runs(zel::bench::find_section(*what.suite, s.name))) {
             std::printf("== %s\n", s.name);
             status |= s.run(options);
             std::printf("\n");
@@ -279,4 +270,4 @@ int run_sparse_bench(int argc, char **argv)
 
 } // namespace
 
-ZEL_TOOL_COMMAND("bench", "sparse", "sparse operations against CSparse (zel bench sparse --help)", run_sparse_bench);
+ZEL_BENCH_SUITE("sparse", run_sparse_bench);

@@ -2,6 +2,7 @@
 #ifndef ZEL_H
 #define ZEL_H
 
+#include "zel/version.h"
 #include "zel/platform.h"
 #include "zel/runtime.h"
 #include "zel/serv.h"

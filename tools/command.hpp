@@ -1,4 +1,8 @@
-// Subcommands of the `zel` tool register themselves here.
+// Commands of the `zel` tool register themselves here. A command is one source file in tools/
+// with a run function that parses its own arguments with option_parser (cli.hpp):
+//
+//     int run_solve(int argc, char **argv); // argv[0] is "solve"
+//     ZEL_TOOL_COMMAND("solve", "solve a Matrix Market system", run_solve);
 #pragma once
 
 namespace zel::tool {
@@ -6,9 +10,8 @@ namespace zel::tool {
 using command_main = int (*)(int argc, char **argv);
 
 struct command {
-    const char *group;   // "info", or "bench" for benchmark suites
-    const char *name;    // "" for the group's own command, else the suite name
-    const char *summary; // one line for --help
+    const char *name;    // "info", "bench", ...
+    const char *summary; // one line for `zel --help`
     command_main run;
 };
 
@@ -19,6 +22,6 @@ bool register_command(const command &entry);
 
 #define ZEL_TOOL_CONCAT2(a, b) a##b
 #define ZEL_TOOL_CONCAT(a, b) ZEL_TOOL_CONCAT2(a, b)
-#define ZEL_TOOL_COMMAND(group, name, summary, run)                                                       \
+#define ZEL_TOOL_COMMAND(name, summary, run)                                                              \
     static const bool ZEL_TOOL_CONCAT(zel_tool_registered_, __LINE__) =                                   \
-        ::zel::tool::register_command({group, name, summary, run})
+        ::zel::tool::register_command({name, summary, run})

@@ -6,7 +6,9 @@
 #include <cstring>
 
 #include "../serv/cbwr_names.hpp"
+#include "cli.hpp"
 #include "command.hpp"
+#include "environment_check.hpp"
 #include "zel/runtime.h"
 #include "zel/serv.h"
 
@@ -17,13 +19,17 @@ constexpr const char *info_summary =
 
 void print_help()
 {
-    std::printf("usage: zel info\n\n"
+    std::printf("usage: zel info [--help]\n\n"
                 "Prints the library's verbose banner, then what the library found on this machine:\n"
                 "the threading layer, processor packages, cores per package, hyper-threading and\n"
                 "logical processors (from /proc/cpuinfo, cross-checked by pinning to each CPU of the\n"
                 "affinity mask), the thread requests read from ZEL_NUM_THREADS, ZEL_NUM_STRIPES,\n"
-                "ZEL_DOMAIN_NUM_THREADS and ZEL_DYNAMIC, MPI processes per node, the reproducibility\n"
-                "mode (ZEL_CBWR) and the highest processor frequency.\n");
+                "ZEL_DOMAIN_NUM_THREADS (a list such as \"ZEL_DOMAIN_ALL=2, ZEL_DOMAIN_BLAS=1\") and\n"
+                "ZEL_DYNAMIC, MPI processes per node, the reproducibility mode (ZEL_CBWR) and the highest\n"
+                "processor frequency.\n\n"
+                "A value the library would ignore or read otherwise than written (ZEL_CBWR=bogus,\n"
+                "ZEL_NUM_THREADS=two, an unknown key in ZEL_DOMAIN_NUM_THREADS) and a ZEL_ variable the\n"
+                "library does not read get a warning on standard error; the exit status stays 0.\n");
 }
 
 void print_row(const char *label, const char *value) { std::printf("  %-36s %s\n", label, value); }
@@ -90,11 +96,13 @@ void print_environment()
     std::printf("\nthread requests in the environment (recorded; one thread runs regardless)\n");
     print_setting("all domains (ZEL_NUM_THREADS)", settings.num_threads);
     print_setting("stripes (ZEL_NUM_STRIPES)", settings.num_stripes);
-    print_setting("ZEL_DOMAIN_BLAS", settings.domain_blas);
-    print_setting("ZEL_DOMAIN_FFT", settings.domain_fft);
-    print_setting("ZEL_DOMAIN_VML", settings.domain_vml);
-    print_setting("ZEL_DOMAIN_VARISOL", settings.domain_varisol);
-    print_setting("ZEL_DOMAIN_LAPACK", settings.domain_lapack);
+    // The domains are keys of one variable, not variables of their own.
+    std::printf("  per domain, keys of ZEL_DOMAIN_NUM_THREADS (ZEL_DOMAIN_ALL sets all domains)\n");
+    print_setting("  BLAS (ZEL_DOMAIN_BLAS=n)", settings.domain_blas);
+    print_setting("  FFT (ZEL_DOMAIN_FFT=n)", settings.domain_fft);
+    print_setting("  VML (ZEL_DOMAIN_VML=n)", settings.domain_vml);
+    print_setting("  VARISOL (ZEL_DOMAIN_VARISOL=n)", settings.domain_varisol);
+    print_setting("  LAPACK (ZEL_DOMAIN_LAPACK=n)", settings.domain_lapack);
     print_setting("dynamic (ZEL_DYNAMIC)", settings.dynamic);
 }
 
@@ -119,22 +127,26 @@ void print_reproducibility()
 
 int run_info(int argc, char **argv)
 {
-    if (argc > 1 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+    using namespace zel::tool;
+    static const option options[] = {{"help", no_argument, nullptr, 'h'}, {nullptr, 0, nullptr, 0}};
+    option_parser parser("zel info", argc, argv, "h", options);
+    for (int code; (code = parser.next()) != -1;) {
+        if (code != 'h')
+            return exit_usage;
         print_help();
-        return 0;
+        return exit_ok;
     }
-    if (argc > 1) {
-        std::fprintf(stderr, "zel info: unexpected argument '%s' (see 'zel info --help')\n", argv[1]);
-        return 2;
-    }
+    if (parser.first_operand() < argc)
+        return usage_error("zel info", "unexpected argument '%s'", argv[parser.first_operand()]);
+    warn_about_environment();
     zel_serv_print_verbose_header(0);
     print_threading();
     print_topology();
     print_environment();
     print_reproducibility();
-    return 0;
+    return exit_ok;
 }
 
 } // namespace
 
-ZEL_TOOL_COMMAND("info", "", info_summary, run_info);
+ZEL_TOOL_COMMAND("info", info_summary, run_info);

@@ -13,6 +13,12 @@
 #define ZEL_SPARSE_STATUS_INTERNAL_ERROR 5
 #define ZEL_SPARSE_STATUS_NOT_SUPPORTED 6
 
+ZEL_BEGIN_DECLS
+/* The name of a status value ("ZEL_SPARSE_STATUS_ALLOC_FAILED"), or "unknown" for any other
+ * value; a static string, never null. Defined in the core object. */
+ZEL_API const char *zel_sparse_status_name(int status);
+ZEL_END_DECLS
+
 /* Value type codes of the handle's data_type (note the order: d, s, z, c). */
 #define ZEL_SPARSE_DATA_D 0
 #define ZEL_SPARSE_DATA_S 1
