@@ -21,6 +21,11 @@
 
 namespace zel::sparse_syrk {
 
+// Views go by value to whatever may stay out of line and by reference only into what is inlined:
+// once a view's address leaves a kernel, the compiler must assume that any store through the
+// kernel's index arrays may change it, and reads its fields again after each (several percent on
+// stencils).
+//
 // An operand by rows. The kernels know the result's order m (L.slices, R.extent) but not L's
 // column count, so L.extent and R.slices are left 0. Pattern-only operands use T = char.
 template <class T, class I> using operand_rows = sparse::compressed_view<T, I>;
