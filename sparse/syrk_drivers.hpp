@@ -19,11 +19,12 @@
 #include "zel_internal/compressed_view.hpp"
 #include "zel_internal/isa.hpp"
 #include "zel_internal/scratch.hpp"
+#include "zel_internal/sparse_records.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::sparse_syrk {
 
-constexpr int alignment = 4096;
+using sparse::alignment;
 
 // Records and core kernels of one value type C (the C ABI type) and index type I.
 template <class C, class I> struct members;

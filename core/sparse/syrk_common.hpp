@@ -17,9 +17,12 @@
 #include <cstdint>
 
 #include "zel_internal/compressed_view.hpp"
+#include "zel_internal/sparse_records.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::sparse_syrk {
+
+using sparse::alignment;
 
 // Views go by value to whatever may stay out of line and by reference only into what is inlined:
 // once a view's address leaves a kernel, the compiler must assume that any store through the

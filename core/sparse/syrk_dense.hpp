@@ -62,13 +62,13 @@ template <class T, class I> struct block_chains {
     bool take(I columns, size_t entries, size_t buffer_values)
     {
         capacity = entries;
-        head = scratch_array<I>(size_t(columns) + 1, 4096);
-        next = scratch_array<I>(entries, 4096);
-        entry_row = scratch_array<I>(entries, 4096);
-        chain = scratch_array<I>(entries, 4096);
-        entry_value = scratch_array<T>(entries, 4096);
+        head = scratch_array<I>(size_t(columns) + 1, alignment);
+        next = scratch_array<I>(entries, alignment);
+        entry_row = scratch_array<I>(entries, alignment);
+        chain = scratch_array<I>(entries, alignment);
+        entry_value = scratch_array<T>(entries, alignment);
         if (buffer_values > 0)
-            buffer = scratch_array<T>(buffer_values, 4096);
+            buffer = scratch_array<T>(buffer_values, alignment);
         if (!head || !next || !entry_row || !chain || !entry_value || (buffer_values > 0 && !buffer))
             return false;
         std::fill(head.get(), head.get() + columns + 1, I(-1));
@@ -214,7 +214,7 @@ void syrkd_n_by_rows(row_chunk<I> chunk, const operand_rows<T, I> &L, const oper
     const I rows = R.extent;
     scratch_array<T> buffer;
     if constexpr (ColMajor)
-        buffer = scratch_array<T>(static_cast<size_t>(rows), 4096);
+        buffer = scratch_array<T>(static_cast<size_t>(rows), alignment);
     T *row = buffer.get();
     if (row != nullptr)
         std::fill(row, row + rows, T(0));

@@ -255,7 +255,7 @@ template <class T> struct row_accumulator {
     {
         if (!tried) {
             tried = true;
-            x = scratch_array<T>(columns, 4096);
+            x = scratch_array<T>(columns, alignment);
             if (x)
                 std::fill(x.get(), x.get() + columns, T(0));
         }
