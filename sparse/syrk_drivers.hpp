@@ -494,6 +494,16 @@ template <class C, class I> struct result_arrays {
     I *col_indx;
     C *values;
 
+    // After a failed take: the column array held at that point goes with the row pointer, the
+    // caller's included (after status 2 none of the three out pointers may be used).
+    void release_on_failure(I *rows_start, bool rows_start_is_callers)
+    {
+        if (rows_start_is_callers)
+            zel_serv_free(rows_start);
+        if (col_indx != nullptr && !own_col_indx)
+            zel_serv_free(col_indx);
+    }
+
     int take(const stage_outputs<C, I> &out, size_t nnz, I block_size)
     {
         col_indx = *out.col_indx;
@@ -503,7 +513,7 @@ template <class C, class I> struct result_arrays {
             own_col_indx = scratch_array<I>(nnz, alignment);
             col_indx = own_col_indx.get();
             if (col_indx == nullptr && nnz != 0)
-                return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+                return ZEL_SPARSE_STATUS_ALLOC_FAILED; // col_indx stays null: nothing of it to free
         }
         if (values == nullptr) {
             own_values = scratch_array<C>(checked_mul<size_t>(nnz, block).value_or(SIZE_MAX), alignment);
@@ -551,8 +561,10 @@ int syrk_stage_driver(stage_call<I> call, operand_view<C, I> first, operand_view
     }
     const int64_t nnz = int64_t(rows_start[result_rows]) - p.base;
     result_arrays<C, I> arrays;
-    if (const int status = arrays.take(out, nnz >= 0 ? size_t(nnz) : SIZE_MAX, p.block_size); status != 0)
+    if (const int status = arrays.take(out, nnz >= 0 ? size_t(nnz) : SIZE_MAX, p.block_size); status != 0) {
+        arrays.release_on_failure(rows_start, !counted);
         return status;
+    }
     fill_rows(p, scratch, rows_start, arrays.col_indx, arrays.values);
     if (counted)
         *out.rows_start = counted.release();
