@@ -1,15 +1,20 @@
-// Sizes at the edge of the 64-bit index type: every entry point that computes a size from a
-// dimension, a block edge or a count reports 2 or 3 and writes nothing, and the checked helpers
-// hold on their boundaries.
+// The limits of the sparse entry points: sizes at the edge of the 64-bit index type (every entry
+// point that computes a size from a dimension, a block edge or a count reports 2 or 3 and writes
+// nothing; the checked helpers hold on their boundaries), and what a failed allocation of the
+// sparse-result stage releases.
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "zel/sparse_handle.h"
 #include "zel/sparse_syrk.h"
 #include "zel/sparse_transpose.h"
+#include "zel/runtime.h"
 #include "zel_internal/checked.hpp"
+#include "alloc_fault.hpp"
 
 // A request the machine cannot serve must come back as null, as it does without the sanitizer.
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
@@ -130,6 +135,78 @@ TEST(SparseExtremes, HugeDimensionsAreRefusedWithoutWriting)
         EXPECT_EQ(zel_sparse_destroy_i8(coo), success);
         EXPECT_EQ(zel_sparse_destroy_i8(csr), success);
     }
+}
+
+// Stage 92 of the sparse-result product fills from the caller's row pointer. When it cannot have
+// the column or value array, it frees that row pointer, and a column array the caller passed when the
+// value array is the one that failed: nothing the call was given or made stays allocated.
+TEST(SparseStageFailure, FailedFillReleasesTheRowPointerAndColumns)
+{
+    // A 4 x 5 matrix, rows sorted; A·Aᵀ has entries in every row.
+    std::vector<int32_t> starts = {0, 2, 4, 5, 7}, index = {0, 3, 1, 4, 2, 0, 4};
+    std::vector<double> values = {1, 2, 3, 4, 5, 6, 7};
+    zel_sparse_matrix_i4 *A = nullptr;
+    ASSERT_EQ(zel_sparse_d_create_csr_i4(&A, 0, 4, 5, starts.data(), starts.data() + 1, index.data(), values.data()),
+              success);
+    ASSERT_EQ(zel_sparse_d_transposeMatrix_i4(A, ZEL_SPARSE_OPERATION_TRANSPOSE), success);
+    const zel_sparse_csr_record_i4 &t = *A->transposed;
+    auto stage = [&](int which, double **v, int32_t **ci, int32_t **rs) {
+        return zel_sparse_d_csr__g_n_syrk_i4(which, ZEL_SPARSE_OPERATION_NON_TRANSPOSE, 4, 5, 0, values.data(),
+                                             index.data(), starts.data(), starts.data() + 1, t.index_base,
+                                             static_cast<const double *>(t.values), t.col_indx, t.rows_start,
+                                             t.rows_end, 0, v, ci, rs);
+    };
+    double *v = nullptr;
+    int32_t *ci = nullptr, *counted = nullptr;
+    ASSERT_EQ(stage(ZEL_SPARSE_STAGE_NNZ_COUNT, &v, &ci, &counted), success);
+    const int32_t nnz = counted[4];
+    ASSERT_GT(nnz, 0);
+    struct failed_run {
+        bool caller_columns;
+        int64_t request, given, left; // blocks the caller gave, blocks still live after the call
+    };
+    std::vector<failed_run> failed_runs;
+
+    for (bool caller_columns : {false, true}) {
+        // A successful fill makes the driver's working arrays, then the result's missing arrays:
+        // those last one or two requests are the ones whose failure takes the caller's arrays along.
+        const int64_t result_requests = caller_columns ? 1 : 2;
+        int64_t total = 0;
+        for (int64_t k = 0;; ++k) {
+            zel::test::allocator_probe probe;
+            auto *rows = static_cast<int32_t *>(zel_serv_malloc(5 * sizeof(int32_t), 64));
+            std::copy(counted, counted + 5, rows);
+            double *vk = nullptr;
+            int32_t *ck = caller_columns ? static_cast<int32_t *>(zel_serv_malloc(nnz * sizeof(int32_t), 64)) : nullptr;
+            const int64_t given = probe.live();
+            probe.fail_at(k);
+            const int status = stage(ZEL_SPARSE_STAGE_FINALIZE_MULT, &vk, &ck, &rows);
+            if (status == success) {
+                EXPECT_EQ(probe.failures(), 0);
+                zel_serv_free(vk);
+                zel_serv_free(ck);
+                zel_serv_free(rows);
+                total = k;
+                break;
+            }
+            ASSERT_EQ(status, ZEL_SPARSE_STATUS_ALLOC_FAILED) << "allocation " << k;
+            // Whether request k made a result array is known once the loop ends: record what is left.
+            failed_runs.push_back({caller_columns, k, given, probe.live()});
+            if (probe.live() == given) { // the caller's arrays were kept: give them back here
+                zel_serv_free(ck);
+                zel_serv_free(rows);
+            }
+        }
+        ASSERT_GE(total, result_requests);
+        for (const failed_run &run : failed_runs)
+            if (run.caller_columns == caller_columns) {
+                const bool result_array = run.request >= total - result_requests;
+                EXPECT_EQ(run.left, result_array ? 0 : run.given)
+                    << "allocation " << run.request << (caller_columns ? ", caller's columns" : "");
+            }
+    }
+    zel_serv_free(counted);
+    EXPECT_EQ(zel_sparse_destroy_i4(A), success);
 }
 
 } // namespace
