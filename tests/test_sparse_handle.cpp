@@ -130,7 +130,7 @@ TYPED_TEST(SparseHandle, EmptyMatricesAndFourArrayForm)
     EXPECT_EQ(r.nnz, c.nnz());
     expect_same(m, read_handle<T, I>(copy), "compacted copy");
     ASSERT_EQ(A::convert_csr(h.h, op_c, &converted), ok);
-    expect_same(apply(m, op_c), read_handle<T, I>(converted), "four-array transposed");
+    expect_same(op_of(m, op_c), read_handle<T, I>(converted), "four-array transposed");
     EXPECT_EQ(static_cast<typename A::record *>(converted->data)->nnz, c.nnz());
     typename A::coo_record q{};
     ASSERT_EQ(A::to_coo(h.h, op_n, &q), ok);
@@ -154,7 +154,7 @@ TYPED_TEST(SparseHandle, LayerConversionsEveryFormatToEveryFormat)
                 handle_of<T, I> s(c);
                 for (int op : operations) {
                     SCOPED_TRACE(::testing::Message() << rows << "x" << cols << " from " << format << " op " << op);
-                    const dense<T> expected = apply(m, op);
+                    const dense<T> expected = op_of(m, op);
                     for (bool any : {false, true}) {
                         typename A::record r{}, k{};
                         typename A::coo_record q{};
@@ -211,12 +211,12 @@ TYPED_TEST(SparseHandle, CoreConversionAndCopyOwnTheirArrays)
                 EXPECT_EQ(r->format, csr);
                 EXPECT_EQ(r->data_type, data_type_code<T>);
                 EXPECT_EQ(static_cast<typename A::record *>(r->data)->owns_arrays, 1);
-                expect_same(apply(m, op), read_handle<T, I>(r), "convert_csr");
+                expect_same(op_of(m, op), read_handle<T, I>(r), "convert_csr");
                 ASSERT_EQ(A::convert_bsr(s.h, I(3), op == op_n ? row_major : col_major, op, &b), ok);
                 EXPECT_EQ(b->format, bsr);
                 EXPECT_EQ(b->rows, op == op_n ? 6 : 3);
                 EXPECT_EQ(static_cast<typename A::record *>(b->data)->block_size, 3);
-                expect_same(apply(m, op), read_handle<T, I>(b), "convert_bsr");
+                expect_same(op_of(m, op), read_handle<T, I>(b), "convert_bsr");
                 EXPECT_EQ(A::destroy(r), ok);
                 EXPECT_EQ(A::destroy(b), ok);
             }

@@ -113,6 +113,8 @@ template <class T, class I> struct api;
 ZEL_SPARSE_MEMBERS(ZEL_TEST_SPARSE_API)
 #undef ZEL_TEST_SPARSE_API
 
+template <class T, class I> using record_of = typename api<T, I>::record;
+
 // One exported member: its value type T (C++), C (C ABI), real type R, index type I.
 template <class T_, class I_> struct member {
     using T = T_;
@@ -135,6 +137,16 @@ template <class T> auto *c_ptr(T *p) { return reinterpret_cast<typename member<T
 template <class T> auto *c_ptr(const T *p) { return reinterpret_cast<const typename member<T, int32_t>::C *>(p); }
 template <class T> auto to_c(T v) { return std::bit_cast<typename member<T, int32_t>::C>(v); }
 
+// The transpose kernel over C++ value pointers, the member chosen by the pointers' types.
+template <class T, class I>
+int transpose_kernel(int64_t n_out, int64_t n_in, int64_t nnz, int64_t nparts, int op, int64_t base, int64_t bs,
+                     const I *starts, const I *ends, const I *indices, const T *values, I *out_starts,
+                     I *out_indices, T *out_values, I *work)
+{
+    return api<T, I>::transpose_kernel(I(n_out), I(n_in), I(nnz), I(nparts), op, I(base), I(bs), starts, ends, indices,
+                                       c_ptr(values), out_starts, out_indices, c_ptr(out_values), work);
+}
+
 template <class T> T make_value(double re, double im)
 {
     if constexpr (zel::is_complex_v<T>)
@@ -156,7 +168,7 @@ template <class T> struct dense {
 };
 
 // op(M): M itself, its transpose, or its conjugate transpose.
-template <class T> dense<T> apply(const dense<T> &m, int operation)
+template <class T> dense<T> op_of(const dense<T> &m, int operation)
 {
     if (operation == op_n)
         return m;
@@ -352,7 +364,20 @@ template <class T, class I> struct handle_of {
     using A = api<T, I>;
     typename A::handle *h = nullptr;
     handle_of() = default;
-    explicit handle_of(const sparse<T, I> &a) { EXPECT_EQ(create(a, &h), ok); }
+    // The create functions take values; a structure without them is created over stand-ins
+    // that its record then drops.
+    explicit handle_of(const sparse<T, I> &a)
+    {
+        if (!a.values.empty() || a.format == coo) {
+            EXPECT_EQ(create(a, &h), ok);
+            return;
+        }
+        auto &stand_in = const_cast<sparse<T, I> &>(a).values;
+        stand_in.assign(size_t(a.nnz() * a.block_size * a.block_size) + 1, T(1));
+        EXPECT_EQ(create(a, &h), ok);
+        record().values = nullptr;
+        stand_in = {};
+    }
     handle_of(const handle_of &) = delete;
     handle_of &operator=(const handle_of &) = delete;
     ~handle_of()
