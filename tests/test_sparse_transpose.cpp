@@ -195,7 +195,7 @@ TYPED_TEST(SparseTranspose, KernelWideScatteredPatterns)
     for (I base : {0, 1})
         for (bool with_values : {true, false}) {
             sparse<T, I> a;
-            a.starts.push_back(base);
+            a.starts.assign(1, base);
             std::uniform_int_distribution<int64_t> col(0, n_out - 1);
             for (I i = 0; i < n_in; ++i) {
                 std::vector<I> row;
