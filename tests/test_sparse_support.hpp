@@ -369,12 +369,14 @@ template <class T, class I> struct handle_of {
     // structure without values is created over stand-ins that its record then drops.
     explicit handle_of(const sparse<T, I> &a)
     {
-        if (a.values.empty() && a.format != coo)
-            const_cast<sparse<T, I> &>(a).values.assign(size_t(a.nnz() * a.block_size * a.block_size) + 1, T(1));
+        auto &values = const_cast<sparse<T, I> &>(a).values;
+        const bool stand_in = values.empty() && a.format != coo;
+        if (stand_in)
+            values.assign(size_t(a.nnz() * a.block_size * a.block_size) + 1, T(1));
         EXPECT_EQ(create(a, &h), ok);
-        if (a.values.size() == size_t(a.nnz() * a.block_size * a.block_size) + 1 && a.nnz() > 0) {
+        if (stand_in && a.nnz() > 0) {
             record().values = nullptr;
-            const_cast<sparse<T, I> &>(a).values = {};
+            values = {};
         }
     }
     handle_of(const handle_of &) = delete;
