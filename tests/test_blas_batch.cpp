@@ -10,23 +10,21 @@
 
 #include "alloc_fault.hpp"
 #include "zel/blas.h"
+#include "zel_internal/members.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace {
 
 template <class T> struct blas;
-#define ZEL_TEST_BLAS(p, C, T)                                                                                         \
+#define ZEL_TEST_BLAS(P, C, T)                                                                                         \
     template <> struct blas<T> {                                                                                       \
         using c_type = C;                                                                                              \
-        static constexpr auto axpy = zel_blas_##p##axpy;                                                               \
-        static constexpr auto copy = zel_blas_##p##copy;                                                               \
-        static constexpr auto axpy_batch = zel_blas_##p##axpy_batch_strided;                                           \
-        static constexpr auto copy_batch = zel_blas_##p##copy_batch_strided;                                           \
+        static constexpr auto axpy = zel_blas_##P##axpy;                                                               \
+        static constexpr auto copy = zel_blas_##P##copy;                                                               \
+        static constexpr auto axpy_batch = zel_blas_##P##axpy_batch_strided;                                           \
+        static constexpr auto copy_batch = zel_blas_##P##copy_batch_strided;                                           \
     };
-ZEL_TEST_BLAS(s, float, float)
-ZEL_TEST_BLAS(d, double, double)
-ZEL_TEST_BLAS(c, zel_complex8, std::complex<float>)
-ZEL_TEST_BLAS(z, zel_complex16, std::complex<double>)
+ZEL_DENSE_MEMBERS(ZEL_TEST_BLAS)
 #undef ZEL_TEST_BLAS
 
 template <class T> auto *c_ptr(T *p) { return reinterpret_cast<typename blas<T>::c_type *>(p); }

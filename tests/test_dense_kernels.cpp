@@ -18,31 +18,29 @@
 #include "isa_variants.hpp"
 #include "zel/dense_kernels.h"
 #include "zel/serv.h"
+#include "zel_internal/members.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace {
 
 template <class T> struct api;
-#define ZEL_TEST_API(p, C, T)                                                                             \
+#define ZEL_TEST_API(P, C, T)                                                                             \
     template <> struct api<T> {                                                                           \
         using c_type = C;                                                                                 \
-        static constexpr auto getrf = zel_lapack_x##p##getrf;                                             \
-        static constexpr auto getrfnp = zel_lapack_##p##getrfnp;                                          \
-        static constexpr auto getrs = zel_lapack_##p##getrs;                                              \
-        static constexpr auto getri = zel_lapack_##p##getri;                                              \
-        static constexpr auto getri_oop = zel_lapack_##p##getri_oop;                                      \
-        static constexpr auto potrf = zel_lapack_##p##potrf;                                              \
-        static constexpr auto laset = zel_lapack_##p##laset;                                              \
-        static constexpr auto laswp = zel_lapack_##p##laswp;                                              \
-        static constexpr auto gels = zel_lapack_##p##gels;                                                \
-        static constexpr auto trsm = zel_blas_##p##trsm;                                                  \
-        static constexpr auto axpy = zel_blas_x##p##axpy;                                                 \
-        static constexpr auto copy = zel_blas_x##p##copy;                                                 \
+        static constexpr auto getrf = zel_lapack_x##P##getrf;                                             \
+        static constexpr auto getrfnp = zel_lapack_##P##getrfnp;                                          \
+        static constexpr auto getrs = zel_lapack_##P##getrs;                                              \
+        static constexpr auto getri = zel_lapack_##P##getri;                                              \
+        static constexpr auto getri_oop = zel_lapack_##P##getri_oop;                                      \
+        static constexpr auto potrf = zel_lapack_##P##potrf;                                              \
+        static constexpr auto laset = zel_lapack_##P##laset;                                              \
+        static constexpr auto laswp = zel_lapack_##P##laswp;                                              \
+        static constexpr auto gels = zel_lapack_##P##gels;                                                \
+        static constexpr auto trsm = zel_blas_##P##trsm;                                                  \
+        static constexpr auto axpy = zel_blas_x##P##axpy;                                                 \
+        static constexpr auto copy = zel_blas_x##P##copy;                                                 \
     };
-ZEL_TEST_API(s, float, float)
-ZEL_TEST_API(d, double, double)
-ZEL_TEST_API(c, zel_complex8, std::complex<float>)
-ZEL_TEST_API(z, zel_complex16, std::complex<double>)
+ZEL_DENSE_MEMBERS(ZEL_TEST_API)
 #undef ZEL_TEST_API
 
 template <class T> auto *c_ptr(T *p) { return reinterpret_cast<typename api<T>::c_type *>(p); }

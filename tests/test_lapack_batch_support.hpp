@@ -17,6 +17,7 @@
 #include "dense_reference.hpp"
 #include "zel/lapack.h"
 #include "zel/serv.h"
+#include "zel_internal/members.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace batch_test {
@@ -43,29 +44,26 @@ template <class W, class E> constexpr routine<W, E> make_routine(W w, E e, int64
 }
 
 template <class T, class I> struct api;
-#define ZEL_TEST_ROUTINE(p, w, op)                                                                                     \
-    static constexpr auto op = make_routine(zel_lapack_##p##op##_omp_internal##w, zel_lapack_##p##op, w == 32);
-#define ZEL_TEST_API(p, C, T, w)                                                                                       \
+#define ZEL_TEST_ROUTINE(P, w, op)                                                                                     \
+    static constexpr auto op = make_routine(zel_lapack_##P##op##_omp_internal##w, zel_lapack_##P##op, w == 32);
+#define ZEL_TEST_API(P, C, T, w)                                                                                       \
     template <> struct api<T, int##w##_t> {                                                                            \
         using c_type = C;                                                                                              \
-        static constexpr char letter = #p[0];                                                                          \
-        ZEL_TEST_ROUTINE(p, w, getrf_batch_strided)                                                                    \
-        ZEL_TEST_ROUTINE(p, w, getrfnp_batch_strided)                                                                  \
-        ZEL_TEST_ROUTINE(p, w, getrs_batch_strided)                                                                    \
-        ZEL_TEST_ROUTINE(p, w, getrsnp_batch_strided)                                                                  \
-        ZEL_TEST_ROUTINE(p, w, getri_oop_batch_strided)                                                                \
-        ZEL_TEST_ROUTINE(p, w, getri_batch_strided)                                                                    \
-        ZEL_TEST_ROUTINE(p, w, potrf_batch_strided)                                                                    \
-        ZEL_TEST_ROUTINE(p, w, gels_batch_strided)                                                                     \
-        ZEL_TEST_ROUTINE(p, w, getrf_batch)                                                                            \
-        ZEL_TEST_ROUTINE(p, w, getrfnp_batch)                                                                          \
-        ZEL_TEST_ROUTINE(p, w, getri_oop_batch)                                                                        \
+        static constexpr char letter = #P[0];                                                                          \
+        ZEL_TEST_ROUTINE(P, w, getrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(P, w, getrfnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(P, w, getrs_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(P, w, getrsnp_batch_strided)                                                                  \
+        ZEL_TEST_ROUTINE(P, w, getri_oop_batch_strided)                                                                \
+        ZEL_TEST_ROUTINE(P, w, getri_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(P, w, potrf_batch_strided)                                                                    \
+        ZEL_TEST_ROUTINE(P, w, gels_batch_strided)                                                                     \
+        ZEL_TEST_ROUTINE(P, w, getrf_batch)                                                                            \
+        ZEL_TEST_ROUTINE(P, w, getrfnp_batch)                                                                          \
+        ZEL_TEST_ROUTINE(P, w, getri_oop_batch)                                                                        \
     };
-#define ZEL_TEST_API_WIDTHS(p, C, T) ZEL_TEST_API(p, C, T, 32) ZEL_TEST_API(p, C, T, 64)
-ZEL_TEST_API_WIDTHS(s, float, float)
-ZEL_TEST_API_WIDTHS(d, double, double)
-ZEL_TEST_API_WIDTHS(c, zel_complex8, std::complex<float>)
-ZEL_TEST_API_WIDTHS(z, zel_complex16, std::complex<double>)
+#define ZEL_TEST_API_WIDTHS(P, C, T) ZEL_TEST_API(P, C, T, 32) ZEL_TEST_API(P, C, T, 64)
+ZEL_DENSE_MEMBERS(ZEL_TEST_API_WIDTHS)
 #undef ZEL_TEST_API_WIDTHS
 #undef ZEL_TEST_API
 #undef ZEL_TEST_ROUTINE
@@ -75,10 +73,10 @@ template <class Value, class Index> struct config {
     using I = Index;
     using A = api<Value, Index>;
 };
-using configs =
-    ::testing::Types<config<float, int32_t>, config<float, int64_t>, config<double, int32_t>, config<double, int64_t>,
-                     config<std::complex<float>, int32_t>, config<std::complex<float>, int64_t>,
-                     config<std::complex<double>, int32_t>, config<std::complex<double>, int64_t>>;
+template <class, class... C> using drop_first = ::testing::Types<C...>;
+#define ZEL_TEST_CONFIGS(P, C, T) , config<T, int32_t>, config<T, int64_t>
+using configs = drop_first<void ZEL_DENSE_MEMBERS(ZEL_TEST_CONFIGS)>;
+#undef ZEL_TEST_CONFIGS
 
 struct config_names {
     template <class C> static std::string GetName(int)

@@ -11,10 +11,10 @@
 #include "test_sparse_syrk.hpp"
 #include "zel/runtime.h"
 
-using namespace syrk_test;
+using namespace sparse_test;
 
 template <class M> class SparseSyrk : public ::testing::Test {};
-TYPED_TEST_SUITE(SparseSyrk, all_members);
+TYPED_TEST_SUITE(SparseSyrk, all_members, member_names);
 
 namespace {
 
@@ -71,7 +71,7 @@ template <class T> std::vector<T> initial_c(int64_t m, int64_t ldc, bool column_
     return c;
 }
 
-template <class M> typename M::A::record &record_of(typename M::A::handle *h)
+template <class M> typename M::A::record &result_of(typename M::A::handle *h)
 {
     return *static_cast<typename M::A::record *>(h->data);
 }
@@ -83,7 +83,7 @@ template <class M> void expect_sparse(typename M::A::handle *h, const reference 
     using I = typename M::I;
     using T = typename M::T;
     ASSERT_NE(h, nullptr);
-    const auto &r = record_of<M>(h);
+    const auto &r = result_of<M>(h);
     const int64_t b = block, bb = b * b, m = ref.m / b;
     ASSERT_EQ(r.rows, m);
     ASSERT_EQ(r.cols, m);
@@ -133,7 +133,7 @@ TYPED_TEST(SparseSyrk, DenseResultMatchesReference)
         auto a = random_matrix<T, I>(13, 9, 0.3, base, 11 + base);
         clear_row(a, I(6));
         handle_holder<M> h(a);
-        const auto d = dense(a);
+        const auto d = widened(a);
         for (int op : {10, 11, 12}) {
             const reference ref = syrk_reference(d, a.rows, a.cols, op);
             const int64_t m = ref.m, ldc = m + 2;
@@ -163,7 +163,7 @@ TYPED_TEST(SparseSyrk, NanAlphaTakesTheScaledPath)
     handle_holder<M> h(a);
     const T alpha = make_value<T>(std::nan(""), 0.0);
     for (int op : {10, 11}) {
-        const reference ref = syrk_reference(dense(a), a.rows, a.cols, op);
+        const reference ref = syrk_reference(widened(a), a.rows, a.cols, op);
         std::vector<T> c(ref.m * ref.m, T(0));
         ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(T(0)),
                               reinterpret_cast<typename M::C *>(c.data()), 101, I(ref.m)),
@@ -195,7 +195,7 @@ TYPED_TEST(SparseSyrk, TransposedOperationsAgree)
     typename M::A::handle *p11 = nullptr, *p12 = nullptr;
     ASSERT_EQ(M::A::syrk(11, h.h, &p11), 0);
     ASSERT_EQ(M::A::syrk(12, h.h, &p12), 0);
-    const auto &r11 = record_of<M>(p11), &r12 = record_of<M>(p12);
+    const auto &r11 = result_of<M>(p11), &r12 = result_of<M>(p12);
     ASSERT_EQ(r11.nnz, r12.nnz);
     EXPECT_EQ(std::memcmp(r11.col_indx, r12.col_indx, r11.nnz * sizeof(I)), 0);
     EXPECT_EQ(std::memcmp(r11.values, r12.values, r11.nnz * sizeof(T)), 0);
@@ -219,7 +219,7 @@ TYPED_TEST(SparseSyrk, SparseResultMatchesReference)
             for (bool shuffled : {false, true}) {
                 auto a = random_matrix<T, I>(s.rows, s.cols, s.density, base, 21 + base, shuffled);
                 handle_holder<M> h(a);
-                const auto d = dense(a);
+                const auto d = widened(a);
                 for (int op : {10, 11, 12}) {
                     SCOPED_TRACE(::testing::Message() << "op " << op << " base " << base << " shuffled " << shuffled
                                                       << " cols " << s.cols);
@@ -242,13 +242,13 @@ struct pairwise_sum {
 
 // The upper triangle of A·Aᴴ as sums of A(i,k)·conj(A(j,k)) over every pair of entries sharing a
 // column; works at sizes where a dense reference would not fit.
-template <class T, class I> std::map<std::pair<int64_t, int64_t>, pairwise_sum> pairwise_sums(const matrix<T, I> &a)
+template <class T, class I> std::map<std::pair<int64_t, int64_t>, pairwise_sum> pairwise_sums(const sparse<T, I> &a)
 {
-    const I base = a.base;
+    const I base = a.index_base;
     std::vector<std::vector<std::pair<int64_t, cd>>> by_column(a.cols);
     for (int64_t i = 0; i < a.rows; ++i)
-        for (I p = a.rows_start[i] - base; p < a.row_end(i) - base; ++p)
-            by_column[a.col_indx[p] - base].push_back({i, widen(a.values[p])});
+        for (I p = a.starts[i] - base; p < a.end(i) - base; ++p)
+            by_column[a.indices[p] - base].push_back({i, widen(a.values[p])});
     std::map<std::pair<int64_t, int64_t>, pairwise_sum> sums;
     for (const auto &column : by_column)
         for (const auto &[i, u] : column)
@@ -262,16 +262,16 @@ template <class T, class I> std::map<std::pair<int64_t, int64_t>, pairwise_sum> 
 }
 
 // C = A·Aᴴ through the public sparse product against the pairwise sums.
-template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I> a)
+template <class M> void expect_pairwise_sums(sparse<typename M::T, typename M::I> a)
 {
     using I = typename M::I;
     using T = typename M::T;
-    const I base = a.base;
+    const I base = a.index_base;
     const auto expected = pairwise_sums(a);
     handle_holder<M> h(a);
     typename M::A::handle *c = nullptr;
     ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
-    const auto &r = record_of<M>(c);
+    const auto &r = result_of<M>(c);
     ASSERT_EQ(r.rows, a.rows);
     ASSERT_EQ(r.nnz, static_cast<I>(expected.size()));
     const T *values = static_cast<const T *>(r.values);
@@ -288,7 +288,7 @@ template <class M> void expect_pairwise_sums(matrix<typename M::T, typename M::I
 
 // The dense row-major C = A·Aᴴ against the pairwise sums: zero where no pair meets, the lower
 // triangle untouched.
-template <class M> void expect_dense_pairwise_sums(matrix<typename M::T, typename M::I> a)
+template <class M> void expect_dense_pairwise_sums(sparse<typename M::T, typename M::I> a)
 {
     using T = typename M::T;
     using I = typename M::I;
@@ -317,13 +317,13 @@ template <class M> void expect_dense_pairwise_sums(matrix<typename M::T, typenam
 // A row per point of an nx × ny × nz grid, one entry per stencil offset that stays on the grid;
 // values differ from entry to entry.
 template <class T, class I>
-matrix<T, I> stencil_matrix(int64_t nx, int64_t ny, int64_t nz, const std::vector<std::array<int64_t, 3>> &offsets,
+sparse<T, I> stencil_matrix(int64_t nx, int64_t ny, int64_t nz, const std::vector<std::array<int64_t, 3>> &offsets,
                             I base)
 {
-    matrix<T, I> a;
+    sparse<T, I> a;
     a.rows = a.cols = static_cast<I>(nx * ny * nz);
-    a.base = base;
-    a.rows_start.assign(1, base);
+    a.index_base = base;
+    a.starts.assign(1, base);
     for (int64_t z = 0; z < nz; ++z)
         for (int64_t y = 0; y < ny; ++y)
             for (int64_t x = 0; x < nx; ++x) {
@@ -332,32 +332,32 @@ matrix<T, I> stencil_matrix(int64_t nx, int64_t ny, int64_t nz, const std::vecto
                     if (x + dx < 0 || x + dx >= nx || y + dy < 0 || y + dy >= ny || z + dz < 0 || z + dz >= nz)
                         continue;
                     const int64_t j = ((z + dz) * ny + y + dy) * nx + x + dx;
-                    a.col_indx.push_back(static_cast<I>(j + base));
+                    a.indices.push_back(static_cast<I>(j + base));
                     a.values.push_back(make_value<T>(1.0 + double((i * 7 + j * 3) % 11) / 8.0, double(i % 5) / 4.0 - 0.5));
                 }
-                a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
+                a.starts.push_back(static_cast<I>(a.indices.size()) + base);
             }
     return a;
 }
 
 // A's rows with an entry after each that lies outside every row (rows_end given apart).
-template <class T, class I> matrix<T, I> with_gaps(const matrix<T, I> &a)
+template <class T, class I> sparse<T, I> with_gaps(const sparse<T, I> &a)
 {
-    matrix<T, I> g = a;
-    g.rows_start.clear();
-    g.col_indx.clear();
+    sparse<T, I> g = a;
+    g.starts.clear();
+    g.indices.clear();
     g.values.clear();
     for (int64_t i = 0; i < a.rows; ++i) {
-        g.rows_start.push_back(static_cast<I>(g.col_indx.size()) + a.base);
-        for (I p = a.rows_start[i] - a.base; p < a.row_end(i) - a.base; ++p) {
-            g.col_indx.push_back(a.col_indx[p]);
+        g.starts.push_back(static_cast<I>(g.indices.size()) + a.index_base);
+        for (I p = a.starts[i] - a.index_base; p < a.end(i) - a.index_base; ++p) {
+            g.indices.push_back(a.indices[p]);
             g.values.push_back(a.values[p]);
         }
-        g.rows_end.push_back(static_cast<I>(g.col_indx.size()) + a.base);
-        g.col_indx.push_back(static_cast<I>(i % 3) + a.base);
+        g.ends.push_back(static_cast<I>(g.indices.size()) + a.index_base);
+        g.indices.push_back(static_cast<I>(i % 3) + a.index_base);
         g.values.push_back(make_value<T>(100.0, 1.0));
     }
-    g.rows_start.push_back(static_cast<I>(g.col_indx.size()) + a.base);
+    g.starts.push_back(static_cast<I>(g.indices.size()) + a.index_base);
     return g;
 }
 
@@ -373,21 +373,21 @@ TYPED_TEST(SparseSyrk, ScatteredRowsMatchPairwiseSums)
     // Columns of 11 entries keep every row's products few; columns of 150 give the first rows more
     // products than one vector sort takes, so those rows are merged instead.
     for (const auto &[spread, used, base] : {std::tuple<int64_t, int64_t, I>{6007, 11, 0}, {6007, 11, 1}, {461, 150, 0}}) {
-        matrix<T, I> a;
+        sparse<T, I> a;
         a.rows = 70000;
         a.cols = 6;
-        a.base = base;
-        a.rows_start.assign(1, base);
+        a.index_base = base;
+        a.starts.assign(1, base);
         for (int64_t i = 0; i < a.rows; ++i) {
             if (i % spread == 0 && i / spread < used)
                 for (int64_t k = 0; k < a.cols; ++k) {
                     const int64_t t = i / spread;
                     if ((t + k) % 3 == 0 || (t == used - 1 && k != 1)) // column 1 reaches furthest
                         continue;
-                    a.col_indx.push_back(static_cast<I>(k + base));
+                    a.indices.push_back(static_cast<I>(k + base));
                     a.values.push_back(make_value<T>(1.0 + 0.25 * t - 0.5 * k, 0.125 * (k - t)));
                 }
-            a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
+            a.starts.push_back(static_cast<I>(a.indices.size()) + base);
         }
         expect_pairwise_sums<M>(a);
     }
@@ -425,29 +425,29 @@ TYPED_TEST(SparseSyrk, StencilRowsMatchPairwiseSums)
     for (const int64_t further : {3, 12 * 9 + 1}) {
         auto a = stencil_matrix<T, I>(12, 9, 8, seven, I(0));
         const int64_t defect = (4 * 9 + 4) * 12 + 5, column = defect + further;
-        auto at = a.col_indx.begin() + a.rows_start[defect + 1];
-        while (at != a.col_indx.begin() + a.rows_start[defect] && *(at - 1) > column)
+        auto at = a.indices.begin() + a.starts[defect + 1];
+        while (at != a.indices.begin() + a.starts[defect] && *(at - 1) > column)
             --at;
-        const auto offset = at - a.col_indx.begin();
-        a.col_indx.insert(at, static_cast<I>(column));
+        const auto offset = at - a.indices.begin();
+        a.indices.insert(at, static_cast<I>(column));
         a.values.insert(a.values.begin() + offset, make_value<T>(0.75, -0.25));
         for (int64_t i = defect + 1; i <= a.rows; ++i)
-            ++a.rows_start[i];
+            ++a.starts[i];
         expect_pairwise_sums<M>(a);
         expect_pairwise_sums<M>(with_gaps(a));
     }
     // Row i has columns i and i + 2 + i % 2: equal lengths, shapes that differ from row to row.
-    matrix<T, I> a;
+    sparse<T, I> a;
     a.rows = a.cols = 500;
-    a.base = 0;
-    a.rows_start.assign(1, 0);
+    a.index_base = 0;
+    a.starts.assign(1, 0);
     for (int64_t i = 0; i < a.rows; ++i) {
         for (int64_t j : {i, i + 2 + i % 2})
             if (j < a.cols) {
-                a.col_indx.push_back(static_cast<I>(j));
+                a.indices.push_back(static_cast<I>(j));
                 a.values.push_back(make_value<T>(1.0 + double(i % 7), double(j % 3)));
             }
-        a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
+        a.starts.push_back(static_cast<I>(a.indices.size()));
     }
     expect_pairwise_sums<M>(a);
     // Again with a stray entry after every row, rows ending apart from where the next starts.
@@ -471,11 +471,11 @@ TYPED_TEST(SparseSyrk, WideRowsMatchPairwiseSums)
         for (int64_t t = 0; t < s.pool; ++t)
             pool[t] = s.pool == s.cols ? t : std::uniform_int_distribution<int64_t>(0, s.cols - 1)(gen);
         for (const I base : {I(0), I(1)}) {
-            matrix<T, I> a;
+            sparse<T, I> a;
             a.rows = 64;
             a.cols = static_cast<I>(s.cols);
-            a.base = base;
-            a.rows_start.assign(1, base);
+            a.index_base = base;
+            a.starts.assign(1, base);
             for (int64_t i = 0; i < a.rows; ++i) {
                 std::vector<int64_t> row;
                 while (int64_t(row.size()) < s.per_row) {
@@ -485,10 +485,10 @@ TYPED_TEST(SparseSyrk, WideRowsMatchPairwiseSums)
                 }
                 std::sort(row.begin(), row.end());
                 for (const int64_t k : row) {
-                    a.col_indx.push_back(static_cast<I>(k + base));
+                    a.indices.push_back(static_cast<I>(k + base));
                     a.values.push_back(make_value<T>(1.0 - double((i + k) % 9) / 4.0, double(k % 3) / 2.0));
                 }
-                a.rows_start.push_back(static_cast<I>(a.col_indx.size()) + base);
+                a.starts.push_back(static_cast<I>(a.indices.size()) + base);
             }
             SCOPED_TRACE(::testing::Message() << "cols " << s.cols << " base " << base);
             expect_pairwise_sums<M>(a);
@@ -508,7 +508,7 @@ TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
     for (int op : {10, 11}) {
         typename M::A::handle *full = nullptr;
         ASSERT_EQ(M::A::syrk(op, h.h, &full), 0);
-        const auto &r = record_of<M>(full);
+        const auto &r = result_of<M>(full);
         const I dim = r.rows;
         std::vector<I> rows_start(dim + 1);
         I nnz = -1;
@@ -541,14 +541,14 @@ TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
         EXPECT_EQ(ci, nullptr);
         ASSERT_NE(rs, nullptr);
         EXPECT_EQ(rs[0], 1);
-        EXPECT_EQ(rs[dim] - 1, record_of<M>(zfull).nnz);
+        EXPECT_EQ(rs[dim] - 1, result_of<M>(zfull).nnz);
         ASSERT_EQ(M::A::stage(92, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
                               zr.rows_start, zr.rows_end, 0, tv, t.col_indx, t.rows_start, t.rows_end, 1, &v, &ci,
                               &rs),
                   0);
         for (I p = 0; p < rs[dim] - 1; ++p)
-            ASSERT_EQ(ci[p], record_of<M>(zfull).col_indx[p] + 1);
-        EXPECT_EQ(std::memcmp(v, record_of<M>(zfull).values, (rs[dim] - 1) * sizeof(T)), 0);
+            ASSERT_EQ(ci[p], result_of<M>(zfull).col_indx[p] + 1);
+        EXPECT_EQ(std::memcmp(v, result_of<M>(zfull).values, (rs[dim] - 1) * sizeof(T)), 0);
         zel_serv_free(v);
         zel_serv_free(ci);
         zel_serv_free(rs);
@@ -568,57 +568,57 @@ TYPED_TEST(SparseSyrk, RightRowLeftOfChunkStart)
     auto L = random_matrix<T, I>(8, 5, 0.4, 0, 31);
     auto R = random_matrix<T, I>(5, 8, 0.4, 0, 32);
     // R's row 2 holds columns 0 and 1 only; every row of L references column 2.
-    matrix<T, I> L2;
+    sparse<T, I> L2;
     L2.rows = 8;
     L2.cols = 5;
     for (I i = 0; i < 8; ++i) {
         bool has2 = false;
-        for (I p = L.rows_start[i]; p < L.rows_start[i + 1]; ++p) {
-            L2.col_indx.push_back(L.col_indx[p]);
+        for (I p = L.starts[i]; p < L.starts[i + 1]; ++p) {
+            L2.indices.push_back(L.indices[p]);
             L2.values.push_back(L.values[p]);
-            has2 = has2 || L.col_indx[p] == 2;
+            has2 = has2 || L.indices[p] == 2;
         }
         if (!has2) {
-            L2.col_indx.push_back(2);
+            L2.indices.push_back(2);
             L2.values.push_back(make_value<T>(0.5, 0.25));
         }
-        std::sort(L2.col_indx.begin() + L2.rows_start.back(), L2.col_indx.end()); // values follow loosely
-        L2.rows_start.push_back(static_cast<I>(L2.col_indx.size()));
+        std::sort(L2.indices.begin() + L2.starts.back(), L2.indices.end()); // values follow loosely
+        L2.starts.push_back(static_cast<I>(L2.indices.size()));
     }
-    matrix<T, I> R2 = R;
-    R2.rows_start.assign(1, 0);
-    R2.col_indx.clear();
+    sparse<T, I> R2 = R;
+    R2.starts.assign(1, 0);
+    R2.indices.clear();
     R2.values.clear();
     for (I k = 0; k < 5; ++k) {
-        for (I p = R.rows_start[k]; p < R.rows_start[k + 1]; ++p)
+        for (I p = R.starts[k]; p < R.starts[k + 1]; ++p)
             if (k != 2) {
-                R2.col_indx.push_back(R.col_indx[p]);
+                R2.indices.push_back(R.indices[p]);
                 R2.values.push_back(R.values[p]);
             }
         if (k == 2)
             for (I j : {I(0), I(1)}) {
-                R2.col_indx.push_back(j);
+                R2.indices.push_back(j);
                 R2.values.push_back(make_value<T>(1.5, -0.5));
             }
-        R2.rows_start.push_back(static_cast<I>(R2.col_indx.size()));
+        R2.starts.push_back(static_cast<I>(R2.indices.size()));
     }
-    const reference ref = upper_product(dense(L2), dense(R2), 8, 5);
+    const reference ref = upper_product(widened(L2), widened(R2), 8, 5);
     const auto c0 = initial_c<T>(8, 8, false, true, 1);
     auto c = c0;
     ASSERT_EQ(M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()),
-                             L2.col_indx.data(), L2.rows_start.data(), L2.rows_start.data() + 1, 0,
-                             reinterpret_cast<const C *>(R2.values.data()), R2.col_indx.data(), R2.rows_start.data(),
-                             R2.rows_start.data() + 1, reinterpret_cast<C *>(c.data()), 101, 8),
+                             L2.indices.data(), L2.starts.data(), L2.starts.data() + 1, 0,
+                             reinterpret_cast<const C *>(R2.values.data()), R2.indices.data(), R2.starts.data(),
+                             R2.starts.data() + 1, reinterpret_cast<C *>(c.data()), 101, 8),
               0);
     expect_dense(c, c0, ref, 8, false, T(1), T(0));
 
     // Sparse result of the same pair (operation 10: L first, R second).
     C *v = nullptr;
     I *ci = nullptr, *rs = nullptr;
-    ASSERT_EQ(M::A::stage(90, 10, 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()), L2.col_indx.data(),
-                          L2.rows_start.data(), L2.rows_start.data() + 1, 0,
-                          reinterpret_cast<const C *>(R2.values.data()), R2.col_indx.data(), R2.rows_start.data(),
-                          R2.rows_start.data() + 1, 0, &v, &ci, &rs),
+    ASSERT_EQ(M::A::stage(90, 10, 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()), L2.indices.data(),
+                          L2.starts.data(), L2.starts.data() + 1, 0,
+                          reinterpret_cast<const C *>(R2.values.data()), R2.indices.data(), R2.starts.data(),
+                          R2.starts.data() + 1, 0, &v, &ci, &rs),
               0);
     int64_t count = 0;
     for (int64_t i = 0; i < 8; ++i)
@@ -642,43 +642,43 @@ TYPED_TEST(SparseSyrk, ZeroRowsAndEmptyPatterns)
     using C = typename M::C;
     for (I base : {I(0), I(1)}) {
         // No rows: nothing to do for A·Aᵀ, a result with the single offset `base`.
-        matrix<T, I> none;
+        sparse<T, I> none;
         none.rows = 0;
         none.cols = 4;
-        none.base = base;
-        none.rows_start = {base};
+        none.index_base = base;
+        none.starts = {base};
         handle_holder<M> h(none);
         T sentinel = make_value<T>(3.0, 1.0);
         ASSERT_EQ(M::A::syrkd(10, h.h, to_c<C>(T(1)), to_c<C>(T(0)), reinterpret_cast<C *>(&sentinel), 101, I(1)), 0);
         EXPECT_EQ(widen(sentinel), cd(3.0, M::complex ? 1.0 : 0.0));
         typename M::A::handle *c = nullptr;
         ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
-        EXPECT_EQ(record_of<M>(c).rows, 0);
-        EXPECT_EQ(record_of<M>(c).rows_start[0], base);
-        EXPECT_EQ(record_of<M>(c).nnz, 0);
+        EXPECT_EQ(result_of<M>(c).rows, 0);
+        EXPECT_EQ(result_of<M>(c).rows_start[0], base);
+        EXPECT_EQ(result_of<M>(c).nnz, 0);
         M::A::destroy(c);
         // Aᵀ·A of no rows: C = beta·C on the upper triangle, a 4×4 result without entries.
         auto c0 = initial_c<T>(4, 4, true, false, 2);
         auto cc = c0;
         ASSERT_EQ(M::A::syrkd(11, h.h, to_c<C>(T(1)), to_c<C>(T(0.5)), reinterpret_cast<C *>(cc.data()), 102, I(4)), 0);
-        expect_dense(cc, c0, syrk_reference(dense(none), 0, 4, 11), 4, true, T(1), T(0.5));
+        expect_dense(cc, c0, syrk_reference(widened(none), 0, 4, 11), 4, true, T(1), T(0.5));
         ASSERT_EQ(M::A::syrk(11, h.h, &c), 0);
-        ASSERT_EQ(record_of<M>(c).rows, 4);
+        ASSERT_EQ(result_of<M>(c).rows, 4);
         for (int i = 0; i <= 4; ++i)
-            EXPECT_EQ(record_of<M>(c).rows_start[i], base);
+            EXPECT_EQ(result_of<M>(c).rows_start[i], base);
         M::A::destroy(c);
 
         // Rows without any entry.
-        matrix<T, I> empty;
+        sparse<T, I> empty;
         empty.rows = 5;
         empty.cols = 3;
-        empty.base = base;
-        empty.rows_start.assign(6, base);
+        empty.index_base = base;
+        empty.starts.assign(6, base);
         handle_holder<M> he(empty);
         for (int op : {10, 12}) {
             ASSERT_EQ(M::A::syrk(op, he.h, &c), 0);
-            EXPECT_EQ(record_of<M>(c).nnz, 0);
-            EXPECT_EQ(record_of<M>(c).rows_start[record_of<M>(c).rows], base);
+            EXPECT_EQ(result_of<M>(c).nnz, 0);
+            EXPECT_EQ(result_of<M>(c).rows_start[result_of<M>(c).rows], base);
             M::A::destroy(c);
         }
     }
@@ -693,14 +693,14 @@ TYPED_TEST(SparseSyrk, BlockResultMatchesReference)
         for (I base : {I(0), I(1)}) {
             auto a = random_matrix<T, I>(6, 5, 0.3, base, 40 + block, base == 1, block);
             handle_holder<M> h(a);
-            const auto d = dense(a);
+            const auto d = widened(a);
             for (int op : {10, 11}) {
                 SCOPED_TRACE(::testing::Message() << "op " << op << " block " << block << " base " << base);
                 typename M::A::handle *c = nullptr;
                 ASSERT_EQ(M::A::syrk(op, h.h, &c), 0);
                 EXPECT_EQ(c->format, ZEL_SPARSE_FORMAT_BSR);
-                EXPECT_EQ(record_of<M>(c).block_size, block);
-                EXPECT_EQ(record_of<M>(c).block_layout, base);
+                EXPECT_EQ(result_of<M>(c).block_size, block);
+                EXPECT_EQ(result_of<M>(c).block_layout, base);
                 expect_sparse<M>(c, syrk_reference(d, a.rows * block, a.cols * block, op, true), base, block);
                 M::A::destroy(c);
             }
@@ -712,20 +712,20 @@ TYPED_TEST(SparseSyrk, BlockResultMatchesReference)
 namespace {
 
 // A Matrix Market file as a zero-based CSR matrix (rows in file order).
-template <class T, class I> matrix<T, I> from_triplets(const zel::test::mm_triplets &t)
+template <class T, class I> sparse<T, I> from_triplets(const zel::test::mm_triplets &t)
 {
     std::vector<std::vector<std::pair<I, T>>> rows(t.rows);
     for (size_t e = 0; e < t.size(); ++e)
         rows[t.row[e]].push_back({I(t.col[e]), make_value<T>(t.value[e].real(), t.value[e].imag())});
-    matrix<T, I> a;
+    sparse<T, I> a;
     a.rows = I(t.rows);
     a.cols = I(t.cols);
     for (auto &row : rows) {
         for (auto &[j, v] : row) {
-            a.col_indx.push_back(j);
+            a.indices.push_back(j);
             a.values.push_back(v);
         }
-        a.rows_start.push_back(I(a.col_indx.size()));
+        a.starts.push_back(I(a.indices.size()));
     }
     return a;
 }
@@ -739,7 +739,7 @@ template <class M> void check_real_matrix(const char *name)
         GTEST_SKIP() << "no test matrices: set ZEL_TEST_MATRICES to the Matrix Market folder for " << name;
     auto a = from_triplets<T, I>(zel::test::read_matrix_market(dir + "/" + name));
     handle_holder<M> h(a);
-    const auto d = dense(a);
+    const auto d = widened(a);
     for (int op : {10, 11}) {
         SCOPED_TRACE(::testing::Message() << name << " op " << op);
         const reference ref = syrk_reference(d, a.rows, a.cols, op);
@@ -767,6 +767,6 @@ TEST(SparseSyrkMatrices, LpE226) { check_real_matrix<member<double, int32_t>>("l
 TEST(SparseSyrkMatrices, LpShare1b) { check_real_matrix<member<double, int64_t>>("lp_share1b.mtx"); }
 TEST(SparseSyrkMatrices, Young1cComplex)
 {
-    check_real_matrix<member<zel_complex16, int32_t>>("young1c.mtx");
-    check_real_matrix<member<zel_complex16, int64_t>>("young1c.mtx");
+    check_real_matrix<member<std::complex<double>, int32_t>>("young1c.mtx");
+    check_real_matrix<member<std::complex<double>, int64_t>>("young1c.mtx");
 }

@@ -5,10 +5,10 @@
 #include "test_sparse_syrk.hpp"
 #include "zel/runtime.h"
 
-using namespace syrk_test;
+using namespace sparse_test;
 
 template <class M> class SparseSyrkErrors : public ::testing::Test {};
-TYPED_TEST_SUITE(SparseSyrkErrors, all_members);
+TYPED_TEST_SUITE(SparseSyrkErrors, all_members, member_names);
 
 TYPED_TEST(SparseSyrkErrors, DenseEntryChecksInOrderAndLeavesCAlone)
 {
@@ -17,7 +17,9 @@ TYPED_TEST(SparseSyrkErrors, DenseEntryChecksInOrderAndLeavesCAlone)
     using I = typename M::I;
     using C = typename M::C;
     auto a = random_matrix<T, I>(4, 3, 0.5, 0, 1);
-    handle_holder<M> csr(a), bsr(a, true);
+    auto blocks = a;
+    blocks.format = bsr;
+    handle_holder<M> by_rows(a), by_blocks(blocks);
     typename M::A::handle *coo = nullptr;
     std::vector<I> rows{0, 1}, cols{1, 2};
     std::vector<T> vals{T(1), T(2)};
@@ -29,26 +31,26 @@ TYPED_TEST(SparseSyrkErrors, DenseEntryChecksInOrderAndLeavesCAlone)
     auto call = [&](int op, typename M::A::handle *h, C *target, I ldc) {
         return M::A::syrkd(op, h, one, zero, target, 101, ldc);
     };
-    EXPECT_EQ(call(10, csr.h, nullptr, 4), 1);
+    EXPECT_EQ(call(10, by_rows.h, nullptr, 4), 1);
     EXPECT_EQ(call(10, nullptr, cp, 4), 1);
     EXPECT_EQ(call(13, nullptr, cp, 4), 1); // the null handle is found first
-    EXPECT_EQ(call(9, csr.h, cp, 4), 3);
+    EXPECT_EQ(call(9, by_rows.h, cp, 4), 3);
     EXPECT_EQ(call(13, coo, cp, 4), 3); // before the format
-    EXPECT_EQ(call(10, csr.h, cp, -1), 3);
+    EXPECT_EQ(call(10, by_rows.h, cp, -1), 3);
     EXPECT_EQ(call(10, coo, cp, 4), 6);
-    EXPECT_EQ(call(11, bsr.h, cp, 4), 6);
-    void *data = csr.h->data;
-    csr.h->data = nullptr;
-    EXPECT_EQ(call(10, csr.h, cp, 4), 5);
-    csr.h->data = data;
+    EXPECT_EQ(call(11, by_blocks.h, cp, 4), 6);
+    void *data = by_rows.h->data;
+    by_rows.h->data = nullptr;
+    EXPECT_EQ(call(10, by_rows.h, cp, 4), 5);
+    by_rows.h->data = data;
     auto &record = *static_cast<typename M::A::record *>(data);
     void *values = record.values;
     record.values = nullptr;
-    EXPECT_EQ(call(10, csr.h, cp, 4), 6);
-    EXPECT_EQ(call(11, csr.h, cp, 4), 6);
+    EXPECT_EQ(call(10, by_rows.h, cp, 4), 6);
+    EXPECT_EQ(call(11, by_rows.h, cp, 4), 6);
     record.values = values;
     EXPECT_EQ(std::memcmp(c.data(), c0.data(), c.size() * sizeof(T)), 0);
-    EXPECT_EQ(csr.h->transposed, nullptr); // nothing was built on the way out
+    EXPECT_EQ(by_rows.h->transposed, nullptr); // nothing was built on the way out
     M::A::destroy(coo);
 }
 
@@ -72,8 +74,8 @@ TYPED_TEST(SparseSyrkErrors, SparseProductStatuses)
     M::A::destroy(coo);
     // A BSR matrix whose block order does not pair with its index base.
     typename M::A::handle *odd = nullptr;
-    ASSERT_EQ(M::A::create_bsr(&odd, 0, 102, a.rows, a.cols, 1, a.rows_start.data(), a.rows_start.data() + 1,
-                               a.col_indx.data(), reinterpret_cast<C *>(a.values.data())),
+    ASSERT_EQ(M::A::create_bsr(&odd, 0, 102, a.rows, a.cols, 1, a.starts.data(), a.starts.data() + 1,
+                               a.indices.data(), reinterpret_cast<C *>(a.values.data())),
               0);
     EXPECT_EQ(M::A::syrk(10, odd, &result), 6);
     M::A::destroy(odd);
@@ -161,7 +163,7 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
     // columns (operation 11) are merged without scratch.
     auto a = random_matrix<T, I>(9, 30, 0.8, 1, 3);
     for (I i = 0; i < a.rows; ++i)
-        ASSERT_GT(a.rows_start[i + 1] - a.rows_start[i], 16);
+        ASSERT_GT(a.starts[i + 1] - a.starts[i], 16);
     handle_holder<M> h(a);
     stage_operands<M> ops(h.h);
     for (int op : {10, 11}) {
@@ -218,19 +220,19 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
 }
 
 // 300 rows of one band, which repeat their shape away from the ends.
-template <class T, class I> matrix<T, I> banded_matrix()
+template <class T, class I> sparse<T, I> banded_matrix()
 {
-    matrix<T, I> a;
+    sparse<T, I> a;
     a.rows = a.cols = 300;
-    a.base = 0;
-    a.rows_start.assign(1, 0);
+    a.index_base = 0;
+    a.starts.assign(1, 0);
     for (int64_t i = 0; i < a.rows; ++i) {
         for (const int64_t j : {i - 7, i - 1, i, i + 2, i + 11})
             if (j >= 0 && j < a.cols) {
-                a.col_indx.push_back(static_cast<I>(j));
+                a.indices.push_back(static_cast<I>(j));
                 a.values.push_back(make_value<T>(1.0 + double((i + 3 * j) % 7) / 4.0, double(j % 3) - 1.0));
             }
-        a.rows_start.push_back(static_cast<I>(a.col_indx.size()));
+        a.starts.push_back(static_cast<I>(a.indices.size()));
     }
     return a;
 }
@@ -273,10 +275,10 @@ TYPED_TEST(SparseSyrkErrors, EmptyResultAcceptsFailedZeroSizeArrays)
     using T = typename M::T;
     using I = typename M::I;
     using C = typename M::C;
-    matrix<T, I> empty;
+    sparse<T, I> empty;
     empty.rows = 4;
     empty.cols = 3;
-    empty.rows_start.assign(5, 0);
+    empty.starts.assign(5, 0);
     handle_holder<M> h(empty);
     stage_operands<M> ops(h.h);
     zel::test::for_each_failing_allocation(
@@ -317,8 +319,8 @@ TYPED_TEST(SparseSyrkErrors, PublicProductFailsCleanly)
             zel::test::for_each_failing_allocation(
                 [&] {
                     typename M::A::handle *h = nullptr, *c = nullptr;
-                    I *rs = a.rows_start.data();
-                    if (M::A::create_csr(&h, 0, a.rows, a.cols, rs, rs + 1, a.col_indx.data(),
+                    I *rs = a.starts.data();
+                    if (M::A::create_csr(&h, 0, a.rows, a.cols, rs, rs + 1, a.indices.data(),
                                          reinterpret_cast<typename M::C *>(a.values.data())) != 0)
                         return -1;
                     const int status = M::A::syrk(op, h, &c);

@@ -3,20 +3,22 @@
 #include <gtest/gtest.h>
 
 #include "alloc_fault.hpp"
-#include "test_sparse_transpose_support.hpp"
+#include "mm_reader.hpp"
+#include "test_sparse_support.hpp"
 
 namespace {
 
-using namespace zel::test;
+using namespace sparse_test;
+using zel::test::allocator_probe;
 
 template <class P> class SparseTransposeErrors : public ::testing::Test {};
-TYPED_TEST_SUITE(SparseTransposeErrors, all_members);
+TYPED_TEST_SUITE(SparseTransposeErrors, all_members, member_names);
 
-template <class I> struct snapshot {
-    matrix_of<I> handle;
-    record_of<I> record;
-    explicit snapshot(const matrix_of<I> *h) : handle(*h), record(*static_cast<const record_of<I> *>(h->data)) {}
-    bool same_as(const matrix_of<I> *h) const
+template <class T, class I> struct snapshot {
+    typename api<T, I>::handle handle;
+    record_of<T, I> record;
+    explicit snapshot(const typename api<T, I>::handle *h) : handle(*h), record(*static_cast<const record_of<T, I> *>(h->data)) {}
+    bool same_as(const typename api<T, I>::handle *h) const
     {
         return std::memcmp(&handle, h, sizeof handle) == 0 &&
                std::memcmp(&record, h->data, sizeof record) == 0;
@@ -25,94 +27,93 @@ template <class I> struct snapshot {
 
 TYPED_TEST(SparseTransposeErrors, CopyRefusals)
 {
-    using T = typename TypeParam::value;
-    using I = typename TypeParam::index;
-    using api = typename TypeParam::api;
-    EXPECT_EQ(api::copy(nullptr), ZEL_SPARSE_STATUS_INTERNAL_ERROR);
-    EXPECT_EQ(api::convert(nullptr), ZEL_SPARSE_STATUS_INTERNAL_ERROR);
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
+    using A = typename TypeParam::A;
+    EXPECT_EQ(A::copy_arrays(nullptr), internal_error);
+    EXPECT_EQ(A::to_three_arrays(nullptr), internal_error);
     std::mt19937_64 rng(1);
-    auto a = random_compressed<T, I>(rng, ZEL_SPARSE_FORMAT_CSR, 4, 4, 1, 0, 0.5);
-    handle_guard<I> g{make_handle(a)};
-    auto *record = static_cast<record_of<I> *>(g.handle->data);
+    auto a = random_sparse<T, I>(rng, csr, 4, 4, 1, 0, 0.5);
+    handle_of<T, I> g(a);
+    auto *record = static_cast<record_of<T, I> *>(g.h->data);
 
     record->inplace_copy = 0;
-    snapshot<I> before(g.handle);
-    EXPECT_EQ(api::copy(g.handle), ZEL_SPARSE_STATUS_INTERNAL_ERROR);
-    EXPECT_TRUE(before.same_as(g.handle));
+    snapshot<T, I> before(g.h);
+    EXPECT_EQ(A::copy_arrays(g.h), internal_error);
+    EXPECT_TRUE(before.same_as(g.h));
     record->inplace_copy = 1;
 
-    g.handle->format = ZEL_SPARSE_FORMAT_COO;
-    EXPECT_EQ(api::copy(g.handle), ZEL_SPARSE_STATUS_NOT_SUPPORTED);
-    EXPECT_EQ(api::transpose(g.handle, ZEL_SPARSE_OPERATION_TRANSPOSE), ZEL_SPARSE_STATUS_NOT_SUPPORTED);
-    g.handle->format = 7;
-    EXPECT_EQ(api::transpose(g.handle, ZEL_SPARSE_OPERATION_TRANSPOSE), ZEL_SPARSE_STATUS_NOT_SUPPORTED);
-    EXPECT_EQ(g.handle->transposed, nullptr);
-    g.handle->format = ZEL_SPARSE_FORMAT_CSR;
+    g.h->format = coo;
+    EXPECT_EQ(A::copy_arrays(g.h), not_supported);
+    EXPECT_EQ(A::transpose(g.h, op_t), not_supported);
+    g.h->format = 7;
+    EXPECT_EQ(A::transpose(g.h, op_t), not_supported);
+    EXPECT_EQ(g.h->transposed, nullptr);
+    g.h->format = csr;
 
-    g.handle->data = nullptr;
-    EXPECT_EQ(api::copy(g.handle), ZEL_SPARSE_STATUS_INTERNAL_ERROR);
-    EXPECT_EQ(api::transpose(g.handle, ZEL_SPARSE_OPERATION_TRANSPOSE), ZEL_SPARSE_STATUS_INTERNAL_ERROR);
-    g.handle->data = record;
+    g.h->data = nullptr;
+    EXPECT_EQ(A::copy_arrays(g.h), internal_error);
+    EXPECT_EQ(A::transpose(g.h, op_t), internal_error);
+    g.h->data = record;
 
-    EXPECT_EQ(api::out_of_place(g.handle, 13), ZEL_SPARSE_STATUS_INVALID_VALUE);
-    matrix_of<I> *made = nullptr;
-    EXPECT_EQ(api::create(g.handle, 9, &made), ZEL_SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(api::create(g.handle, ZEL_SPARSE_OPERATION_TRANSPOSE, nullptr), ZEL_SPARSE_STATUS_NOT_INITIALIZED);
+    EXPECT_EQ(A::out_of_place(g.h, op_c + 1), invalid);
+    typename api<T, I>::handle *made = nullptr;
+    EXPECT_EQ(A::create_transposed(g.h, op_n - 1, &made), invalid);
+    EXPECT_EQ(A::create_transposed(g.h, op_t, nullptr), not_initialized);
     EXPECT_EQ(made, nullptr);
 }
 
 TYPED_TEST(SparseTransposeErrors, KernelRefusesBadSizes)
 {
-    using T = typename TypeParam::value;
-    using I = typename TypeParam::index;
-    using api = typename TypeParam::api;
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
     const I starts[] = {0, 1}, indices[] = {0};
     const T values[] = {T(1)};
     I out_starts[2], out_indices[1], work[1];
     T out_values[1];
-    EXPECT_EQ(api::kernel(1, 1, 1, 0, 11, 0, 1, starts, starts + 1, indices, values, out_starts, out_indices,
+    EXPECT_EQ(transpose_kernel(1, 1, 1, 0, op_t, 0, 1, starts, starts + 1, indices, values, out_starts, out_indices,
                           out_values, work),
-              ZEL_SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(api::kernel(1, 1, 1, 1, 11, 0, 0, starts, starts + 1, indices, values, out_starts, out_indices,
+              invalid);
+    EXPECT_EQ(transpose_kernel(1, 1, 1, 1, op_t, 0, 0, starts, starts + 1, indices, values, out_starts, out_indices,
                           out_values, work),
-              ZEL_SPARSE_STATUS_INVALID_VALUE);
+              invalid);
     allocator_probe probe;
     probe.fail_all(true);
-    EXPECT_EQ(api::kernel(1, 1, 1, 1, 11, 0, 1, starts, starts + 1, indices, values, out_starts, out_indices,
+    EXPECT_EQ(transpose_kernel(1, 1, 1, 1, op_t, 0, 1, starts, starts + 1, indices, values, out_starts, out_indices,
                           out_values, work),
-              ZEL_SPARSE_STATUS_ALLOC_FAILED);
+              alloc_failed);
 }
 
 // Runs `call` on a fresh handle once per allocation it makes, failing that one.
 template <class T, class I, class Call>
-void each_failure_leaves_handle(compressed<T, I> &a, Call call, bool transposed_first = false)
+void each_failure_leaves_handle(sparse<T, I> &a, Call call, bool transposed_first = false)
 {
     int64_t counted = 0;
     {
-        handle_guard<I> g{make_handle(a)};
+        handle_of<T, I> g(a);
         if (transposed_first) {
-            ASSERT_EQ((members<T, I>::transpose(g.handle, ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE)), 0);
+            ASSERT_EQ((api<T, I>::transpose(g.h, op_c)), 0);
         }
         allocator_probe probe;
-        ASSERT_EQ(call(g.handle), 0);
+        ASSERT_EQ(call(g.h), 0);
         counted = probe.requests();
     }
     ASSERT_GT(counted, 0);
     for (int64_t k = 0; k < counted; ++k) {
         SCOPED_TRACE(::testing::Message() << "allocation " << k << " of " << counted);
-        handle_guard<I> g{make_handle(a)};
+        handle_of<T, I> g(a);
         if (transposed_first) {
-            ASSERT_EQ((members<T, I>::transpose(g.handle, ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE)), 0);
+            ASSERT_EQ((api<T, I>::transpose(g.h, op_c)), 0);
         }
-        const snapshot<I> before(g.handle);
-        const record_of<I> *t = g.handle->transposed;
-        const record_of<I> tbefore = t ? *t : record_of<I>{};
+        const snapshot<T, I> before(g.h);
+        const record_of<T, I> *t = g.h->transposed;
+        const record_of<T, I> tbefore = t ? *t : record_of<T, I>{};
         allocator_probe probe;
         probe.fail_at(k);
-        EXPECT_EQ(call(g.handle), ZEL_SPARSE_STATUS_ALLOC_FAILED);
+        EXPECT_EQ(call(g.h), alloc_failed);
         EXPECT_EQ(probe.failures(), 1);
         EXPECT_EQ(probe.live(), 0);
-        EXPECT_TRUE(before.same_as(g.handle));
+        EXPECT_TRUE(before.same_as(g.h));
         if (t) {
             EXPECT_EQ(std::memcmp(t, &tbefore, sizeof tbefore), 0);
         }
@@ -121,31 +122,32 @@ void each_failure_leaves_handle(compressed<T, I> &a, Call call, bool transposed_
 
 TYPED_TEST(SparseTransposeErrors, AllocationFailuresChangeNothing)
 {
-    using T = typename TypeParam::value;
-    using I = typename TypeParam::index;
-    using api = typename TypeParam::api;
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
+    using A = typename TypeParam::A;
     std::mt19937_64 rng(2);
-    auto bsr = random_compressed<T, I>(rng, ZEL_SPARSE_FORMAT_BSR, 5, 4, 2, 1, 0.5);
-    auto four = bsr;
-    four.ends.assign(bsr.starts.begin() + 1, bsr.starts.end());
+    auto blocks = random_sparse<T, I>(rng, bsr, 5, 4, 2, 1, 0.5);
+    auto four = blocks;
+    four.ends.assign(blocks.starts.begin() + 1, blocks.starts.end());
     four.starts.pop_back();
 
-    for (auto *a : {&bsr, &four}) {
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) { return api::copy(h); });
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) { return api::convert(h); });
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) { return api::transpose(h, 11); });
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) { return api::out_of_place(h, 12); });
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) { return api::bsr_transpose(h); });
-        each_failure_leaves_handle(*a, [](matrix_of<I> *h) {
-            matrix_of<I> *made = nullptr;
-            int status = api::create(h, 11, &made);
-            free_handle<I>(made);
+    for (auto *a : {&blocks, &four}) {
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) { return A::copy_arrays(h); });
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) { return A::to_three_arrays(h); });
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) { return A::transpose(h, op_t); });
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) { return A::out_of_place(h, op_c); });
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) { return A::bsr_transpose(h); });
+        each_failure_leaves_handle(*a, [](typename api<T, I>::handle *h) {
+            typename api<T, I>::handle *made = nullptr;
+            int status = A::create_transposed(h, op_t, &made);
+            if (made != nullptr)
+                api<T, I>::destroy(made);
             return status;
         });
     }
     // The complex members' second value array, added to an existing record.
-    if constexpr (is_complex_value<T>) {
-        each_failure_leaves_handle(bsr, [](matrix_of<I> *h) { return api::transpose(h, 11); }, true);
+    if constexpr (zel::is_complex_v<T>) {
+        each_failure_leaves_handle(blocks, [](typename api<T, I>::handle *h) { return A::transpose(h, op_t); }, true);
     }
 }
 
