@@ -183,6 +183,9 @@ TEST(ProcessesPerNode, SourcesInOrder)
         {{{"ZMPI_PIN_MAPPING", "3"}}, -1},
         {{{"ZMPI_PIN_MAPPING", "0:1"}, {"OMPI_COMM_WORLD_LOCAL_SIZE", "2"}}, 2},
         {{{"ZMPI_PIN_MAPPING", "-3:1"}}, -1},
+        // A count past 32 bits is malformed, as it is for ZEL_MPI_PPN: the next variable decides.
+        {{{"ZMPI_PIN_MAPPING", "99999999999999:0,1"}, {"MPI_LOCALNRANKS", "7"}}, 7},
+        {{{"ZMPI_PIN_MAPPING", "2147483648:0,1"}}, -1},
         {{{"MPI_LOCALNRANKS", "0"}}, -1},
         {{{"MPI_LOCALNRANKS", "abc"}}, -1},
         {{{"MPI_LOCALNRANKS", " 8"}}, 8},
