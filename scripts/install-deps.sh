@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Debian 12 packages that building, testing and benchmarking need (run as root).
 set -euo pipefail
-packages=(cmake g++ make ninja-build pkg-config libopenblas64-serial-dev libsuitesparse-dev
+packages=(cmake g++ make ninja-build pkg-config libopenblas64-serial-dev libsuitesparse-dev libmetis-dev
           googletest libgtest-dev libblas-dev liblapack-dev)
 missing=()
 for package in "${packages[@]}"; do

@@ -1,0 +1,126 @@
+// Fill-reducing orderings for the direct solver: minimum degree, nested dissection, a caller's
+// permutation, and the automatic choice between the first two by the flops of the factor.
+#pragma once
+
+#include <cstdint>
+
+#include "pattern.hpp"
+#include "symbolic.hpp"
+
+namespace zel::solver {
+
+enum class ordering_method { automatic, amd, metis, natural, given };
+
+struct ordering_options {
+    ordering_method method = ordering_method::automatic;
+    // The automatic choice tries nested dissection only when minimum degree's factor would
+    // take at least this many flops: below it the partitioner costs more than it can save.
+    double metis_min_flops = 1e8;
+};
+
+// What the ordering did: the method it used (automatic resolves to amd or metis) and the
+// exact flops it measured for each candidate (0 when not computed).
+struct ordering_report {
+    ordering_method used = ordering_method::natural;
+    double amd_flops = 0;
+    double metis_flops = 0;
+};
+
+// Approximate minimum degree; perm[k] = the original column eliminated k-th.
+int amd_ordering(const sym_pattern<int32_t> &a, int32_t *perm);
+int amd_ordering(const sym_pattern<int64_t> &a, int64_t *perm);
+// Nested dissection; falls back to minimum degree when the pattern does not fit the
+// partitioner's index type. `used` (optional) receives the method that produced perm.
+int metis_ordering(const sym_pattern<int32_t> &a, int32_t *perm, ordering_method *used = nullptr);
+int metis_ordering(const sym_pattern<int64_t> &a, int64_t *perm, ordering_method *used = nullptr);
+
+// 0 when perm (0-based) is a permutation of 0 .. n-1, else 3.
+template <class I> int validate_permutation(I n, const I *perm)
+{
+    if (n < 0 || (n > 0 && perm == nullptr))
+        return ZEL_SPARSE_STATUS_INVALID_VALUE;
+    scratch_array<unsigned char> seen;
+    if (!allocate(seen, n))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    std::fill(seen.get(), seen.get() + n, static_cast<unsigned char>(0));
+    for (I k = 0; k < n; ++k) {
+        if (perm[k] < 0 || perm[k] >= n || seen[perm[k]])
+            return ZEL_SPARSE_STATUS_INVALID_VALUE;
+        seen[perm[k]] = 1;
+    }
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+namespace detail {
+
+// Minimum degree first; nested dissection too when that factor looks costly; keep the one
+// with fewer flops.
+template <class I> int automatic_ordering(const sym_pattern<I> &a, const ordering_options &options, I *perm, ordering_report &report)
+{
+    symbolic_stats amd_cost, metis_cost;
+    int status = amd_ordering(a, perm);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS)
+        status = factor_cost(a, perm, amd_cost);
+    report = {ordering_method::amd, amd_cost.exact_flops, 0};
+    if (status != ZEL_SPARSE_STATUS_SUCCESS || amd_cost.exact_flops < options.metis_min_flops)
+        return status;
+    scratch_array<I> other;
+    ordering_method used = ordering_method::amd;
+    if (!allocate(other, a.n))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    status = metis_ordering(a, other.get(), &used);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS && used == ordering_method::metis)
+        status = factor_cost(a, other.get(), metis_cost);
+    report.metis_flops = metis_cost.exact_flops;
+    if (status == ZEL_SPARSE_STATUS_SUCCESS && used == ordering_method::metis && metis_cost.exact_flops < amd_cost.exact_flops) {
+        std::copy(other.get(), other.get() + a.n, perm);
+        report.used = ordering_method::metis;
+    }
+    return status;
+}
+
+} // namespace detail
+
+// perm (n entries, 0-based) for the pattern by the chosen method; `given` is the caller's
+// permutation for ordering_method::given, validated. report is optional.
+template <class I>
+int fill_reducing_ordering(const sym_pattern<I> &a, const ordering_options &options, const I *given, I *perm,
+                           ordering_report *report = nullptr)
+{
+    ordering_report local;
+    ordering_report &r = report ? *report : local;
+    r = ordering_report{options.method, 0, 0};
+    switch (options.method) {
+    case ordering_method::natural:
+        for (I k = 0; k < a.n; ++k)
+            perm[k] = k;
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    case ordering_method::given:
+        if (int status = validate_permutation(a.n, given); status != ZEL_SPARSE_STATUS_SUCCESS)
+            return status;
+        std::copy(given, given + a.n, perm);
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    case ordering_method::amd:
+        return amd_ordering(a, perm);
+    case ordering_method::metis:
+        return metis_ordering(a, perm, &r.used);
+    case ordering_method::automatic:
+        break;
+    }
+    return detail::automatic_ordering(a, options, perm, r);
+}
+
+// Ordering and symbolic analysis in one: the factor of `a` under the chosen ordering.
+template <class I>
+int analyse_pattern(const sym_pattern<I> &a, const ordering_options &options, const I *given, const amalgamation &relax,
+                    symbolic_factor<I> &f, ordering_report *report = nullptr)
+{
+    scratch_array<I> perm;
+    if (!allocate(perm, a.n))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    if (int status = fill_reducing_ordering(a, options, given, perm.get(), report); status != ZEL_SPARSE_STATUS_SUCCESS)
+        return status;
+    return symbolic_analysis(a, perm.get(), relax, f);
+}
+
+} // namespace zel::solver
