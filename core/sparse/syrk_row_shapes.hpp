@@ -264,15 +264,20 @@ public:
             return;
         if (!formed_in_lanes(shape))
             sum_block(shape);
-        for (int r = 0; r < rows_; ++r) {
-            const I shift = row_[r] + base;
-            for (I s = 0; s < shape.distinct; ++s)
-                cols_[r][s] = shape.column[s] + shift;
-        }
+        for (int r = 0; r < rows_; ++r)
+            shifted_columns(cols_[r], shape.column, shape.distinct, row_[r] + base);
         rows_ = 0;
     }
 
 private:
+    // to[s] = column[s] + shift. Restricted: otherwise each store through `to` may change the
+    // shape's count and columns, as far as the compiler knows, and the loop runs a column at a time.
+    static void shifted_columns(I *__restrict to, const I *__restrict column, I n, I shift)
+    {
+        for (I s = 0; s < n; ++s)
+            to[s] = column[s] + shift;
+    }
+
     // The vector former's lane tables, for real values.
     using lanes_t = std::conditional_t<std::is_same_v<T, double>, repeat_lanes_f64,
                                        std::conditional_t<std::is_same_v<T, float>, repeat_lanes_f32, void>>;
