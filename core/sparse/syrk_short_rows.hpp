@@ -115,7 +115,7 @@ template <class T, class I> struct row_tails {
 };
 
 // Number of distinct columns in the tails, merged.
-template <class I> I merged_count(row_tails<char, I> &tails, operand_rows<char, I> R)
+template <class I> I merged_count(row_tails<char, I> &tails, const operand_rows<char, I> &R)
 {
     I n = 0;
     for (I j = tails.smallest(); tails.count > 1; ++n)
@@ -150,7 +150,7 @@ template <class T, class I> bool scattered(const row_tails<T, I> &tails, const o
 }
 
 // Row i of the product from its merged tails, at most slot.room columns. Returns the number written.
-template <class T, class I> I merged_row(row_tails<T, I> &tails, operand_rows<T, I> R, row_slot<T, I> out)
+template <class T, class I> I merged_row(row_tails<T, I> &tails, const operand_rows<T, I> &R, row_slot<T, I> out)
 {
     I n = 0;
     for (I j = tails.smallest(); tails.count > 1 && n < out.room; ++n) {
@@ -206,7 +206,7 @@ bool tail_keys(const row_tails<T, I> &tails, const operand_rows<T, I> &R, I i, i
 }
 
 // Distinct columns of the tails by the vector sorter; -1 when they do not fit it.
-template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, operand_rows<char, I> R, I i)
+template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, const operand_rows<char, I> &R, I i)
 {
     alignas(64) int32_t keys[sort_capacity];
     uint32_t n;
@@ -218,10 +218,9 @@ template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char
 // Row i from its tails by the vector sorter: every product lands at the rank of its column among
 // the row's distinct columns (at most out.room of them are written), which out.place, when given,
 // receives. Returns the number of distinct columns, -1 when the tails do not fit. Kept out of line
-// so that the merge loop around it keeps its registers; R comes by value, so that the caller's
-// copy stays its own.
+// so that the merge loop around it keeps its registers.
 template <class T, class I>
-[[gnu::noinline]] I sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, operand_rows<T, I> R, I i,
+[[gnu::noinline]] I sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, const operand_rows<T, I> &R, I i,
                                row_slot<T, I> out)
 {
     alignas(64) int32_t keys[sort_capacity];
