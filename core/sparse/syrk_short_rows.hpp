@@ -211,7 +211,8 @@ bool tail_keys(const row_tails<T, I> &tails, const operand_rows<T, I> &R, I i, i
 }
 
 // Distinct columns of the tails by the vector sorter; -1 when they do not fit it.
-template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, const operand_rows<char, I> &R, I i)
+template <class I>
+I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, const operand_rows<char, I> &R, I i)
 {
     alignas(64) int32_t keys[sort_capacity];
     uint32_t n;
