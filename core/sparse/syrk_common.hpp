@@ -24,10 +24,12 @@ namespace zel::sparse_syrk {
 
 using sparse::alignment;
 
-// Views go by value to whatever may stay out of line and by reference only into what is inlined:
-// once a view's address leaves a kernel, the compiler must assume that any store through the
-// kernel's index arrays may change it, and reads its fields again after each (several percent on
-// stencils).
+// Views go to helpers by reference, out-of-line ones included. A view passed by value is built
+// anew in memory at each call from the registers the kernel kept its fields in, and the copy reads
+// it back in wider loads than the stores just made, which stall until they complete (several percent
+// on stencils, where the repeated-row test calls out once per block of rows). A field that a loop
+// reads after stores through index arrays goes into a local first: once a view's address has left
+// the kernel, the compiler must assume such a store may change it.
 //
 // An operand by rows. The kernels know the result's order m (L.slices, R.extent) but not L's
 // column count, so L.extent and R.slices are left 0. Pattern-only operands use T = char.

@@ -226,7 +226,8 @@ inline I place_columns(const operand_rows<T, I> &L, const operand_rows<T, I> &R,
 
 // The long route of a CSR row: columns placed first, products added straight into the output.
 template <class T, class I>
-void long_row(operand_rows<T, I> L, operand_rows<T, I> R, chunk_scratch<I> scratch, I i, result_rows<T, I> out)
+void long_row(const operand_rows<T, I> &L, const operand_rows<T, I> &R, const chunk_scratch<I> &scratch, I i,
+              const result_rows<T, I> &out)
 {
     const I first = out.begin(i);
     const I n = place_columns(L, R, scratch, i, out);

@@ -52,7 +52,7 @@ template <class T, class I> bool follows(const operand_rows<T, I> &rows, I k)
 // The first row in [from, to) that does not follow the row before it; `to` when all do. Rows
 // stored end to end with one length, as a stencil's are, take one flat sweep over their columns,
 // which the compiler runs in vectors.
-template <class T, class I> I first_unfollowing(operand_rows<T, I> rows, I from, I to)
+template <class T, class I> I first_unfollowing(const operand_rows<T, I> &rows, I from, I to)
 {
     if (from >= to)
         return to;
@@ -90,7 +90,7 @@ template <class I> class follows_window {
 public:
     // A row b >= from such that rows [from, b) all follow the row before them, and either b >= to
     // or row b does not.
-    template <class T> I next_break(operand_rows<T, I> R, I from, I to)
+    template <class T> I next_break(const operand_rows<T, I> &R, I from, I to)
     {
         if ((to > high_ && !extend(R, from, to)) || from < low_)
             return first_unfollowing(R, from, to);
@@ -109,7 +109,7 @@ public:
 
 private:
     // Compares the rows up to `to`; false when there are no bits to keep the answers in.
-    template <class T> bool extend(operand_rows<T, I> R, I from, I to)
+    template <class T> bool extend(const operand_rows<T, I> &R, I from, I to)
     {
         if (!started_) {
             started_ = true;
@@ -162,7 +162,7 @@ template <class I> struct row_shape {
     // How many rows from i on, at most limit, repeat the shape, each shifted by one from the row
     // before it; 0 unless row i - 1 holds the shape. The L rows are compared first: where they do
     // not repeat, the test fails without touching R.
-    template <class T> I repeat_run(operand_rows<T, I> L, operand_rows<T, I> R, I i, I limit)
+    template <class T> I repeat_run(const operand_rows<T, I> &L, const operand_rows<T, I> &R, I i, I limit)
     {
         if (row < 0 || row != i - 1)
             return 0;
@@ -264,15 +264,20 @@ public:
             return;
         if (!formed_in_lanes(shape))
             sum_block(shape);
-        for (int r = 0; r < rows_; ++r) {
-            const I shift = row_[r] + base;
-            for (I s = 0; s < shape.distinct; ++s)
-                cols_[r][s] = shape.column[s] + shift;
-        }
+        for (int r = 0; r < rows_; ++r)
+            shifted_columns(cols_[r], shape.column, shape.distinct, row_[r] + base);
         rows_ = 0;
     }
 
 private:
+    // to[s] = column[s] + shift. Restricted: otherwise each store through `to` may change the
+    // shape's count and columns, as far as the compiler knows, and the loop runs a column at a time.
+    static void shifted_columns(I *__restrict to, const I *__restrict column, I n, I shift)
+    {
+        for (I s = 0; s < n; ++s)
+            to[s] = column[s] + shift;
+    }
+
     // The vector former's lane tables, for real values.
     using lanes_t = std::conditional_t<std::is_same_v<T, double>, repeat_lanes_f64,
                                        std::conditional_t<std::is_same_v<T, float>, repeat_lanes_f32, void>>;

@@ -115,7 +115,7 @@ template <class T, class I> struct row_tails {
 };
 
 // Number of distinct columns in the tails, merged.
-template <class I> I merged_count(row_tails<char, I> &tails, operand_rows<char, I> R)
+template <class I> I merged_count(row_tails<char, I> &tails, const operand_rows<char, I> &R)
 {
     I n = 0;
     for (I j = tails.smallest(); tails.count > 1; ++n)
@@ -150,13 +150,18 @@ template <class T, class I> bool scattered(const row_tails<T, I> &tails, const o
 }
 
 // Row i of the product from its merged tails, at most slot.room columns. Returns the number written.
-template <class T, class I> I merged_row(row_tails<T, I> &tails, operand_rows<T, I> R, row_slot<T, I> out)
+template <class T, class I>
+I merged_row(row_tails<T, I> &tails, const operand_rows<T, I> &R, const row_slot<T, I> &slot)
 {
+    // Copies of its own: the stores through out.place may reach anything whose address is known.
+    const row_slot<T, I> out = slot;
+    const T *r_values = R.values;
+    const I *r_col = R.index, r_base = R.base;
     I n = 0;
     for (I j = tails.smallest(); tails.count > 1 && n < out.room; ++n) {
         T sum{};
         const I next = tails.pop(j, R, [&](int t, I q) {
-            mul_add(sum, tails.factor[t], R.values[q]);
+            mul_add(sum, tails.factor[t], r_values[q]);
             if (out.place != nullptr)
                 out.place[tails.first[t] + q] = static_cast<uint8_t>(n);
         });
@@ -169,8 +174,8 @@ template <class T, class I> I merged_row(row_tails<T, I> &tails, operand_rows<T,
         const I q0 = tails.pos[0];
         const I last = std::min<I>(tails.end[0] - q0, out.room - n);
         for (I t = 0; t < last; ++t) {
-            out.columns[n + t] = R.index[q0 + t] - R.base + out.base;
-            out.values[n + t] = mul(a, R.values[q0 + t]);
+            out.columns[n + t] = r_col[q0 + t] - r_base + out.base;
+            out.values[n + t] = mul(a, r_values[q0 + t]);
             if (out.place != nullptr)
                 out.place[tails.first[0] + q0 + t] = static_cast<uint8_t>(n + t);
         }
@@ -206,7 +211,8 @@ bool tail_keys(const row_tails<T, I> &tails, const operand_rows<T, I> &R, I i, i
 }
 
 // Distinct columns of the tails by the vector sorter; -1 when they do not fit it.
-template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, operand_rows<char, I> R, I i)
+template <class I>
+I sorted_count(const row_sorter &sorter, const row_tails<char, I> &tails, const operand_rows<char, I> &R, I i)
 {
     alignas(64) int32_t keys[sort_capacity];
     uint32_t n;
@@ -218,12 +224,12 @@ template <class I> I sorted_count(const row_sorter &sorter, const row_tails<char
 // Row i from its tails by the vector sorter: every product lands at the rank of its column among
 // the row's distinct columns (at most out.room of them are written), which out.place, when given,
 // receives. Returns the number of distinct columns, -1 when the tails do not fit. Kept out of line
-// so that the merge loop around it keeps its registers; R comes by value, so that the caller's
-// copy stays its own.
+// so that the merge loop around it keeps its registers.
 template <class T, class I>
-[[gnu::noinline]] I sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, operand_rows<T, I> R, I i,
-                               row_slot<T, I> out)
+[[gnu::noinline]] I sorted_row(const row_sorter &sorter, const row_tails<T, I> &tails, const operand_rows<T, I> &R, I i,
+                               const row_slot<T, I> &slot)
 {
+    const row_slot<T, I> out = slot; // a copy of its own, as in merged_row
     alignas(64) int32_t keys[sort_capacity];
     alignas(64) T products[sort_capacity];
     uint32_t rank[sort_capacity], n;
