@@ -29,6 +29,8 @@ constexpr int op_t = ZEL_SPARSE_OPERATION_TRANSPOSE;
 constexpr int op_c = ZEL_SPARSE_OPERATION_CONJUGATE_TRANSPOSE;
 constexpr int row_major = ZEL_SPARSE_LAYOUT_ROW_MAJOR;
 constexpr int col_major = ZEL_SPARSE_LAYOUT_COLUMN_MAJOR;
+constexpr int stage_full = ZEL_SPARSE_STAGE_FULL_MULT, stage_count = ZEL_SPARSE_STAGE_NNZ_COUNT,
+              stage_fill = ZEL_SPARSE_STAGE_FINALIZE_MULT, stage_no_values = ZEL_SPARSE_STAGE_FULL_MULT_NO_VAL;
 constexpr int ok = ZEL_SPARSE_STATUS_SUCCESS;
 constexpr int not_initialized = ZEL_SPARSE_STATUS_NOT_INITIALIZED;
 constexpr int alloc_failed = ZEL_SPARSE_STATUS_ALLOC_FAILED;

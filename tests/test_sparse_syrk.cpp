@@ -134,13 +134,13 @@ TYPED_TEST(SparseSyrk, DenseResultMatchesReference)
         clear_row(a, I(6));
         handle_holder<M> h(a);
         const auto d = widened(a);
-        for (int op : {10, 11, 12}) {
+        for (int op : {op_n, op_t, op_c}) {
             const reference ref = syrk_reference(d, a.rows, a.cols, op);
             const int64_t m = ref.m, ldc = m + 2;
-            for (int layout : {101, 102})
+            for (int layout : {row_major, col_major})
                 for (T alpha : alphas<T>())
                     for (T beta : betas<T>()) {
-                        const bool cm = layout == 102;
+                        const bool cm = layout == col_major;
                         const auto c0 = initial_c<T>(m, ldc, cm, beta == T(0), 7);
                         auto c = c0;
                         ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
@@ -162,11 +162,11 @@ TYPED_TEST(SparseSyrk, NanAlphaTakesTheScaledPath)
     auto a = random_matrix<T, I>(6, 5, 0.4, 0, 8);
     handle_holder<M> h(a);
     const T alpha = make_value<T>(std::nan(""), 0.0);
-    for (int op : {10, 11}) {
+    for (int op : {op_n, op_t}) {
         const reference ref = syrk_reference(widened(a), a.rows, a.cols, op);
         std::vector<T> c(ref.m * ref.m, T(0));
         ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(T(0)),
-                              reinterpret_cast<typename M::C *>(c.data()), 101, I(ref.m)),
+                              reinterpret_cast<typename M::C *>(c.data()), row_major, I(ref.m)),
                   0);
         for (int64_t i = 0; i < ref.m; ++i)
             for (int64_t j = i; j < ref.m; ++j)
@@ -185,16 +185,16 @@ TYPED_TEST(SparseSyrk, TransposedOperationsAgree)
     handle_holder<M> h(a);
     const T alpha = alphas<T>()[2], beta = betas<T>()[1];
     auto c11 = initial_c<T>(7, 7, false, false, 3), c12 = c11;
-    ASSERT_EQ(M::A::syrkd(11, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
-                          reinterpret_cast<typename M::C *>(c11.data()), 101, I(7)),
+    ASSERT_EQ(M::A::syrkd(op_t, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
+                          reinterpret_cast<typename M::C *>(c11.data()), row_major, I(7)),
               0);
-    ASSERT_EQ(M::A::syrkd(12, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
-                          reinterpret_cast<typename M::C *>(c12.data()), 101, I(7)),
+    ASSERT_EQ(M::A::syrkd(op_c, h.h, to_c<typename M::C>(alpha), to_c<typename M::C>(beta),
+                          reinterpret_cast<typename M::C *>(c12.data()), row_major, I(7)),
               0);
     EXPECT_EQ(std::memcmp(c11.data(), c12.data(), c11.size() * sizeof(T)), 0);
     typename M::A::handle *p11 = nullptr, *p12 = nullptr;
-    ASSERT_EQ(M::A::syrk(11, h.h, &p11), 0);
-    ASSERT_EQ(M::A::syrk(12, h.h, &p12), 0);
+    ASSERT_EQ(M::A::syrk(op_t, h.h, &p11), ok);
+    ASSERT_EQ(M::A::syrk(op_c, h.h, &p12), ok);
     const auto &r11 = result_of<M>(p11), &r12 = result_of<M>(p12);
     ASSERT_EQ(r11.nnz, r12.nnz);
     EXPECT_EQ(std::memcmp(r11.col_indx, r12.col_indx, r11.nnz * sizeof(I)), 0);
@@ -220,11 +220,11 @@ TYPED_TEST(SparseSyrk, SparseResultMatchesReference)
                 auto a = random_matrix<T, I>(s.rows, s.cols, s.density, base, 21 + base, shuffled);
                 handle_holder<M> h(a);
                 const auto d = widened(a);
-                for (int op : {10, 11, 12}) {
+                for (int op : {op_n, op_t, op_c}) {
                     SCOPED_TRACE(::testing::Message() << "op " << op << " base " << base << " shuffled " << shuffled
                                                       << " cols " << s.cols);
                     typename M::A::handle *c = nullptr;
-                    ASSERT_EQ(M::A::syrk(op, h.h, &c), 0);
+                    ASSERT_EQ(M::A::syrk(op, h.h, &c), ok);
                     EXPECT_EQ(c->format, ZEL_SPARSE_FORMAT_CSR);
                     EXPECT_EQ(c->data_type, h.h->data_type);
                     expect_sparse<M>(c, syrk_reference(d, a.rows, a.cols, op), base, 1);
@@ -270,7 +270,7 @@ template <class M> void expect_pairwise_sums(sparse<typename M::T, typename M::I
     const auto expected = pairwise_sums(a);
     handle_holder<M> h(a);
     typename M::A::handle *c = nullptr;
-    ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
+    ASSERT_EQ(M::A::syrk(op_n, h.h, &c), ok);
     const auto &r = result_of<M>(c);
     ASSERT_EQ(r.rows, a.rows);
     ASSERT_EQ(r.nnz, static_cast<I>(expected.size()));
@@ -297,8 +297,8 @@ template <class M> void expect_dense_pairwise_sums(sparse<typename M::T, typenam
     const int64_t m = a.rows;
     const T untouched = make_value<T>(-7.0, 3.0);
     std::vector<T> c(m * m, untouched);
-    ASSERT_EQ(M::A::syrkd(10, h.h, to_c<typename M::C>(T(1)), to_c<typename M::C>(T(0)),
-                          reinterpret_cast<typename M::C *>(c.data()), 101, I(m)),
+    ASSERT_EQ(M::A::syrkd(op_n, h.h, to_c<typename M::C>(T(1)), to_c<typename M::C>(T(0)),
+                          reinterpret_cast<typename M::C *>(c.data()), row_major, I(m)),
               0);
     for (int64_t i = 0; i < m; ++i)
         for (int64_t j = 0; j < m; ++j) {
@@ -505,19 +505,19 @@ TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
     using C = typename M::C;
     auto a = random_matrix<T, I>(15, 12, 0.3, 1, 9);
     handle_holder<M> h(a);
-    for (int op : {10, 11}) {
+    for (int op : {op_n, op_t}) {
         typename M::A::handle *full = nullptr;
-        ASSERT_EQ(M::A::syrk(op, h.h, &full), 0);
+        ASSERT_EQ(M::A::syrk(op, h.h, &full), ok);
         const auto &r = result_of<M>(full);
         const I dim = r.rows;
         std::vector<I> rows_start(dim + 1);
         I nnz = -1;
-        ASSERT_EQ(M::A::count(op, h.h, rows_start.data(), &nnz), 0);
+        ASSERT_EQ(M::A::count(op, h.h, rows_start.data(), &nnz), ok);
         ASSERT_EQ(nnz, r.nnz);
         EXPECT_EQ(std::memcmp(rows_start.data(), r.rows_start, (dim + 1) * sizeof(I)), 0);
         std::vector<I> col(nnz);
         std::vector<T> val(nnz);
-        ASSERT_EQ(M::A::fill(op, h.h, rows_start.data(), col.data(), val.data()), 0);
+        ASSERT_EQ(M::A::fill(op, h.h, rows_start.data(), col.data(), val.data()), ok);
         EXPECT_EQ(std::memcmp(col.data(), r.col_indx, nnz * sizeof(I)), 0);
         EXPECT_EQ(std::memcmp(val.data(), r.values, nnz * sizeof(T)), 0);
 
@@ -526,14 +526,14 @@ TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
         auto z = random_matrix<T, I>(15, 12, 0.3, 0, 9);
         handle_holder<M> hz(z);
         typename M::A::handle *zfull = nullptr;
-        ASSERT_EQ(M::A::syrk(op, hz.h, &zfull), 0); // builds and caches the transposed record
+        ASSERT_EQ(M::A::syrk(op, hz.h, &zfull), ok); // builds and caches the transposed record
         const auto &zr = *static_cast<typename M::A::record *>(hz.h->data);
         const auto &t = *hz.h->transposed;
         const C *tv = static_cast<const C *>(M::complex ? t.aux : t.values);
         C *v = reinterpret_cast<C *>(&v); // non-null garbage must come back null from stage 91
         I *ci = reinterpret_cast<I *>(&ci);
         I *rs = nullptr;
-        ASSERT_EQ(M::A::stage(91, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
+        ASSERT_EQ(M::A::stage(stage_count, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
                               zr.rows_start, zr.rows_end, 0, tv, t.col_indx, t.rows_start, t.rows_end, 1, &v, &ci,
                               &rs),
                   0);
@@ -542,7 +542,7 @@ TYPED_TEST(SparseSyrk, TwoStageFormAndStagesAgreeWithTheProduct)
         ASSERT_NE(rs, nullptr);
         EXPECT_EQ(rs[0], 1);
         EXPECT_EQ(rs[dim] - 1, result_of<M>(zfull).nnz);
-        ASSERT_EQ(M::A::stage(92, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
+        ASSERT_EQ(M::A::stage(stage_fill, op, zr.rows, zr.cols, 0, static_cast<const C *>(zr.values), zr.col_indx,
                               zr.rows_start, zr.rows_end, 0, tv, t.col_indx, t.rows_start, t.rows_end, 1, &v, &ci,
                               &rs),
                   0);
@@ -608,14 +608,14 @@ TYPED_TEST(SparseSyrk, RightRowLeftOfChunkStart)
     ASSERT_EQ(M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()),
                              L2.indices.data(), L2.starts.data(), L2.starts.data() + 1, 0,
                              reinterpret_cast<const C *>(R2.values.data()), R2.indices.data(), R2.starts.data(),
-                             R2.starts.data() + 1, reinterpret_cast<C *>(c.data()), 101, 8),
+                             R2.starts.data() + 1, reinterpret_cast<C *>(c.data()), row_major, 8),
               0);
     expect_dense(c, c0, ref, 8, false, T(1), T(0));
 
     // Sparse result of the same pair (operation 10: L first, R second).
     C *v = nullptr;
     I *ci = nullptr, *rs = nullptr;
-    ASSERT_EQ(M::A::stage(90, 10, 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()), L2.indices.data(),
+    ASSERT_EQ(M::A::stage(stage_full, op_n, 8, 5, 0, reinterpret_cast<const C *>(L2.values.data()), L2.indices.data(),
                           L2.starts.data(), L2.starts.data() + 1, 0,
                           reinterpret_cast<const C *>(R2.values.data()), R2.indices.data(), R2.starts.data(),
                           R2.starts.data() + 1, 0, &v, &ci, &rs),
@@ -649,10 +649,10 @@ TYPED_TEST(SparseSyrk, ZeroRowsAndEmptyPatterns)
         none.starts = {base};
         handle_holder<M> h(none);
         T sentinel = make_value<T>(3.0, 1.0);
-        ASSERT_EQ(M::A::syrkd(10, h.h, to_c<C>(T(1)), to_c<C>(T(0)), reinterpret_cast<C *>(&sentinel), 101, I(1)), 0);
+        ASSERT_EQ(M::A::syrkd(op_n, h.h, to_c<C>(T(1)), to_c<C>(T(0)), reinterpret_cast<C *>(&sentinel), row_major, I(1)), ok);
         EXPECT_EQ(widen(sentinel), cd(3.0, M::complex ? 1.0 : 0.0));
         typename M::A::handle *c = nullptr;
-        ASSERT_EQ(M::A::syrk(10, h.h, &c), 0);
+        ASSERT_EQ(M::A::syrk(op_n, h.h, &c), ok);
         EXPECT_EQ(result_of<M>(c).rows, 0);
         EXPECT_EQ(result_of<M>(c).rows_start[0], base);
         EXPECT_EQ(result_of<M>(c).nnz, 0);
@@ -660,9 +660,9 @@ TYPED_TEST(SparseSyrk, ZeroRowsAndEmptyPatterns)
         // Aᵀ·A of no rows: C = beta·C on the upper triangle, a 4×4 result without entries.
         auto c0 = initial_c<T>(4, 4, true, false, 2);
         auto cc = c0;
-        ASSERT_EQ(M::A::syrkd(11, h.h, to_c<C>(T(1)), to_c<C>(T(0.5)), reinterpret_cast<C *>(cc.data()), 102, I(4)), 0);
+        ASSERT_EQ(M::A::syrkd(op_t, h.h, to_c<C>(T(1)), to_c<C>(T(0.5)), reinterpret_cast<C *>(cc.data()), col_major, I(4)), ok);
         expect_dense(cc, c0, syrk_reference(widened(none), 0, 4, 11), 4, true, T(1), T(0.5));
-        ASSERT_EQ(M::A::syrk(11, h.h, &c), 0);
+        ASSERT_EQ(M::A::syrk(op_t, h.h, &c), ok);
         ASSERT_EQ(result_of<M>(c).rows, 4);
         for (int i = 0; i <= 4; ++i)
             EXPECT_EQ(result_of<M>(c).rows_start[i], base);
@@ -675,8 +675,8 @@ TYPED_TEST(SparseSyrk, ZeroRowsAndEmptyPatterns)
         empty.index_base = base;
         empty.starts.assign(6, base);
         handle_holder<M> he(empty);
-        for (int op : {10, 12}) {
-            ASSERT_EQ(M::A::syrk(op, he.h, &c), 0);
+        for (int op : {op_n, op_c}) {
+            ASSERT_EQ(M::A::syrk(op, he.h, &c), ok);
             EXPECT_EQ(result_of<M>(c).nnz, 0);
             EXPECT_EQ(result_of<M>(c).rows_start[result_of<M>(c).rows], base);
             M::A::destroy(c);
@@ -694,10 +694,10 @@ TYPED_TEST(SparseSyrk, BlockResultMatchesReference)
             auto a = random_matrix<T, I>(6, 5, 0.3, base, 40 + block, base == 1, block);
             handle_holder<M> h(a);
             const auto d = widened(a);
-            for (int op : {10, 11}) {
+            for (int op : {op_n, op_t}) {
                 SCOPED_TRACE(::testing::Message() << "op " << op << " block " << block << " base " << base);
                 typename M::A::handle *c = nullptr;
-                ASSERT_EQ(M::A::syrk(op, h.h, &c), 0);
+                ASSERT_EQ(M::A::syrk(op, h.h, &c), ok);
                 EXPECT_EQ(c->format, ZEL_SPARSE_FORMAT_BSR);
                 EXPECT_EQ(result_of<M>(c).block_size, block);
                 EXPECT_EQ(result_of<M>(c).block_layout, base);
@@ -740,18 +740,18 @@ template <class M> void check_real_matrix(const char *name)
     auto a = from_triplets<T, I>(zel::test::read_matrix_market(dir + "/" + name));
     handle_holder<M> h(a);
     const auto d = widened(a);
-    for (int op : {10, 11}) {
+    for (int op : {op_n, op_t}) {
         SCOPED_TRACE(::testing::Message() << name << " op " << op);
         const reference ref = syrk_reference(d, a.rows, a.cols, op);
         const int64_t m = ref.m;
-        const auto c0 = initial_c<T>(m, m, op == 11, true, 4);
+        const auto c0 = initial_c<T>(m, m, op == op_t, true, 4);
         auto c = c0;
         ASSERT_EQ(M::A::syrkd(op, h.h, to_c<typename M::C>(T(1)), to_c<typename M::C>(T(0)),
-                              reinterpret_cast<typename M::C *>(c.data()), op == 11 ? 102 : 101, I(m)),
+                              reinterpret_cast<typename M::C *>(c.data()), op == op_t ? col_major : row_major, I(m)),
                   0);
-        expect_dense(c, c0, ref, m, op == 11, T(1), T(0));
+        expect_dense(c, c0, ref, m, op == op_t, T(1), T(0));
         typename M::A::handle *s = nullptr;
-        ASSERT_EQ(M::A::syrk(op, h.h, &s), 0);
+        ASSERT_EQ(M::A::syrk(op, h.h, &s), ok);
         expect_sparse<M>(s, ref, 0, 1);
         M::A::destroy(s);
     }

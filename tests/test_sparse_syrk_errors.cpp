@@ -23,31 +23,31 @@ TYPED_TEST(SparseSyrkErrors, DenseEntryChecksInOrderAndLeavesCAlone)
     typename M::A::handle *coo = nullptr;
     std::vector<I> rows{0, 1}, cols{1, 2};
     std::vector<T> vals{T(1), T(2)};
-    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 2, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), 0);
+    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 2, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), ok);
     const std::vector<T> c0(16, make_value<T>(7.0, -7.0));
     auto c = c0;
     C *cp = reinterpret_cast<C *>(c.data());
     const C one = to_c<C>(T(1)), zero = to_c<C>(T(0));
     auto call = [&](int op, typename M::A::handle *h, C *target, I ldc) {
-        return M::A::syrkd(op, h, one, zero, target, 101, ldc);
+        return M::A::syrkd(op, h, one, zero, target, row_major, ldc);
     };
-    EXPECT_EQ(call(10, by_rows.h, nullptr, 4), 1);
-    EXPECT_EQ(call(10, nullptr, cp, 4), 1);
-    EXPECT_EQ(call(13, nullptr, cp, 4), 1); // the null handle is found first
-    EXPECT_EQ(call(9, by_rows.h, cp, 4), 3);
-    EXPECT_EQ(call(13, coo, cp, 4), 3); // before the format
-    EXPECT_EQ(call(10, by_rows.h, cp, -1), 3);
-    EXPECT_EQ(call(10, coo, cp, 4), 6);
-    EXPECT_EQ(call(11, by_blocks.h, cp, 4), 6);
+    EXPECT_EQ(call(op_n, by_rows.h, nullptr, 4), not_initialized);
+    EXPECT_EQ(call(op_n, nullptr, cp, 4), not_initialized);
+    EXPECT_EQ(call(13, nullptr, cp, 4), not_initialized); // the null handle is found first
+    EXPECT_EQ(call(9, by_rows.h, cp, 4), invalid);
+    EXPECT_EQ(call(13, coo, cp, 4), invalid); // before the format
+    EXPECT_EQ(call(op_n, by_rows.h, cp, -1), invalid);
+    EXPECT_EQ(call(op_n, coo, cp, 4), not_supported);
+    EXPECT_EQ(call(op_t, by_blocks.h, cp, 4), not_supported);
     void *data = by_rows.h->data;
     by_rows.h->data = nullptr;
-    EXPECT_EQ(call(10, by_rows.h, cp, 4), 5);
+    EXPECT_EQ(call(op_n, by_rows.h, cp, 4), internal_error);
     by_rows.h->data = data;
     auto &record = *static_cast<typename M::A::record *>(data);
     void *values = record.values;
     record.values = nullptr;
-    EXPECT_EQ(call(10, by_rows.h, cp, 4), 6);
-    EXPECT_EQ(call(11, by_rows.h, cp, 4), 6);
+    EXPECT_EQ(call(op_n, by_rows.h, cp, 4), not_supported);
+    EXPECT_EQ(call(op_t, by_rows.h, cp, 4), not_supported);
     record.values = values;
     EXPECT_EQ(std::memcmp(c.data(), c0.data(), c.size() * sizeof(T)), 0);
     EXPECT_EQ(by_rows.h->transposed, nullptr); // nothing was built on the way out
@@ -63,43 +63,43 @@ TYPED_TEST(SparseSyrkErrors, SparseProductStatuses)
     auto a = random_matrix<T, I>(4, 3, 0.5, 0, 2);
     handle_holder<M> csr(a);
     typename M::A::handle *result = nullptr;
-    EXPECT_EQ(M::A::syrk(10, nullptr, &result), 1);
-    EXPECT_EQ(M::A::syrk(10, csr.h, nullptr), 1);
-    EXPECT_EQ(M::A::syrk(13, csr.h, &result), 3);
+    EXPECT_EQ(M::A::syrk(op_n, nullptr, &result), not_initialized);
+    EXPECT_EQ(M::A::syrk(op_n, csr.h, nullptr), not_initialized);
+    EXPECT_EQ(M::A::syrk(13, csr.h, &result), invalid);
     typename M::A::handle *coo = nullptr;
     std::vector<I> rows{0}, cols{1};
     std::vector<T> vals{T(1)};
-    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 1, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), 0);
-    EXPECT_EQ(M::A::syrk(10, coo, &result), 6);
+    ASSERT_EQ(M::A::create_coo(&coo, 0, 4, 3, 1, rows.data(), cols.data(), reinterpret_cast<C *>(vals.data())), ok);
+    EXPECT_EQ(M::A::syrk(op_n, coo, &result), not_supported);
     M::A::destroy(coo);
     // A BSR matrix whose block order does not pair with its index base.
     typename M::A::handle *odd = nullptr;
-    ASSERT_EQ(M::A::create_bsr(&odd, 0, 102, a.rows, a.cols, 1, a.starts.data(), a.starts.data() + 1,
+    ASSERT_EQ(M::A::create_bsr(&odd, 0, col_major, a.rows, a.cols, 1, a.starts.data(), a.starts.data() + 1,
                                a.indices.data(), reinterpret_cast<C *>(a.values.data())),
               0);
-    EXPECT_EQ(M::A::syrk(10, odd, &result), 6);
+    EXPECT_EQ(M::A::syrk(op_n, odd, &result), not_supported);
     M::A::destroy(odd);
     void *data = csr.h->data;
     csr.h->data = nullptr;
-    EXPECT_EQ(M::A::syrk(10, csr.h, &result), 5);
+    EXPECT_EQ(M::A::syrk(op_n, csr.h, &result), internal_error);
     csr.h->data = data;
     auto &record = *static_cast<typename M::A::record *>(data);
     void *values = record.values;
     record.values = nullptr;
-    EXPECT_EQ(M::A::syrk(11, csr.h, &result), 6);
+    EXPECT_EQ(M::A::syrk(op_t, csr.h, &result), not_supported);
     record.values = values;
     EXPECT_EQ(result, nullptr);
 
     std::vector<I> rows_start(5);
     I nnz = 0;
-    EXPECT_EQ(M::A::count(10, csr.h, nullptr, &nnz), 1);
-    EXPECT_EQ(M::A::count(10, csr.h, rows_start.data(), nullptr), 1);
-    EXPECT_EQ(M::A::count(12, nullptr, rows_start.data(), &nnz), 1);
-    ASSERT_EQ(M::A::count(10, csr.h, rows_start.data(), &nnz), 0);
+    EXPECT_EQ(M::A::count(op_n, csr.h, nullptr, &nnz), not_initialized);
+    EXPECT_EQ(M::A::count(op_n, csr.h, rows_start.data(), nullptr), not_initialized);
+    EXPECT_EQ(M::A::count(op_c, nullptr, rows_start.data(), &nnz), not_initialized);
+    ASSERT_EQ(M::A::count(op_n, csr.h, rows_start.data(), &nnz), ok);
     ASSERT_GT(nnz, 0);
-    EXPECT_EQ(M::A::fill(10, csr.h, nullptr, nullptr, nullptr), 1);
-    EXPECT_EQ(M::A::fill(10, csr.h, rows_start.data(), nullptr, nullptr), 1);
-    EXPECT_EQ(M::A::fill(14, csr.h, rows_start.data(), nullptr, nullptr), 3);
+    EXPECT_EQ(M::A::fill(op_n, csr.h, nullptr, nullptr, nullptr), not_initialized);
+    EXPECT_EQ(M::A::fill(op_n, csr.h, rows_start.data(), nullptr, nullptr), not_initialized);
+    EXPECT_EQ(M::A::fill(14, csr.h, rows_start.data(), nullptr, nullptr), invalid);
 }
 
 namespace {
@@ -113,7 +113,7 @@ template <class M> struct stage_operands {
     const typename M::A::record *t;
     explicit stage_operands(typename M::A::handle *handle) : h(handle)
     {
-        EXPECT_EQ(M::A::transpose(h, M::complex ? 12 : 11), 0);
+        EXPECT_EQ(M::A::transpose(h, M::complex ? 12 : 11), ok);
         a = static_cast<const typename M::A::record *>(h->data);
         t = h->transposed;
     }
@@ -166,11 +166,11 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
         ASSERT_GT(a.starts[i + 1] - a.starts[i], 16);
     handle_holder<M> h(a);
     stage_operands<M> ops(h.h);
-    for (int op : {10, 11}) {
+    for (int op : {op_n, op_t}) {
         C *v0 = nullptr;
         I *c0 = nullptr, *r0 = nullptr;
         ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
-        const I rows = op == 10 ? a.rows : a.cols;
+        const I rows = op == op_n ? a.rows : a.cols;
         // The driver's six arrays (start offsets, markers, row work, row pointer, columns, values)
         // fail the call; the numeric kernel's accumulator, one per chunk with long rows, only
         // changes its path.
@@ -180,7 +180,7 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
                 EXPECT_EQ(status, k < 6 ? 2 : 0) << "allocation " << k;
                 EXPECT_EQ(probe.live(), 0) << "allocation " << k;
             });
-        EXPECT_EQ(total, op == 10 ? 6 + 4 : 6);
+        EXPECT_EQ(total, op == op_n ? 6 + 4 : 6);
         zel_serv_free(v0);
         zel_serv_free(c0);
         zel_serv_free(r0);
@@ -189,7 +189,7 @@ TYPED_TEST(SparseSyrkErrors, StageFunctionFailsCleanlyAtEveryAllocation)
     // row buffers) only sends them down their plain paths, with the same result.
     const auto *t = h.h->transposed;
     const auto *r = static_cast<const typename M::A::record *>(h.h->data);
-    for (int layout : {101, 102}) {
+    for (int layout : {row_major, col_major}) {
         auto run = [&](std::vector<T> &c) {
             return M::A::n_driver(to_c<C>(T(1)), to_c<C>(T(0)), r->rows, r->cols, r->index_base,
                                   static_cast<const C *>(r->values), r->col_indx, r->rows_start, r->rows_end,
@@ -249,7 +249,7 @@ TYPED_TEST(SparseSyrkErrors, RepeatedShapesSurviveFailedScratch)
     auto a = banded_matrix<T, I>();
     handle_holder<M> h(a);
     stage_operands<M> ops(h.h);
-    for (int op : {10, 11}) {
+    for (int op : {op_n, op_t}) {
         C *v0 = nullptr;
         I *c0 = nullptr, *r0 = nullptr;
         ASSERT_EQ(ops.run(90, op, &v0, &c0, &r0), 0);
@@ -307,7 +307,7 @@ TYPED_TEST(SparseSyrkErrors, PublicProductFailsCleanly)
     using T = typename M::T;
     using I = typename M::I;
     for (bool shuffled : {false, true})
-        for (int op : {10, 12}) {
+        for (int op : {op_n, op_c}) {
             auto a = random_matrix<T, I>(8, 6, 0.35, 0, 4, shuffled);
             int64_t created = 0; // allocations of the handle itself
             {
