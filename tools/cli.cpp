@@ -49,11 +49,11 @@ int option_parser::next()
 {
     // A leading ':' makes a missing value come back as ':' rather than '?'; a leading '+' (stop
     // at the first operand) must stay first.
-    char spec[128];
+    char option_string[128];
     const bool stop_at_operand = short_options_[0] == '+';
-    std::snprintf(spec, sizeof spec, "%s:%s", stop_at_operand ? "+" : "", short_options_ + (stop_at_operand ? 1 : 0));
+    std::snprintf(option_string, sizeof option_string, "%s:%s", stop_at_operand ? "+" : "", short_options_ + (stop_at_operand ? 1 : 0));
     int long_index = -1;
-    const int code = getopt_long(argc_, argv_, spec, long_options_, &long_index);
+    const int code = getopt_long(argc_, argv_, option_string, long_options_, &long_index);
     const char *word = optind > 0 && optind <= argc_ ? argv_[optind - 1] : nullptr;
     if (code == -1)
         return -1;
