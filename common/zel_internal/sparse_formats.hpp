@@ -223,20 +223,17 @@ template <class T, class I> int build_coo(const source_view<I> &a, int operation
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
 
     int64_t k = 0;
-    I sorted = 1;
     I *rows = pairs.rows.get(), *cols = pairs.cols.get();
     for_each_entry(a, operation, [&](int64_t r, int64_t c, int64_t p) {
         rows[k] = I(r + a.base);
         cols[k] = I(c + a.base);
-        if (k > 0 && (rows[k] < rows[k - 1] || (rows[k] == rows[k - 1] && cols[k] < cols[k - 1])))
-            sorted = 0;
         if (pairs.values)
             pairs.values[k] = entry_value<T>(a.values, p, operation);
         ++k;
     });
 
     out = coo_t<I>{};
-    out.sorted = sorted;
+    out.sorted = pairs_sorted(rows, cols, k);
     out.rows = I(shape.rows);
     out.cols = I(shape.cols);
     out.nnz = I(k);

@@ -273,6 +273,15 @@ template <class T, class I> I slices_sorted(const compressed_view<T, I> &a)
     return 1;
 }
 
+// 1 when the coordinate pairs come in row-then-column order.
+template <class I> I pairs_sorted(const I *rows, const I *cols, int64_t count)
+{
+    for (int64_t k = 1; k < count; ++k)
+        if (rows[k] < rows[k - 1] || (rows[k] == rows[k - 1] && cols[k] < cols[k - 1]))
+            return 0;
+    return 1;
+}
+
 // out = the slices of a packed end to end (three-array form), values with their entries.
 template <class T, class I> int pack_slices(const compressed_view<T, I> &a, owned_arrays<T, I> &out)
 {

@@ -86,19 +86,15 @@ int create_coo(handle_t<I> **A, int base, I rows, I cols, I nnz, I *row_indx, I 
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     if (nnz > 0 && (row_indx == nullptr || col_indx == nullptr || values == nullptr))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    I sorted = 1;
-    for (I k = 0; k < nnz; ++k) {
+    for (I k = 0; k < nnz; ++k)
         if (row_indx[k] < base || row_indx[k] - base >= rows || col_indx[k] < base || col_indx[k] - base >= cols)
             return ZEL_SPARSE_STATUS_INVALID_VALUE;
-        if (k > 0 && (row_indx[k] < row_indx[k - 1] || (row_indx[k] == row_indx[k - 1] && col_indx[k] < col_indx[k - 1])))
-            sorted = 0;
-    }
 
     scratch_array<coo_t<I>> record = zeroed_record<coo_t<I>>();
     if (!record)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     coo_t<I> &r = *record.get();
-    r.sorted = sorted;
+    r.sorted = pairs_sorted(row_indx, col_indx, nnz);
     r.rows = rows;
     r.cols = cols;
     r.nnz = nnz;
