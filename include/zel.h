@@ -13,5 +13,7 @@
 #include "zel/sparse_handle.h"
 #include "zel/sparse_transpose.h"
 #include "zel/sparse_syrk.h"
+#include "zel/pds.h"
+#include "zel/pds_solve.h"
 
 #endif

@@ -1,6 +1,7 @@
 // Locks, environment access, bounded strings, clock and process exit.
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -94,6 +95,11 @@ ZEL_API double zel_serv_dsecnd(void)
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+ZEL_API float zel_serv_libm_powf(float x, float y)
+{
+    return powf(x, y);
 }
 
 ZEL_API void zel_serv_exit(int code)

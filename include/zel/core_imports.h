@@ -4,5 +4,6 @@
 
 #include "zel/runtime.h"
 #include "zel/dense_kernels.h"
+#include "zel/pds_solve.h"
 
 #endif

@@ -46,6 +46,8 @@ ZEL_API size_t zel_serv_strnlen_s(const char *text, size_t max_length);
 ZEL_API int zel_serv_lsame(const char *a, const char *b);
 /* Wall-clock seconds from an arbitrary origin. */
 ZEL_API double zel_serv_dsecnd(void);
+/* x raised to the power y in single precision, as libm's powf computes it. */
+ZEL_API float zel_serv_libm_powf(float x, float y);
 /* Flushes the standard streams and ends the process with `code`. */
 ZEL_API void zel_serv_exit(int code);
 
