@@ -1,0 +1,80 @@
+// The solver object behind zel/pds.h: options, the analysis at the width it was given, the
+// kept matrix, the factor, and the statistics of the last run of each phase.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "kept_matrix.hpp"
+#include "numeric.hpp"
+#include "ordering.hpp"
+#include "zel/pds.h"
+#include "zel/pds_solve.h"
+
+struct zel_pds_solver {
+    virtual ~zel_pds_solver() = default;
+    virtual int analyse(const zel::solver::csr_pattern<int32_t> &a, zel::solver::csr_part part) = 0;
+    virtual int analyse(const zel::solver::csr_pattern<int64_t> &a, zel::solver::csr_part part) = 0;
+    virtual int factorise(const void *values) = 0;
+    virtual int solve(int64_t nrhs, const void *b, int64_t ldb, void *x, int64_t ldx) = 0;
+    virtual int export_factor(zel_pds_factor_i4 &out) const = 0;
+    virtual int export_factor(zel_pds_factor_i8 &out) const = 0;
+
+    int matrix_type = 0;
+    int data_type = 0;   // the sparse handle's code of the value type
+    int index_width = 0; // 4 or 8 once analysed
+    zel_pds_options options{};
+    zel_pds_statistics statistics{};
+    zel::scratch_array<int64_t> given_perm; // the caller's ordering, 0-based
+    int64_t given_n = -1;
+};
+
+namespace zel::solver {
+
+// Status values of the phase interface for the sparse ones the building blocks return.
+inline int pds_status(int sparse_status, int invalid = ZEL_PDS_STATUS_INVALID_VALUE)
+{
+    switch (sparse_status) {
+    case ZEL_SPARSE_STATUS_SUCCESS:
+        return ZEL_PDS_STATUS_SUCCESS;
+    case ZEL_SPARSE_STATUS_ALLOC_FAILED:
+        return ZEL_PDS_STATUS_ALLOC_FAILED;
+    default:
+        return invalid;
+    }
+}
+
+// One analysis and what the phases after it build, at index width I.
+template <class T, class I> struct analysis_state {
+    symbolic_factor<I> factor;
+    kept_matrix<I> matrix;
+    I base = 0;
+    scratch_array<T> values;   // the kept entries' values, from the last factorise
+    scratch_array<T> l_values; // the factor's panels
+    bool factored = false;
+    int64_t pattern_entries = 0; // of the analysed pattern, both triangles and the diagonal
+
+    int64_t bytes_held() const;
+};
+
+template <class T, class I> int64_t analysis_state<T, I>::bytes_held() const
+{
+    const symbolic_factor<I> &f = factor;
+    const int64_t indices = f.super_ptr.size() + f.col_ptr.size() + f.row_ptr.size() + f.row_index.size() +
+                            f.perm.size() + f.inv_perm.size() + f.super_parent.size() + matrix.row_ptr.size() +
+                            matrix.col_idx.size() + matrix.source.size();
+    return indices * int64_t(sizeof(I)) + int64_t(matrix.destination.size() * sizeof(int64_t)) +
+           int64_t((values.size() + l_values.size()) * sizeof(T));
+}
+
+ordering_method ordering_of(int option);
+int pds_ordering_code(ordering_method used);
+
+// The factorisation's workspace on top of what it keeps: the update buffer and its links.
+template <class T, class I> int64_t factorise_workspace(const symbolic_factor<I> &f)
+{
+    return f.stats.max_panel * int64_t(sizeof(T)) + (3 * int64_t(f.nsuper) + 2 * int64_t(f.n)) * int64_t(sizeof(I));
+}
+
+} // namespace zel::solver
