@@ -118,7 +118,7 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     if (m.caller_entries > 0 && values == nullptr)
         return ZEL_PDS_STATUS_INVALID_VALUE;
     if ((!state.values && !allocate(state.values, m.entries())) ||
-        (!state.l_values && !allocate(state.l_values, state.factor.stats.stored_values)))
+        (!state.l_values && !allocate_large(state.l_values, state.factor.stats.stored_values)))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     for (I p = 0; p < m.entries(); ++p)
         state.values[size_t(p)] = values[size_t(m.source[size_t(p)])];
