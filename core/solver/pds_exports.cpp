@@ -88,9 +88,10 @@ template <class I> int analyse_csr(zel_pds_solver *solver, I n, const I *row_ptr
 {
     if (solver == nullptr || (storage != ZEL_PDS_STORAGE_FULL && storage != ZEL_PDS_STORAGE_UPPER))
         return ZEL_PDS_STATUS_INVALID_VALUE;
-    const csr_pattern<I> a{n, I(base), row_ptr, col_idx};
-    if (base != 0 && base != 1)
+    // Even an empty matrix has its one row pointer.
+    if ((base != 0 && base != 1) || row_ptr == nullptr || row_ptr[0] != base)
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    const csr_pattern<I> a{n, I(base), row_ptr, col_idx};
     return solver->analyse(a, storage == ZEL_PDS_STORAGE_UPPER ? csr_part::upper : csr_part::full);
 }
 
