@@ -37,7 +37,7 @@ const suite_info suites[] = {
      3,
      {{"laplace3d", "7-point Laplacian on a 60^3 grid"},
       {"laplace2d", "5-point Laplacian on a 1000^2 grid"},
-      {"matrices", "the real positive definite test matrices (1138_bus, bcsstk13, ani4)"},
+      {"matrices", "the real positive definite test matrices (494_bus, 1138_bus, bcsstk13, ani4)"},
       {nullptr, nullptr}}},
     {nullptr, nullptr, nullptr, 0, 0, {{nullptr, nullptr}}},
 };
