@@ -2,8 +2,6 @@
 // the public phase interface; CHOLMOD runs in zel-bench-cholmod, a process of its own, on the same
 // matrix, once with its own ordering and once with the ordering zel chose (so that the factors'
 // sizes compare like for like).
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -136,9 +134,6 @@ double best_of(int repeats, const std::function<void()> &body)
     return best;
 }
 
-// The core calls the layer's solve driver; a layer without it cannot solve.
-bool solve_available() { return dlsym(RTLD_DEFAULT, "zel_pds_pds_slv_nrhs_seq_real") != nullptr; }
-
 struct zel_result {
     std::string failure; // the phase that failed and its status, or empty
     double analyse = 0, factorise = 0, solve1 = nan, solve16 = nan, residual = nan;
@@ -228,7 +223,7 @@ template <class I, class F> zel_result measure_zel(const upper_csr &a, int repea
         out.factorise = best_of(repeats, [&] { status |= zel_pds_d_factorise(s, a.value.data()); });
         if (!failed(status, "factorise", out)) {
             zel_pds_get_statistics(s, &out.stats);
-            if (!failed(export_perm<F>(s, out.perm), "export", out) && solve_available())
+            if (!failed(export_perm<F>(s, out.perm), "export", out))
                 solve_phase(s, a, repeats, out);
         }
     }
@@ -466,8 +461,6 @@ int run_solver_bench(const request &what)
                 "zeros of each side's supernodes. Ratios zel / cholmod: times below 1 and GFLOP/s above 1\n"
                 "mean zel is faster. Processor: %s, %s.\n",
                 what.repeats, processor_name().c_str(), processor_isa());
-    if (!solve_available())
-        std::printf("zel: this build's layer has no solve driver; zel's solves are not measured.\n");
     std::printf("\n");
     int status = 0;
     for (const solver_section &s : sections)
