@@ -172,6 +172,9 @@ template <class F> int export_perm(const zel_pds_solver *s, std::vector<int64_t>
     return status;
 }
 
+// The first failure of a series of calls is the one worth naming.
+void keep_first(int &status, int next) { status = status != ZEL_PDS_STATUS_SUCCESS ? status : next; }
+
 bool failed(int status, const char *phase, zel_result &out)
 {
     if (status != ZEL_PDS_STATUS_SUCCESS)
@@ -184,7 +187,7 @@ double best_solve(zel_pds_solver *s, int64_t n, int64_t nrhs, const std::vector<
                   int repeats, int &status)
 {
     status = zel_pds_d_solve(s, nrhs, b.data(), n, x.data(), n);
-    return best_of(repeats, [&] { status |= zel_pds_d_solve(s, nrhs, b.data(), n, x.data(), n); });
+    return best_of(repeats, [&] { keep_first(status, zel_pds_d_solve(s, nrhs, b.data(), n, x.data(), n)); });
 }
 
 // b = A·1 for one right-hand side, and the peer's block of 16 varied columns.
@@ -218,9 +221,9 @@ template <class I, class F> zel_result measure_zel(const upper_csr &a, int repea
     options.refinement_max_steps = 0;
     zel_pds_set_options(s, &options);
     int status = 0;
-    out.analyse = best_of(repeats, [&] { status |= analyse_upper(s, pattern); });
+    out.analyse = best_of(repeats, [&] { keep_first(status, analyse_upper(s, pattern)); });
     if (!failed(status, "analyse", out)) {
-        out.factorise = best_of(repeats, [&] { status |= zel_pds_d_factorise(s, a.value.data()); });
+        out.factorise = best_of(repeats, [&] { keep_first(status, zel_pds_d_factorise(s, a.value.data())); });
         if (!failed(status, "factorise", out)) {
             zel_pds_get_statistics(s, &out.stats);
             if (!failed(export_perm<F>(s, out.perm), "export", out))
