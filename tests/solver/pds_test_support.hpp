@@ -47,6 +47,7 @@ template <class T, class I> struct api;
         static constexpr auto factorise_sparse = zel_pds_factorise_sparse_##W;     \
         static constexpr auto export_factor = zel_pds_export_factor_##W;           \
         static constexpr auto create_csr = zel_sparse_##P##_create_csr_##W;        \
+        static constexpr auto create_csc = zel_sparse_##P##_create_csc_##W;        \
         static constexpr auto destroy_handle = zel_sparse_destroy_##W;             \
     };
 ZEL_SPARSE_MEMBERS(ZEL_TEST_PDS_API)

@@ -120,6 +120,33 @@ TYPED_TEST(PdsErrors, InvalidMatricesLeaveTheSolverAsItWas)
     EXPECT_EQ(M::A::analyse_csr(s, 1, ptr.data(), nullptr, 0, ZEL_PDS_STORAGE_FULL), invalid) << "null columns";
     EXPECT_EQ(M::A::analyse_csr(nullptr, 1, ptr.data(), idx.data(), 0, ZEL_PDS_STORAGE_FULL), invalid);
     EXPECT_EQ(M::A::analyse_sparse(s, nullptr, ZEL_PDS_STORAGE_FULL), invalid);
+    // Handles the solver cannot take: not square, compressed by columns, rows not back to back.
+    {
+        std::vector<I> starts{0, 2, 5, 8}, ends{2, 4, 8, 10}, cols{0, 1, 0, 1, 2, 1, 2, 3, 2, 3};
+        std::vector<T> values(10, T(1));
+        typename M::A::handle *h = nullptr;
+        ASSERT_EQ(M::A::create_csr(&h, 0, 3, 4, starts.data(), starts.data() + 1, cols.data(), c_ptr(values.data())),
+                  ZEL_SPARSE_STATUS_SUCCESS);
+        EXPECT_EQ(M::A::analyse_sparse(s, h, ZEL_PDS_STORAGE_FULL), invalid) << "3 × 4";
+        EXPECT_EQ(M::A::destroy_handle(h), ZEL_SPARSE_STATUS_SUCCESS);
+        starts.push_back(10);
+        ends.push_back(10);
+        ASSERT_EQ(M::A::create_csr(&h, 0, 4, 4, starts.data(), ends.data(), cols.data(), c_ptr(values.data())),
+                  ZEL_SPARSE_STATUS_SUCCESS);
+        EXPECT_EQ(M::A::analyse_sparse(s, h, ZEL_PDS_STORAGE_FULL), invalid) << "a gap after row 1";
+        EXPECT_EQ(M::A::destroy_handle(h), ZEL_SPARSE_STATUS_SUCCESS);
+        starts = {0, 2, 5, 8, 10};
+        ASSERT_EQ(M::A::create_csc(&h, 0, 4, 4, starts.data(), starts.data() + 1, cols.data(), c_ptr(values.data())),
+                  ZEL_SPARSE_STATUS_SUCCESS);
+        EXPECT_EQ(M::A::analyse_sparse(s, h, ZEL_PDS_STORAGE_FULL), invalid) << "compressed by columns";
+        EXPECT_EQ(M::A::destroy_handle(h), ZEL_SPARSE_STATUS_SUCCESS);
+        using other = api<std::conditional_t<std::is_same_v<T, double>, float, double>, I>;
+        std::vector<std::conditional_t<std::is_same_v<T, double>, float, double>> other_values(10, 1);
+        ASSERT_EQ(other::create_csr(&h, 0, 4, 4, starts.data(), starts.data() + 1, cols.data(), other_values.data()),
+                  ZEL_SPARSE_STATUS_SUCCESS);
+        EXPECT_EQ(M::A::analyse_sparse(s, h, ZEL_PDS_STORAGE_FULL), invalid) << "another value type";
+        EXPECT_EQ(M::A::destroy_handle(h), ZEL_SPARSE_STATUS_SUCCESS);
+    }
     EXPECT_EQ(factor_bytes<M>(s), before);
     // The old factor still solves the old matrix.
     std::mt19937_64 rng(2);

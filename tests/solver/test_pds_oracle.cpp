@@ -248,6 +248,66 @@ TYPED_TEST(PdsOracle, SparseHandleAgreesWithTheArrays)
     }
 }
 
+// The ordering asked for is the one used: on an arrow matrix (dense last row and column) the
+// natural order, the identity given, and minimum degree fill nothing, while the reverse order
+// eliminates the dense column first and fills the whole triangle.
+TYPED_TEST(PdsOracle, TheOrderingAskedForIsUsed)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    const sym_csr<T> a = structures<T>()[2].second;
+    const int64_t n = a.n, sparse_fill = 2 * n - 1, full_fill = n * (n + 1) / 2;
+    std::vector<I> identity(static_cast<size_t>(n)), reverse(static_cast<size_t>(n));
+    std::iota(identity.begin(), identity.end(), I(0));
+    std::iota(reverse.rbegin(), reverse.rend(), I(0));
+    const std::tuple<int, const std::vector<I> *, int64_t> cases[] = {
+        {ZEL_PDS_ORDERING_NATURAL, nullptr, sparse_fill}, {ZEL_PDS_ORDERING_AMD, nullptr, sparse_fill},
+        {ZEL_PDS_ORDERING_GIVEN, &identity, sparse_fill}, {ZEL_PDS_ORDERING_GIVEN, &reverse, full_fill}};
+    for (const auto &[ordering, given, fill] : cases) {
+        SCOPED_TRACE("ordering " + std::to_string(ordering) + (given == &reverse ? " reversed" : ""));
+        solver_holder s;
+        ASSERT_EQ(create<M>(s), ok);
+        const zel_pds_options o = options_with(ordering, 2, 0);
+        ASSERT_EQ(zel_pds_set_options(s, &o), ok);
+        if (given != nullptr) {
+            ASSERT_EQ(M::A::set_permutation(s, I(n), given->data()), ok);
+        }
+        const auto c = to_caller<T, I>(a, layouts()[3]);
+        ASSERT_EQ(analyse<M>(s, c), ok);
+        zel_pds_statistics st;
+        ASSERT_EQ(zel_pds_get_statistics(s, &st), ok);
+        EXPECT_EQ(st.factor_entries, fill) << "known before the values";
+        ASSERT_EQ(factorise<M>(s, c), ok);
+        ASSERT_NO_FATAL_FAILURE(expect_valid_solver_factor<M>(s, a));
+    }
+}
+
+// The index width is the last analysis's: a solver analysed at one width and then at the other
+// hands its factor back at the new width only, and solves.
+TYPED_TEST(PdsOracle, WidthFollowsTheLastAnalysis)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using J = std::conditional_t<sizeof(typename M::I) == 4, int64_t, int32_t>;
+    using O = member<T, J>;
+    const sym_csr<T> a = structures<T>()[6].second;
+    solver_holder s;
+    ASSERT_EQ(create<M>(s), ok);
+    const auto c = to_caller<T, typename M::I>(a, layouts()[1]);
+    const auto d = to_caller<T, J>(a, layouts()[2]);
+    ASSERT_EQ(analyse<M>(s, c), ok);
+    ASSERT_EQ(factorise<M>(s, c), ok);
+    ASSERT_EQ(analyse<O>(s, d), ok);
+    typename M::A::factor old_width;
+    ASSERT_EQ(factorise<O>(s, d), ok);
+    EXPECT_EQ(M::A::export_factor(s, &old_width), invalid);
+    ASSERT_NO_FATAL_FAILURE(expect_valid_solver_factor<O>(s, a));
+    std::mt19937_64 rng(2);
+    const dense_oracle<T> oracle(a, false);
+    solve_checked<O>(s, a, options_with(ZEL_PDS_ORDERING_AUTOMATIC), 2, a.n, a.n, false, rng, &oracle);
+}
+
 // Message level 0 prints nothing in any phase; level 1 reports the solve.
 TYPED_TEST(PdsOracle, PrintsOnlyWhenAsked)
 {
