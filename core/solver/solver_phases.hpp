@@ -113,10 +113,11 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
 {
     const double start = zel_serv_dsecnd();
     const kept_matrix<I> &m = state.matrix;
-    state.factored = false;
-    statistics.failed_column = -1;
+    // A refused argument changes nothing; from here on a failure drops the factor.
     if (m.caller_entries > 0 && values == nullptr)
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    state.factored = false;
+    statistics.failed_column = -1;
     if ((!state.values && !allocate(state.values, m.entries())) ||
         (!state.l_values && !allocate(state.l_values, state.factor.stats.stored_values)))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
