@@ -369,6 +369,48 @@ TYPED_TEST(PdsErrors, BadArgumentsChangeNothing)
     ASSERT_NO_FATAL_FAILURE(expect_usable<M>(s, a));
 }
 
+// A factor whose sizes pass 32 bits: an arrow matrix (3n entries) whose dense column is
+// eliminated first fills the whole triangle, n(n + 1)/2 > 2³¹ entries. At 32-bit width the
+// analysis says TOO_LARGE and keeps the analysis from before; at 64-bit width it succeeds and
+// reports the size (nothing is factorised).
+TYPED_TEST(PdsErrors, FactorBeyondTheIndexWidth)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    using I = typename M::I;
+    const int64_t n = 66000, entries = n * (n + 1) / 2;
+    ASSERT_GT(entries, int64_t(INT32_MAX));
+    std::vector<I> ptr{0}, idx, order(static_cast<size_t>(n));
+    for (int64_t i = 0; i < n; ++i) { // upper triangle: row 0 dense, then the diagonal
+        for (int64_t j = i; j < (i == 0 ? n : i + 1); ++j)
+            idx.push_back(I(j));
+        ptr.push_back(I(idx.size()));
+    }
+    std::iota(order.begin(), order.end(), I(0));
+    solver_holder s;
+    ASSERT_EQ(create<M>(s), ok);
+    const sym_csr<T> small = structures<T>()[1].second;
+    ASSERT_NO_FATAL_FAILURE(expect_usable<M>(s, small));
+    const std::vector<unsigned char> before = factor_bytes<M>(s);
+    const zel_pds_options o = options_with(ZEL_PDS_ORDERING_GIVEN);
+    ASSERT_EQ(zel_pds_set_options(s, &o), ok);
+    ASSERT_EQ(M::A::set_permutation(s, I(n), order.data()), ok);
+    const int status = M::A::analyse_csr(s, I(n), ptr.data(), idx.data(), 0, ZEL_PDS_STORAGE_UPPER);
+    zel_pds_statistics st;
+    ASSERT_EQ(zel_pds_get_statistics(s, &st), ok);
+    if (sizeof(I) == 4) {
+        EXPECT_EQ(status, ZEL_PDS_STATUS_TOO_LARGE);
+        EXPECT_EQ(factor_bytes<M>(s), before) << "the factor from before is gone";
+        EXPECT_EQ(st.n, small.n);
+    } else {
+        ASSERT_EQ(status, ok);
+        EXPECT_EQ(st.n, n);
+        EXPECT_EQ(st.factor_entries, entries);
+        EXPECT_GE(st.memory_estimate, entries * int64_t(sizeof(T)));
+    }
+    ASSERT_NO_FATAL_FAILURE(expect_usable<M>(s, small));
+}
+
 // n = 0 is an empty system: every phase succeeds and no array is touched.
 TYPED_TEST(PdsErrors, EmptySystem)
 {
