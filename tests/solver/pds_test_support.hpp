@@ -499,38 +499,34 @@ void expect_solution(const sym_csr<T> &a, int operation, const block<T> &b, cons
     }
 }
 
-// The factor's arrays (zel_pds_export_factor_*) against their invariants, the statistics
-// against the factor, and the factor against the matrix: L·Lᴴ = P·A·Pᵀ, entry by entry for
-// small n, through a random product at any n.
-template <class M>
-void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename M::T> &a, const zel_pds_statistics &st)
+// Sizes of a factor as the statistics report them, summed over its supernodes.
+struct factor_sizes {
+    int64_t entries = 0, max_rows = 0, max_cols = 0;
+    double flops = 0;
+};
+
+// The factor's arrays (zel_pds_export_factor_*) against their invariants: a permutation,
+// supernodes covering 1 … n, each panel nrows long in every column, row lists with the own
+// columns first and then strictly ascending rows beyond them, and the rows below a supernode
+// present in the supernode of the first of them (its updates have somewhere to land).
+template <class M> void expect_factor_structure(const typename M::A::factor &f, factor_sizes &sizes)
 {
-    using T = typename M::T;
     using I = typename M::I;
     const int64_t n = f.n, ns = f.nsuper;
-    ASSERT_EQ(n, a.n);
     ASSERT_TRUE(ns >= (n > 0) && ns <= n) << "nsuper " << ns;
     ASSERT_TRUE(f.u_col_ptr == nullptr && f.u_values == nullptr && f.row_pivots == nullptr && f.col_pivots == nullptr);
     ASSERT_TRUE(n == 0 || (f.super_ptr && f.col_ptr && f.row_ptr && f.row_index && f.l_values && f.perm));
     if (n == 0)
         return;
-    // The permutation.
-    std::vector<int64_t> inverse(static_cast<size_t>(n), -1);
+    std::vector<bool> seen(static_cast<size_t>(n), false);
     for (int64_t k = 0; k < n; ++k) {
-        ASSERT_TRUE(f.perm[k] >= 0 && f.perm[k] < n && inverse[f.perm[k]] < 0) << "perm[" << k << "]";
-        inverse[f.perm[k]] = k;
+        ASSERT_TRUE(f.perm[k] >= 0 && f.perm[k] < n && !seen[f.perm[k]]) << "perm[" << k << "]";
+        seen[f.perm[k]] = true;
     }
-    // Supernodes, panels and row lists, 1-based.
-    ASSERT_EQ(f.super_ptr[0], 1);
-    ASSERT_EQ(f.super_ptr[ns], n + 1);
-    ASSERT_EQ(f.row_ptr[0], 1);
-    ASSERT_EQ(f.col_ptr[0], 1);
+    ASSERT_TRUE(f.super_ptr[0] == 1 && f.super_ptr[ns] == n + 1 && f.row_ptr[0] == 1 && f.col_ptr[0] == 1);
     std::vector<int64_t> owner(static_cast<size_t>(n));
-    int64_t trapezoid = 0, max_rows = 0, max_cols = 0;
-    double flops = 0;
     for (int64_t s = 0; s < ns; ++s) {
-        ASSERT_LT(f.super_ptr[s], f.super_ptr[s + 1]) << "super_ptr at " << s;
-        ASSERT_LT(f.row_ptr[s], f.row_ptr[s + 1]) << "row_ptr at " << s;
+        ASSERT_TRUE(f.super_ptr[s] < f.super_ptr[s + 1] && f.row_ptr[s] < f.row_ptr[s + 1]) << "supernode " << s;
         const int64_t first = f.super_ptr[s] - 1, cols = f.super_ptr[s + 1] - 1 - first;
         const int64_t rows = f.row_ptr[s + 1] - f.row_ptr[s];
         ASSERT_GE(rows, cols) << "supernode " << s;
@@ -539,17 +535,15 @@ void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename 
             owner[first + t] = s;
             ASSERT_EQ(list[t], first + t + 1) << "own column " << t << " of supernode " << s;
             ASSERT_EQ(f.col_ptr[first + t + 1] - f.col_ptr[first + t], rows) << "column " << first + t;
-            flops += double(rows - t) * double(rows - t);
+            sizes.flops += double(rows - t) * double(rows - t);
         }
         for (int64_t r = cols; r < rows; ++r)
             ASSERT_TRUE(list[r] > (r == cols ? first + cols : list[r - 1]) && list[r] <= n)
                 << "row " << r << " of supernode " << s;
-        trapezoid += cols * (cols + 1) / 2 + cols * (rows - cols);
-        max_rows = std::max(max_rows, rows);
-        max_cols = std::max(max_cols, cols);
+        sizes.entries += cols * (cols + 1) / 2 + cols * (rows - cols);
+        sizes.max_rows = std::max(sizes.max_rows, rows);
+        sizes.max_cols = std::max(sizes.max_cols, cols);
     }
-    // Each supernode's rows below its columns lie in the supernode of the first of them: the
-    // updates it sends have somewhere to land.
     for (int64_t s = 0; s < ns; ++s) {
         const int64_t cols = f.super_ptr[s + 1] - f.super_ptr[s], rows = f.row_ptr[s + 1] - f.row_ptr[s];
         if (rows == cols)
@@ -561,25 +555,34 @@ void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename 
             ASSERT_TRUE(std::binary_search(parent, parent_end, list[r]))
                 << "row " << list[r] << " of supernode " << s << " missing from supernode " << p;
     }
-    // The statistics describe this factor.
-    EXPECT_EQ(st.n, n);
-    EXPECT_EQ(st.supernodes, ns);
-    EXPECT_EQ(st.factor_entries, trapezoid);
-    EXPECT_EQ(st.max_supernode_rows, max_rows);
-    EXPECT_EQ(st.max_supernode_cols, max_cols);
-    EXPECT_EQ(st.factor_flops, (M::complex ? 4 : 1) * flops);
-    EXPECT_EQ(st.matrix_entries, a.entries());
-    EXPECT_EQ(st.failed_column, -1);
-    EXPECT_GT(st.memory_used, 0);
-    EXPECT_LE(st.memory_used, st.memory_estimate);
+}
 
-    // L column by column (rows in factored numbering), and the diagonal blocks' mirror.
+// The statistics describe the factor they came with.
+template <class M> void expect_statistics_of(const zel_pds_statistics &st, int64_t n, int64_t nsuper, const factor_sizes &z)
+{
+    EXPECT_EQ(st.n, n);
+    EXPECT_EQ(st.supernodes, nsuper);
+    EXPECT_EQ(st.factor_entries, z.entries);
+    EXPECT_EQ(st.max_supernode_rows, z.max_rows);
+    EXPECT_EQ(st.max_supernode_cols, z.max_cols);
+    EXPECT_EQ(st.factor_flops, (M::complex ? 4 : 1) * z.flops);
+    EXPECT_EQ(st.failed_column, -1);
+    EXPECT_LE(st.memory_used, st.memory_estimate);
+    EXPECT_TRUE(n == 0 || st.memory_used > 0);
+}
+
+// L column by column, rows in the factored numbering; checks on the way that each diagonal
+// is real and positive and that each diagonal block holds L11ᴴ above its diagonal.
+template <class M>
+void factor_columns(const typename M::A::factor &f, std::vector<std::vector<std::pair<int64_t, wide<typename M::T>>>> &out)
+{
+    using T = typename M::T;
     const T *values = static_cast<const T *>(f.l_values);
-    std::vector<std::vector<std::pair<int64_t, wide<T>>>> columns(static_cast<size_t>(n));
-    for (int64_t s = 0; s < ns; ++s) {
+    out.assign(static_cast<size_t>(f.n), {});
+    for (int64_t s = 0; s < f.nsuper; ++s) {
         const int64_t first = f.super_ptr[s] - 1, cols = f.super_ptr[s + 1] - 1 - first;
         const int64_t rows = f.row_ptr[s + 1] - f.row_ptr[s];
-        const I *list = f.row_index + (f.row_ptr[s] - 1);
+        const auto *list = f.row_index + (f.row_ptr[s] - 1);
         const T *panel = values + (f.col_ptr[first] - 1);
         for (int64_t t = 0; t < cols; ++t) {
             const T d = panel[t + t * rows];
@@ -587,14 +590,22 @@ void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename 
             for (int64_t u = t + 1; u < cols; ++u)
                 ASSERT_EQ(panel[t + u * rows], conj(panel[u + t * rows])) << "mirror in supernode " << s;
             for (int64_t r = t; r < rows; ++r)
-                columns[first + t].emplace_back(list[r] - 1, widen(panel[r + t * rows]));
+                out[first + t].emplace_back(list[r] - 1, widen(panel[r + t * rows]));
         }
     }
-    // Cholesky's backward error: |L·Lᴴ − P·A·Pᵀ| ≤ c·ε·|L|·|Lᴴ| entry by entry.
-    const long double c = (max_rows + 2) * 2 * eps<T>;
+}
+
+// L·Lᴴ against P·A·Pᵀ within Cholesky's backward error, |L·Lᴴ − P·A·Pᵀ| ≤ c·|L|·|Lᴴ|: entry by
+// entry for small n, applied to a random vector for any n.
+template <class T, class I>
+void expect_reconstruction(const std::vector<std::vector<std::pair<int64_t, wide<T>>>> &columns, const sym_csr<T> &a,
+                           const I *perm, long double c)
+{
+    const int64_t n = a.n;
+    const size_t nn = static_cast<size_t>(n);
     if (n <= 200) {
-        std::vector<wide<T>> product(static_cast<size_t>(n * n), wide<T>(0));
-        std::vector<long double> bound(static_cast<size_t>(n * n), 0);
+        std::vector<wide<T>> product(nn * nn, wide<T>(0));
+        std::vector<long double> bound(nn * nn, 0);
         for (const auto &column : columns)
             for (const auto &[i, li] : column)
                 for (const auto &[j, lj] : column) {
@@ -602,37 +613,50 @@ void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename 
                     bound[i * n + j] += std::abs(li) * std::abs(lj);
                 }
         for (int64_t i = 0; i < n; ++i)
-            for (int64_t j = 0; j < n; ++j) {
-                const wide<T> want = widen(a.at(f.perm[i], f.perm[j]));
-                ASSERT_LE(std::abs(product[i * n + j] - want), c * bound[i * n + j] + 0.0L)
+            for (int64_t j = 0; j < n; ++j)
+                ASSERT_LE(std::abs(product[i * n + j] - widen(a.at(perm[i], perm[j]))), c * bound[i * n + j])
                     << "L·Lᴴ at (" << i << ", " << j << ") of the permuted matrix";
-            }
         return;
     }
-    std::mt19937_64 rng(n);
-    std::vector<wide<T>> v(static_cast<size_t>(n)), w(static_cast<size_t>(n), wide<T>(0)), y(static_cast<size_t>(n), wide<T>(0));
-    std::vector<long double> av(static_cast<size_t>(n)), aw(static_cast<size_t>(n), 0), ay(static_cast<size_t>(n), 0);
+    std::mt19937_64 rng(nn);
+    std::vector<int64_t> inverse(nn);
+    std::vector<wide<T>> v(nn), w(nn, wide<T>(0)), y(nn, wide<T>(0));
+    std::vector<long double> av(nn), aw(nn, 0), ay(nn, 0);
     for (int64_t k = 0; k < n; ++k) {
+        inverse[perm[k]] = k;
         v[k] = widen(random_value<T>(rng));
         av[k] = std::abs(v[k]);
     }
-    for (int64_t k = 0; k < n; ++k) // w = Lᴴ·v
+    for (int64_t k = 0; k < n; ++k) // w = Lᴴ·v, then y = L·w
         for (const auto &[i, lik] : columns[k]) {
             w[k] += wide_conj(lik) * v[i];
             aw[k] += std::abs(lik) * av[i];
         }
-    for (int64_t k = 0; k < n; ++k) // y = L·w
+    for (int64_t k = 0; k < n; ++k)
         for (const auto &[i, lik] : columns[k]) {
             y[i] += lik * w[k];
             ay[i] += std::abs(lik) * aw[k];
         }
     for (int64_t i = 0; i < n; ++i) {
         wide<T> pap(0);
-        const int64_t row = f.perm[i];
-        for (int64_t p = a.ptr[row]; p < a.ptr[row + 1]; ++p)
+        for (int64_t p = a.ptr[perm[i]]; p < a.ptr[perm[i] + 1]; ++p)
             pap += widen(a.val[p]) * v[inverse[a.idx[p]]];
         ASSERT_LE(std::abs(y[i] - pap), c * ay[i]) << "(L·Lᴴ − P·A·Pᵀ)·v at row " << i;
     }
+}
+
+// The whole check of one factor of the matrix a, with the statistics that came with it.
+template <class M>
+void expect_valid_factor(const typename M::A::factor &f, const sym_csr<typename M::T> &a, const zel_pds_statistics &st)
+{
+    ASSERT_EQ(f.n, a.n);
+    factor_sizes sizes;
+    ASSERT_NO_FATAL_FAILURE(expect_factor_structure<M>(f, sizes));
+    expect_statistics_of<M>(st, f.n, f.nsuper, sizes);
+    EXPECT_EQ(st.matrix_entries, a.entries());
+    std::vector<std::vector<std::pair<int64_t, wide<typename M::T>>>> columns;
+    ASSERT_NO_FATAL_FAILURE(factor_columns<M>(f, columns));
+    expect_reconstruction(columns, a, f.perm, (sizes.max_rows + 2) * 2 * eps<typename M::T>);
 }
 
 // Exports the solver's factor and checks it.
