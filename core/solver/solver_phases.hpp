@@ -98,9 +98,9 @@ void solver_impl<T>::record_analysis(const analysis_state<T, I> &state, const or
     statistics.max_supernode_cols = st.max_cols;
     statistics.factor_flops = complex_factor * st.flops;
     statistics.solve_flops = complex_factor * 4.0 * double(st.factor_entries);
-    statistics.memory_estimate = state.bytes_held() +
-                                 (state.matrix.entries() + st.stored_values) * int64_t(sizeof(T)) +
-                                 factorise_workspace<T>(state.factor);
+    // Every array holds at least one element, an empty system's too.
+    const int64_t values = std::max<int64_t>(state.matrix.entries(), 1) + std::max<int64_t>(st.stored_values, 1);
+    statistics.memory_estimate = state.bytes_held() + values * int64_t(sizeof(T)) + factorise_workspace<T>(state.factor);
     statistics.refinement_steps = 0;
     statistics.failed_column = -1;
 }
