@@ -53,7 +53,8 @@ template <class M> class PdsOracle : public ::testing::Test {};
 TYPED_TEST_SUITE(PdsOracle, all_members, member_names);
 
 // Every structure, caller layout and ordering: the factor checked, then solves with A, Aᵀ and
-// Aᴴ against the dense solution, one right-hand side in place and several into a wider block.
+// Aᴴ against the dense solution, in place (one to three right-hand sides, ldb from n on) and
+// into a separate block (ldb and ldx beyond n).
 TYPED_TEST(PdsOracle, SolvesMatchTheDenseSolution)
 {
     using M = TypeParam;
@@ -90,7 +91,7 @@ TYPED_TEST(PdsOracle, SolvesMatchTheDenseSolution)
                 for (int op : operations) {
                     o.operation = op;
                     const dense_oracle<T> *oracle = op == ZEL_PDS_SOLVE_T && M::complex ? &conjugated : &plain;
-                    solve_checked<M>(s, a, o, 1, a.n, a.n, true, rng, oracle);
+                    solve_checked<M>(s, a, o, 1 + op, a.n + op, a.n + op, true, rng, oracle);
                     solve_checked<M>(s, a, o, 3, a.n + 3, a.n + 1, false, rng, oracle);
                 }
             }
