@@ -112,6 +112,7 @@ TYPED_TEST(PdsOracle, RefinementHonoursItsOptions)
     ASSERT_EQ(create<M>(s), ok);
     ASSERT_EQ(analyse<M>(s, c), ok);
     ASSERT_EQ(factorise<M>(s, c), ok);
+    ASSERT_NO_FATAL_FAILURE(expect_valid_solver_factor<M>(s, a));
     std::mt19937_64 rng(3);
     const block<T> b = random_block<T>(rng, a.n, 2, a.n);
     for (int steps : {0, 1, 10})
@@ -330,6 +331,7 @@ TYPED_TEST(PdsOracle, PrintsOnlyWhenAsked)
             EXPECT_EQ(analyse<M>(s, c), ok);
             EXPECT_EQ(factorise<M>(s, c), ok);
             EXPECT_EQ(M::A::solve(s, 1, c_ptr(b.data()), a.n, c_ptr(b.data()), a.n), ok);
+            expect_valid_solver_factor<M>(s, a);
         }
         const std::string printed = ::testing::internal::GetCapturedStdout();
         if (level == 0) {
