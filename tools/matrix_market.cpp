@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -152,8 +153,11 @@ bool parse_index(string_view text, int64_t &value)
     return code == std::errc() && end == text.data() + text.size();
 }
 
-// A value; a leading '+' is allowed, as C and Fortran write it.
-bool parse_value(string_view text, bool integer, double &value)
+enum class parsed { ok, bad, too_large, not_finite };
+
+// A value; a leading '+' is allowed, as C and Fortran write it. A value too small for a double
+// becomes 0 (or the nearest subnormal), as strtod makes it; one too large is refused.
+parsed parse_value(string_view text, bool integer, double &value)
 {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+')
         text.remove_prefix(1);
@@ -162,10 +166,17 @@ bool parse_value(string_view text, bool integer, double &value)
         int64_t whole = 0;
         const auto [end, code] = std::from_chars(first, last, whole);
         value = static_cast<double>(whole);
-        return code == std::errc() && end == last;
+        return end != last ? parsed::bad : code == std::errc() ? parsed::ok : parsed::too_large;
     }
     const auto [end, code] = std::from_chars(first, last, value);
-    return code == std::errc() && end == last;
+    if (end != last || (code != std::errc() && code != std::errc::result_out_of_range))
+        return parsed::bad;
+    if (code == std::errc::result_out_of_range) {
+        value = std::strtod(std::string(text).c_str(), nullptr);
+        if (std::isinf(value))
+            return parsed::too_large;
+    }
+    return std::isfinite(value) ? parsed::ok : parsed::not_finite;
 }
 
 // A shortened copy of a line for messages.
@@ -298,6 +309,20 @@ struct entry {
     std::complex<double> value;
 };
 
+// One value of the current line, or the message saying what is wrong with it.
+bool value_or_fail(reading &r, string_view text, bool integer, double &value)
+{
+    const parsed result = parse_value(text, integer, value);
+    const std::string shown = quoted(text);
+    if (result == parsed::bad)
+        return r.fail_at(r.lines.number(), "bad %s value '%s'", integer ? "integer" : "real", shown.c_str());
+    if (result == parsed::too_large)
+        return r.fail_at(r.lines.number(), "value '%s' is too large for a double", shown.c_str());
+    if (result == parsed::not_finite)
+        return r.fail_at(r.lines.number(), "value '%s' is not finite", shown.c_str());
+    return true;
+}
+
 bool parse_entry_words(reading &r, string_view line, entry &e)
 {
     const mm_header &h = r.header;
@@ -315,14 +340,9 @@ bool parse_entry_words(reading &r, string_view line, entry &e)
         return r.fail_at(r.lines.number(), "bad column index '%s'", quoted(w.token[1]).c_str());
     double re = 1.0, im = 0.0;
     const bool integer = h.field == mm_field::integer;
-    for (int k = 2; k < wanted; ++k) {
-        double &part = k == 2 ? re : im;
-        if (!parse_value(w.token[k], integer, part))
-            return r.fail_at(r.lines.number(), "bad %s value '%s'", integer ? "integer" : "real",
-                             quoted(w.token[k]).c_str());
-        if (!std::isfinite(part))
-            return r.fail_at(r.lines.number(), "value '%s' is not finite", quoted(w.token[k]).c_str());
-    }
+    for (int k = 2; k < wanted; ++k)
+        if (!value_or_fail(r, w.token[k], integer, k == 2 ? re : im))
+            return false;
     e.value = {re, im};
     return true;
 }
@@ -387,12 +407,9 @@ template <class V> bool read_array_values(reading &r, std::vector<V> &values)
         if (w.count != wanted)
             return r.fail_at(r.lines.number(), "a value of a %s array is %s, not '%s'", mm_field_name(h.field),
                              complex ? "'real imaginary'" : "one number", quoted(line).c_str());
-        for (int p = 0; p < wanted; ++p) {
-            if (!parse_value(w.token[p], h.field == mm_field::integer, part[p]))
-                return r.fail_at(r.lines.number(), "bad value '%s'", quoted(w.token[p]).c_str());
-            if (!std::isfinite(part[p]))
-                return r.fail_at(r.lines.number(), "value '%s' is not finite", quoted(w.token[p]).c_str());
-        }
+        for (int p = 0; p < wanted; ++p)
+            if (!value_or_fail(r, w.token[p], h.field == mm_field::integer, part[p]))
+                return false;
         if constexpr (std::is_same_v<V, double>)
             values.push_back(part[0]);
         else
