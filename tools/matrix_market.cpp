@@ -122,23 +122,21 @@ bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' |
 words split(string_view line)
 {
     words w;
-    size_t at = 0;
-    while (at < line.size()) {
-        while (at < line.size() && is_blank(line[at]))
+    const char *at = line.data(), *const end = at + line.size();
+    for (;;) {
+        while (at != end && is_blank(*at))
             ++at;
-        if (at == line.size())
-            break;
-        size_t stop = at;
-        while (stop < line.size() && !is_blank(line[stop]))
-            ++stop;
+        if (at == end)
+            return w;
         if (w.count == words::max_tokens) {
             ++w.count;
-            break;
+            return w;
         }
-        w.token[w.count++] = line.substr(at, stop - at);
-        at = stop;
+        const char *const start = at;
+        while (at != end && !is_blank(*at))
+            ++at;
+        w.token[w.count++] = string_view(start, static_cast<size_t>(at - start));
     }
-    return w;
 }
 
 bool equals_lower(string_view word, string_view lower)
@@ -313,14 +311,14 @@ struct entry {
 bool value_or_fail(reading &r, string_view text, bool integer, double &value)
 {
     const parsed result = parse_value(text, integer, value);
+    if (result == parsed::ok)
+        return true;
     const std::string shown = quoted(text);
     if (result == parsed::bad)
         return r.fail_at(r.lines.number(), "bad %s value '%s'", integer ? "integer" : "real", shown.c_str());
     if (result == parsed::too_large)
         return r.fail_at(r.lines.number(), "value '%s' is too large for a double", shown.c_str());
-    if (result == parsed::not_finite)
-        return r.fail_at(r.lines.number(), "value '%s' is not finite", shown.c_str());
-    return true;
+    return r.fail_at(r.lines.number(), "value '%s' is not finite", shown.c_str());
 }
 
 bool parse_entry_words(reading &r, string_view line, entry &e)
