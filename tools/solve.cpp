@@ -67,13 +67,16 @@ struct request {
     bool size_given = false;
 };
 
+// The index of the option's value among `count` words, or the usage message naming them.
 bool parse_word(const option_parser &parser, const char *const *words, int count, int &index)
 {
-    for (index = 0; index < count; ++index)
+    std::string choices;
+    for (index = 0; index < count; ++index) {
         if (std::strcmp(parser.value(), words[index]) == 0)
             return true;
-    usage_error(command_name, "%s wants one of %s, not '%s'", parser.spelling(),
-                count == 3 && std::strcmp(words[1], "spd") == 0 ? "auto, spd, hpd" : "auto, amd, nd", parser.value());
+        choices += (index > 0 ? ", " : "") + std::string(words[index]);
+    }
+    usage_error(command_name, "%s wants one of %s, not '%s'", parser.spelling(), choices.c_str(), parser.value());
     return false;
 }
 
