@@ -2,6 +2,7 @@
 #include "solve_problem.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -33,17 +34,17 @@ void transpose_pattern(const mm_matrix &a, std::vector<int64_t> &ptr, std::vecto
             idx[next[a.col_idx[k]]++] = i;
 }
 
+// The shortest text that reads back as the same double.
 std::string entry_text(const double &v)
 {
-    char text[48];
-    std::snprintf(text, sizeof text, "%.17g", v);
-    return text;
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof text, v).ptr);
 }
 
 std::string entry_text(const std::complex<double> &v)
 {
-    char text[96];
-    std::snprintf(text, sizeof text, "(%.17g, %.17g)", v.real(), v.imag());
+    std::string text = "(";
+    text.append(entry_text(v.real())).append(", ").append(entry_text(v.imag())).append(")");
     return text;
 }
 
