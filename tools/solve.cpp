@@ -193,6 +193,7 @@ struct linear_system {
     std::string name;       // the file, or the built-in problem
     std::string stored;     // what the file said
     std::string type_basis; // why the type was chosen
+    bool built_in = false;
     bool have_rhs = false;
     mm_dense b;
     double read_seconds = 0;
@@ -225,7 +226,8 @@ int load_matrix(const request &r, linear_system &s)
         s.a = laplacian_3d(r.size);
         const std::string side = std::to_string(r.size);
         s.name = "built-in 7-point Laplacian on a " + side + "×" + side + "×" + side + " grid";
-        s.stored = "generated, both triangles";
+        s.stored = "generated";
+        s.built_in = true;
     } else {
         phase_notice notice("reading the matrix");
         std::string error;
@@ -283,10 +285,9 @@ int choose_type(const request &r, linear_system &s)
     const bool was_real = !s.a.is_complex();
     if (complex_input || r.type == type_choice::hpd)
         make_complex(s.a);
-    bool structural = false;
-    const std::string obstacle = positive_definite_obstacle(s.a, structural);
-    if (!obstacle.empty())
-        return not_supported(s, structural ? obstacle : obstacle + ", so it is not positive definite");
+    const definite_candidate c = check_definite_candidate(s.a);
+    if (!c.obstacle.empty())
+        return not_supported(s, c.structural ? c.obstacle : c.obstacle + ", so it is not positive definite");
     if (r.type != type_choice::automatic)
         s.type_basis = std::string("asked for with --type ") + (r.type == type_choice::spd ? "spd" : "hpd");
     else if (s.a.is_complex() && was_real)
@@ -294,6 +295,12 @@ int choose_type(const request &r, linear_system &s)
     else
         s.type_basis = s.a.is_complex() ? "Hermitian values with a positive real diagonal"
                                         : "symmetric values with a positive diagonal";
+    if (c.asymmetry > 0) {
+        char text[96];
+        std::snprintf(text, sizeof text, " (the triangles differ by up to %.1e relative; the upper one is used)",
+                      c.asymmetry);
+        s.type_basis += text;
+    }
     return -1;
 }
 
@@ -512,6 +519,17 @@ const char *ordering_name(int code)
     }
 }
 
+// Seconds, or milliseconds below one second, in a column 10 wide.
+std::string duration(double seconds)
+{
+    char text[32];
+    if (seconds >= 1)
+        std::snprintf(text, sizeof text, "%7.2f s ", seconds);
+    else
+        std::snprintf(text, sizeof text, "%7.3g ms", seconds * 1e3);
+    return text;
+}
+
 double gflops(double flops, double seconds) { return seconds > 0 ? flops / seconds * 1e-9 : 0.0; }
 
 void print_report(const request &r, const linear_system &s, const outcome &o)
@@ -525,7 +543,7 @@ void print_report(const request &r, const linear_system &s, const outcome &o)
          complex ? "complex Hermitian positive definite" : "real symmetric positive definite",
          complex ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE,
          s.type_basis.c_str());
-    line("read", "%.3f s", s.read_seconds);
+    line(s.built_in ? "built" : "read", "%s", duration(s.read_seconds).c_str());
     line("ordering", "%s%s; %d-bit indices", ordering_name(st.ordering),
          r.ordering == ZEL_PDS_ORDERING_AUTOMATIC ? ", chosen automatically" : "", o.index_bits);
     line("factor", "%lld entries, %lld supernodes (largest %lld × %lld), %.3g flops",
@@ -534,12 +552,14 @@ void print_report(const request &r, const linear_system &s, const outcome &o)
          st.factor_flops);
     line("memory", "%s estimated by the analysis, %s held after the solve", bytes(st.memory_estimate).c_str(),
          bytes(st.memory_used).c_str());
-    line("analyse", "%8.3f s", st.analyse_seconds);
-    line("factorise", "%8.3f s  %7.2f GFLOP/s", st.factorise_seconds, gflops(st.factor_flops, st.factorise_seconds));
+    line("analyse", "%s", duration(st.analyse_seconds).c_str());
+    line("factorise", "%s  %7.2f GFLOP/s", duration(st.factorise_seconds).c_str(),
+         gflops(st.factor_flops, st.factorise_seconds));
     const double solves = static_cast<double>(o.nrhs) * (1 + st.refinement_steps);
-    line("solve", "%8.3f s  %7.2f GFLOP/s  (%lld right-hand side%s, %d refinement step%s)", st.solve_seconds,
-         gflops(st.solve_flops * solves, st.solve_seconds), static_cast<long long>(o.nrhs), o.nrhs == 1 ? "" : "s",
-         st.refinement_steps, st.refinement_steps == 1 ? "" : "s");
+    line("solve", "%s  %7.2f GFLOP/s  (%lld right-hand side%s, %d refinement step%s)",
+         duration(st.solve_seconds).c_str(), gflops(st.solve_flops * solves, st.solve_seconds),
+         static_cast<long long>(o.nrhs), o.nrhs == 1 ? "" : "s", st.refinement_steps,
+         st.refinement_steps == 1 ? "" : "s");
     line("residual", "%.2e  max ‖b − A·x‖∞ / (‖A‖∞·‖x‖∞ + ‖b‖∞) over the columns, measured by zel solve", o.residual);
     if (o.refinement_on)
         line("backward error", "%.2e  componentwise, from the solver's statistics", st.backward_error);

@@ -56,21 +56,28 @@ template <class T> const T *find_entry(const mm_matrix &a, const std::vector<T> 
     return at != last && *at == j ? &values[at - a.col_idx.begin()] : nullptr;
 }
 
-// The first off-diagonal pair with a_ji ≠ mirror(a_ij), described; "" when there is none.
-template <class T, class Mirror> std::string first_asymmetry(const mm_matrix &a, const std::vector<T> &values,
-                                                             Mirror mirror)
+// The first off-diagonal pair whose a_ji differs from mirror(a_ij) by more than rounding,
+// described ("" when there is none); `largest` gets the largest relative difference within it.
+template <class T, class Mirror>
+std::string first_asymmetry(const mm_matrix &a, const std::vector<T> &values, Mirror mirror, double &largest)
 {
+    largest = 0;
     for (int64_t i = 0; i < a.header.rows; ++i)
         for (int64_t k = a.row_ptr[i]; k < a.row_ptr[i + 1]; ++k) {
             const int64_t j = a.col_idx[k];
             if (j == i)
                 continue;
             const T *partner = find_entry(a, values, j, i);
-            const T zero{};
-            if (partner == nullptr ? values[k] != zero : *partner != mirror(values[k]))
-                return "entry (" + std::to_string(i + 1) + ", " + std::to_string(j + 1) + ") is " +
-                       entry_text(values[k]) + " but entry (" + std::to_string(j + 1) + ", " +
-                       std::to_string(i + 1) + ") is " + (partner ? entry_text(*partner) : std::string("absent"));
+            const T image = mirror(values[k]), other = partner ? *partner : T{};
+            const double scale = std::max(std::abs(image), std::abs(other));
+            const double difference = scale > 0 ? std::abs(image - other) / scale : 0.0;
+            if (difference <= symmetry_tolerance) {
+                largest = std::max(largest, difference);
+                continue;
+            }
+            return "entry (" + std::to_string(i + 1) + ", " + std::to_string(j + 1) + ") is " +
+                   entry_text(values[k]) + " but entry (" + std::to_string(j + 1) + ", " + std::to_string(i + 1) +
+                   ") is " + (partner ? entry_text(*partner) : std::string("absent"));
         }
     return "";
 }
@@ -162,29 +169,36 @@ void make_complex(mm_matrix &matrix)
         matrix.header.symmetry = mm_symmetry::hermitian;
 }
 
-std::string positive_definite_obstacle(const mm_matrix &a, bool &structural)
+definite_candidate check_definite_candidate(const mm_matrix &a)
 {
-    structural = true;
+    definite_candidate c;
+    c.structural = true;
     const mm_symmetry s = a.header.symmetry;
-    if (a.header.rows != a.header.cols)
-        return "it is not square";
-    if (s == mm_symmetry::skew_symmetric)
-        return "it is skew-symmetric";
-    std::string why;
-    if (a.is_complex() && s != mm_symmetry::hermitian) {
-        why = first_asymmetry(a, a.complex_values, [](std::complex<double> v) { return std::conj(v); });
-        if (!why.empty()) {
-            const bool symmetric = s == mm_symmetry::symmetric ||
-                                   first_asymmetry(a, a.complex_values, [](std::complex<double> v) { return v; }).empty();
-            return symmetric ? "it is complex symmetric, not Hermitian: " + why : "it is not Hermitian: " + why;
-        }
+    const auto same = [](auto v) { return v; };
+    const auto conjugate = [](std::complex<double> v) { return std::conj(v); };
+    if (a.header.rows != a.header.cols) {
+        c.obstacle = "it is not square";
+    } else if (s == mm_symmetry::skew_symmetric) {
+        c.obstacle = "it is skew-symmetric";
+    } else if (a.is_complex() && s != mm_symmetry::hermitian) {
+        const std::string why = first_asymmetry(a, a.complex_values, conjugate, c.asymmetry);
+        double ignored = 0;
+        if (why.empty())
+            ;
+        else if (s == mm_symmetry::symmetric || first_asymmetry(a, a.complex_values, same, ignored).empty())
+            c.obstacle = "it is complex symmetric, not Hermitian: " + why;
+        else
+            c.obstacle = "it is not Hermitian: " + why;
     } else if (!a.is_complex() && s == mm_symmetry::general) {
-        why = first_asymmetry(a, a.real_values, [](double v) { return v; });
+        const std::string why = first_asymmetry(a, a.real_values, same, c.asymmetry);
         if (!why.empty())
-            return "it is not symmetric: " + why;
+            c.obstacle = "it is not symmetric: " + why;
     }
-    structural = false;
-    return a.is_complex() ? diagonal_obstacle(a, a.complex_values) : diagonal_obstacle(a, a.real_values);
+    if (!c.obstacle.empty())
+        return c;
+    c.structural = false;
+    c.obstacle = a.is_complex() ? diagonal_obstacle(a, a.complex_values) : diagonal_obstacle(a, a.real_values);
+    return c;
 }
 
 template <class T> void multiply(const mm_matrix &a, const T *x, T *y, int64_t nrhs)

@@ -16,6 +16,7 @@
 
 #include "matrix_market.hpp"
 #include "mm_reader.hpp"
+#include "solve_problem.hpp"
 
 namespace {
 
@@ -284,6 +285,31 @@ TEST_F(MatrixMarketFile, LargeFileAcrossBlocks)
     wide.header.rows = int64_t(1) << 31;
     EXPECT_FALSE(wide.fits_32_bits());
     EXPECT_FALSE(wide.narrow(row_ptr, col_idx));
+}
+
+// zel solve's built-in problem against the grid it stands for, and the residual it reports on
+// solutions known to be wrong (so that a residual that always looks small cannot pass).
+TEST(SolveProblem, LaplacianAndResidual)
+{
+    const mm_matrix a = zel::tool::laplacian_3d(3);
+    const dense d = dense_of(a);
+    ASSERT_EQ(d.size(), 27u);
+    for (int p = 0; p < 27; ++p)
+        for (int q = 0; q < 27; ++q) {
+            const int distance = std::abs(p % 3 - q % 3) + std::abs(p / 3 % 3 - q / 3 % 3) + std::abs(p / 9 - q / 9);
+            EXPECT_EQ(d[p][q], distance == 0 ? 6.0 : distance == 1 ? -1.0 : 0.0) << p << ", " << q;
+        }
+    // A·1 has 6 − (neighbours) in each row: 3 at the corners of a 2×2×2 grid; ‖A‖∞ = 9.
+    const mm_matrix corner = zel::tool::laplacian_3d(2);
+    const std::vector<double> ones(8, 1.0), zeros(8, 0.0), twice(16, 2.0);
+    EXPECT_DOUBLE_EQ(zel::tool::relative_residual(corner, zeros.data(), ones.data(), 1), 3.0 / 9.0);
+    std::vector<double> b(16);
+    zel::tool::multiply(corner, twice.data(), b.data(), 2);
+    b[15] += 1; // the second column is off by 1 in one entry: 1 / (9·2 + 7)
+    EXPECT_DOUBLE_EQ(zel::tool::relative_residual(corner, b.data(), twice.data(), 2), 1.0 / 25.0);
+    std::vector<double> broken = ones;
+    broken[5] = NAN;
+    EXPECT_TRUE(std::isnan(zel::tool::relative_residual(corner, zeros.data(), broken.data(), 1)));
 }
 
 TEST(MatrixMarketMatrices, SameEntriesAsTheTestReader)

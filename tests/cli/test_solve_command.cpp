@@ -245,6 +245,16 @@ TEST_F(SolveCommand, FilesAndTheirSolutions)
     }
 }
 
+// Triangles written apart by rounding still make a symmetric matrix; the report says by how much.
+TEST_F(SolveCommand, TrianglesApartByRounding)
+{
+    std::ofstream(path("a.mtx")) << "%%MatrixMarket matrix coordinate real general\n2 2 4\n1 1 4\n"
+                                    "1 2 0.30000000000000004\n2 1 0.3\n2 2 4\n";
+    const run_result r = solve(path("a.mtx"));
+    EXPECT_SOLVED(r);
+    EXPECT_NE(r.out.find("the triangles differ by up to 1.9e-16 relative"), std::string::npos) << r.out;
+}
+
 // --nrhs K: K different right-hand sides, each solved (the written columns differ and each
 // satisfies its own system only if the command built and solved K distinct systems).
 TEST_F(SolveCommand, SeveralGeneratedRightHandSides)
@@ -303,6 +313,9 @@ TEST_F(SolveCommand, UnsupportedMatricesSaySo)
         {"%%MatrixMarket matrix coordinate complex symmetric\n2 2 3\n1 1 4 0\n2 1 0 1\n2 2 4 0\n",
          "complex symmetric, not Hermitian"},
         {"%%MatrixMarket matrix coordinate real skew-symmetric\n2 2 1\n2 1 1\n", "skew-symmetric"},
+        // Triangles apart by more than rounding.
+        {"%%MatrixMarket matrix coordinate real general\n2 2 4\n1 1 4\n1 2 0.3\n2 1 0.3000000000001\n2 2 4\n",
+         "entry (1, 2) is 0.3 but entry (2, 1) is 0.3000000000001"},
     };
     for (const unsupported &c : cases) {
         SCOPED_TRACE(c.text);
