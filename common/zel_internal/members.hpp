@@ -27,3 +27,17 @@
 
 // Type-independent sparse entries: width suffix, index type.
 #define ZEL_SPARSE_WIDTHS(X) X(i4, int32_t) X(i8, int64_t)
+
+// Direct-solver solve families, one row a precision and integer width: precision prefix (sp_
+// for single), C value type, C++ value type, width prefix (lp64_ for 32-bit), index type. Real
+// and complex members come in two lists, their names ending in _real and _cmplx.
+#define ZEL_PDS_REAL_MEMBERS(X)                                                                           \
+    X(, double, double, , int64_t)                                                                        \
+    X(sp_, float, float, , int64_t)                                                                       \
+    X(, double, double, lp64_, int32_t)                                                                   \
+    X(sp_, float, float, lp64_, int32_t)
+#define ZEL_PDS_CMPLX_MEMBERS(X)                                                                          \
+    X(, zel_complex16, std::complex<double>, , int64_t)                                                   \
+    X(sp_, zel_complex8, std::complex<float>, , int64_t)                                                  \
+    X(, zel_complex16, std::complex<double>, lp64_, int32_t)                                              \
+    X(sp_, zel_complex8, std::complex<float>, lp64_, int32_t)

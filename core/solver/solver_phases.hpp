@@ -118,7 +118,7 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     if (m.caller_entries > 0 && values == nullptr)
         return ZEL_PDS_STATUS_INVALID_VALUE;
     if ((!state.values && !allocate(state.values, m.entries())) ||
-        (!state.l_values && !allocate(state.l_values, state.factor.stats.stored_values)))
+        (!state.l_values && !allocate_large(state.l_values, state.factor.stats.stored_values)))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     for (I p = 0; p < m.entries(); ++p)
         state.values[size_t(p)] = values[size_t(m.source[size_t(p)])];
@@ -152,18 +152,10 @@ template <class T>
 template <class I>
 void solver_impl<T>::fill_frame(const analysis_state<T, I> &state, zel_pds_frame &frame) const
 {
-    const symbolic_factor<I> &f = state.factor;
     frame = zel_pds_frame{};
-    frame.n = f.n;
-    frame.nsuper = f.nsuper;
+    describe_factor(state, frame);
     frame.lp64 = sizeof(I) == 4;
     frame.single = sizeof(real_t<T>) == 4;
-    frame.super_ptr = f.super_ptr.get();
-    frame.col_ptr = f.col_ptr.get();
-    frame.row_ptr = f.row_ptr.get();
-    frame.row_index = f.row_index.get();
-    frame.l_values = state.l_values.get();
-    frame.perm = f.perm.get();
     frame.matrix_type = matrix_type;
     frame.transposed = options.operation;
     frame.partitions = options.partitions;
@@ -241,16 +233,8 @@ int solver_impl<T>::export_from(const analysis_state<T, I> &state, F &out) const
     if (index_width == 0 || !state.factored)
         return index_width != 0 && index_width != int(sizeof(I)) ? ZEL_PDS_STATUS_INVALID_VALUE
                                                                  : ZEL_PDS_STATUS_WRONG_PHASE;
-    const symbolic_factor<I> &f = state.factor;
     out = F{};
-    out.n = f.n;
-    out.nsuper = f.nsuper;
-    out.super_ptr = f.super_ptr.get();
-    out.col_ptr = f.col_ptr.get();
-    out.row_ptr = f.row_ptr.get();
-    out.row_index = f.row_index.get();
-    out.l_values = state.l_values.get();
-    out.perm = f.perm.get();
+    describe_factor(state, out);
     return ZEL_PDS_STATUS_SUCCESS;
 }
 
