@@ -519,14 +519,27 @@ const char *ordering_name(int code)
     }
 }
 
+// 87755079 as "87,755,079" (counts here are never negative).
+std::string grouped(int64_t count)
+{
+    const std::string digits = std::to_string(count);
+    std::string text;
+    for (size_t k = 0; k < digits.size(); ++k) {
+        if (k > 0 && (digits.size() - k) % 3 == 0)
+            text.push_back(',');
+        text.push_back(digits[k]);
+    }
+    return text;
+}
+
 // Seconds, or milliseconds below one second, in a column 10 wide.
 std::string duration(double seconds)
 {
     char text[32];
     if (seconds >= 1)
-        std::snprintf(text, sizeof text, "%7.2f s ", seconds);
+        std::snprintf(text, sizeof text, "%7.2f s", seconds);
     else
-        std::snprintf(text, sizeof text, "%7.3g ms", seconds * 1e3);
+        std::snprintf(text, sizeof text, "%6.3g ms", seconds * 1e3);
     return text;
 }
 
@@ -537,8 +550,8 @@ void print_report(const request &r, const linear_system &s, const outcome &o)
     const zel_pds_statistics &st = o.statistics;
     const bool complex = s.a.is_complex();
     line("matrix", "%s", s.name.c_str());
-    line("", "n = %lld, %lld entries (both triangles); %s", static_cast<long long>(s.a.header.rows),
-         static_cast<long long>(s.a.entries()), s.stored.c_str());
+    line("", "n = %s, %s entries (both triangles); %s", grouped(s.a.header.rows).c_str(),
+         grouped(s.a.entries()).c_str(), s.stored.c_str());
     line("type", "%s (matrix type %d): %s",
          complex ? "complex Hermitian positive definite" : "real symmetric positive definite",
          complex ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE,
@@ -546,10 +559,9 @@ void print_report(const request &r, const linear_system &s, const outcome &o)
     line(s.built_in ? "built" : "read", "%s", duration(s.read_seconds).c_str());
     line("ordering", "%s%s; %d-bit indices", ordering_name(st.ordering),
          r.ordering == ZEL_PDS_ORDERING_AUTOMATIC ? ", chosen automatically" : "", o.index_bits);
-    line("factor", "%lld entries, %lld supernodes (largest %lld × %lld), %.3g flops",
-         static_cast<long long>(st.factor_entries), static_cast<long long>(st.supernodes),
-         static_cast<long long>(st.max_supernode_rows), static_cast<long long>(st.max_supernode_cols),
-         st.factor_flops);
+    line("factor", "%s entries, %s supernodes (largest %lld × %lld), %.3g flops", grouped(st.factor_entries).c_str(),
+         grouped(st.supernodes).c_str(), static_cast<long long>(st.max_supernode_rows),
+         static_cast<long long>(st.max_supernode_cols), st.factor_flops);
     line("memory", "%s estimated by the analysis, %s held after the solve", bytes(st.memory_estimate).c_str(),
          bytes(st.memory_used).c_str());
     line("analyse", "%s", duration(st.analyse_seconds).c_str());

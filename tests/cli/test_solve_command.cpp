@@ -186,7 +186,7 @@ TEST_F(SolveCommand, BuiltInLaplacian)
 {
     const run_result r = solve("--size 9 --ordering nd");
     EXPECT_SOLVED(r);
-    EXPECT_NE(r.out.find("n = 729, 4617 entries"), std::string::npos) << r.out; // 729·7 − 6·81
+    EXPECT_NE(r.out.find("n = 729, 4,617 entries"), std::string::npos) << r.out; // 729·7 − 6·81
     EXPECT_NE(r.out.find("real symmetric positive definite (matrix type 2)"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("nested dissection"), std::string::npos) << r.out;
     std::smatch backward;
