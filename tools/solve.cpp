@@ -5,6 +5,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdarg>
 #include <complex>
@@ -324,14 +325,17 @@ int factorise(zel_pds_solver *solver, const zcomplex *values)
 {
     return zel_pds_z_factorise(solver, reinterpret_cast<const zel_complex16 *>(values));
 }
+// Blocks of n rows; a leading dimension is at least 1, even for the empty system.
 int solve(zel_pds_solver *solver, int64_t nrhs, const double *b, int64_t n, double *x)
 {
-    return zel_pds_d_solve(solver, nrhs, b, n, x, n);
+    const int64_t ld = std::max<int64_t>(n, 1);
+    return zel_pds_d_solve(solver, nrhs, b, ld, x, ld);
 }
 int solve(zel_pds_solver *solver, int64_t nrhs, const zcomplex *b, int64_t n, zcomplex *x)
 {
-    return zel_pds_z_solve(solver, nrhs, reinterpret_cast<const zel_complex16 *>(b), n,
-                           reinterpret_cast<zel_complex16 *>(x), n);
+    const int64_t ld = std::max<int64_t>(n, 1);
+    return zel_pds_z_solve(solver, nrhs, reinterpret_cast<const zel_complex16 *>(b), ld,
+                           reinterpret_cast<zel_complex16 *>(x), ld);
 }
 
 struct solver_holder {

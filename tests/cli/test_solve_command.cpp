@@ -192,6 +192,12 @@ TEST_F(SolveCommand, BuiltInLaplacian)
     std::smatch backward;
     ASSERT_TRUE(std::regex_search(r.out, backward, std::regex("\nbackward error +([0-9.e+-]+) "))) << r.out;
     EXPECT_LT(std::stod(backward[1]), 1e-13) << r.out;
+    // The empty system is solved too, and its solution is an empty array.
+    std::ofstream(path("empty.mtx")) << "%%MatrixMarket matrix coordinate real symmetric\n0 0 0\n";
+    const run_result empty = solve(path("empty.mtx") + " --out " + path("x.mtx"));
+    EXPECT_EQ(empty.status, 0) << empty.err;
+    EXPECT_NE(empty.out.find("n = 0, 0 entries"), std::string::npos) << empty.out;
+    EXPECT_NE(slurp(path("x.mtx")).find("\n0 1\n"), std::string::npos);
     const run_result plain = solve("--size 5 --refine 0 --ordering amd");
     EXPECT_SOLVED(plain);
     EXPECT_NE(plain.out.find("minimum degree"), std::string::npos) << plain.out;
