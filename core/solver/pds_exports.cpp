@@ -71,9 +71,11 @@ bool valid_options(const zel_pds_options &o)
 
 template <class I> int set_permutation(zel_pds_solver *solver, I n, const I *perm)
 {
-    if (solver == nullptr || n < 0 || (n > 0 && perm == nullptr) ||
-        validate_permutation(n, perm) != ZEL_SPARSE_STATUS_SUCCESS)
+    if (solver == nullptr || n < 0 || (n > 0 && perm == nullptr))
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    // The check allocates: its failure is the allocator's, not the caller's.
+    if (int status = validate_permutation(n, perm); status != ZEL_SPARSE_STATUS_SUCCESS)
+        return pds_status(status);
     scratch_array<int64_t> copy;
     if (!allocate(copy, n))
         return ZEL_PDS_STATUS_ALLOC_FAILED;

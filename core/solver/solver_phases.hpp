@@ -98,9 +98,9 @@ void solver_impl<T>::record_analysis(const analysis_state<T, I> &state, const or
     statistics.max_supernode_cols = st.max_cols;
     statistics.factor_flops = complex_factor * st.flops;
     statistics.solve_flops = complex_factor * 4.0 * double(st.factor_entries);
-    statistics.memory_estimate = state.bytes_held() +
-                                 (state.matrix.entries() + st.stored_values) * int64_t(sizeof(T)) +
-                                 factorise_workspace<T>(state.factor);
+    // Every array holds at least one element, an empty system's too.
+    const int64_t values = std::max<int64_t>(state.matrix.entries(), 1) + std::max<int64_t>(st.stored_values, 1);
+    statistics.memory_estimate = state.bytes_held() + values * int64_t(sizeof(T)) + factorise_workspace<T>(state.factor);
     statistics.refinement_steps = 0;
     statistics.failed_column = -1;
 }
@@ -113,10 +113,11 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
 {
     const double start = zel_serv_dsecnd();
     const kept_matrix<I> &m = state.matrix;
-    state.factored = false;
-    statistics.failed_column = -1;
+    // A refused argument changes nothing; from here on a failure drops the factor.
     if (m.caller_entries > 0 && values == nullptr)
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    state.factored = false;
+    statistics.failed_column = -1;
     if ((!state.values && !allocate(state.values, m.entries())) ||
         (!state.l_values && !allocate_large(state.l_values, state.factor.stats.stored_values)))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
