@@ -19,7 +19,7 @@ namespace zel::solver {
 // grid, for 0.5% more flops and 5% more entries. The solve pays per supernode.
 struct amalgamation {
     bool enabled = true;
-    int64_t cols[3] = {4, 20, 48};
+    int64_t cols[3] = {4, 16, 48};
     double zeros[3] = {0.8, 0.1, 0.05};
 };
 
