@@ -5,16 +5,7 @@
 # rather than itself. Run as root; prints the BLAS and LAPACK that programs now load.
 set -euo pipefail
 arch=$(dpkg-architecture -qDEB_HOST_MULTIARCH 2>/dev/null || gcc -print-multiarch)
-packages=(libsuitesparse-dev libopenblas0-serial)
-missing=()
-for package in "${packages[@]}"; do
-  dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
-done
-if ((${#missing[@]})); then
-  export DEBIAN_FRONTEND=noninteractive
-  apt-get update -qq
-  apt-get install -y -qq "${missing[@]}"
-fi
+bash "$(dirname "$0")/install-deps.sh" libopenblas0-serial
 for name in libblas.so.3 liblapack.so.3; do
   choice=/usr/lib/$arch/openblas-serial/$name
   if [[ ! -e $choice ]]; then
