@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "alloc_fault.hpp"
+#include "isa_variants.hpp"
 #include "solve_support.hpp"
 #include "zel/runtime.h"
 #include "zel_internal/members.hpp"
@@ -146,7 +147,7 @@ TYPED_TEST(SolvePhase, SolvesMatchDenseSolves)
             const dense<wide_t<T>> opa = p->op_matrix(op);
             dense<wide_t<T>> l = opa;
             ASSERT_TRUE(dense_cholesky(l));
-            for (int64_t nrhs : {1, 3, 16, 20})
+            for (int64_t nrhs : {1, 2, 3, 7, 16, 20}) // every chunk width, padded or not
                 for (bool in_place : {false, true}) {
                     SCOPED_TRACE(std::to_string(p->n) + " op " + std::to_string(op) + " nrhs " + std::to_string(nrhs) +
                                  (in_place ? " in place" : ""));
@@ -247,7 +248,7 @@ TYPED_TEST(SolvePhase, KernelsSolveWithEachTriangle)
     using W = typename TestFixture::W;
     using K = kernels<T, typename TestFixture::I>;
     for (const auto &p : this->problems())
-        for (int64_t k : {1, 5})
+        for (int64_t k : {1, 2, 5, 16})
             for (int par : {0, 1}) {
                 const int64_t n = p->n, ld = n + 2;
                 const std::vector<T> w = random_block<T>(n, k, ld, 8);
@@ -500,3 +501,10 @@ TYPED_TEST(SolvePhase, DispatchRunsTheSolvePhase)
 }
 
 } // namespace
+
+// The sweeps exist per instruction set; the lower ones must give the same answers.
+TEST(SolvePhaseIsa, EveryVariantPassesTheSameTests)
+{
+    zel::test::expect_every_isa_variant_passes(
+        "ZEL_SOLVER_ISA", "SolvePhase/*.KernelsSolveWithEachTriangle:SolvePhase/*.PartitionsSplitTheColumns");
+}
