@@ -4,10 +4,21 @@
 #include "solve_residual.hpp"
 #include "solve_sweeps.hpp"
 #include "zel/pds_solve.h"
+#include "zel_internal/isa.hpp"
 #include "zel_internal/members.hpp"
 
 namespace zel::solver {
 namespace {
+
+// The sweeps for this processor; ZEL_SOLVER_ISA ("baseline", "avx2") can only lower the choice.
+const sweep_set *choose_sweeps()
+{
+    switch (choose_isa("ZEL_SOLVER_ISA")) {
+    case isa_level::avx512: return &sweeps_avx512;
+    case isa_level::avx2: return &sweeps_avx2;
+    default: return &sweeps_base;
+    }
+}
 
 template <bool Complex> void residual_shell(const zel_pds_frame *frame, const void *b, const void *x, void *r, int64_t *error)
 {
@@ -37,6 +48,11 @@ void measure_shell(const zel_pds_frame *frame, const void *b, const void *x, con
 }
 
 } // namespace
+
+// Starts on the baseline set (constant-initialised) so nothing can see a null table.
+const sweep_set *sweeps_active = &sweeps_base;
+[[maybe_unused]] const bool sweeps_chosen = (sweeps_active = choose_sweeps(), true);
+
 } // namespace zel::solver
 
 namespace zs = zel::solver;

@@ -1,0 +1,496 @@
+// The sweeps' kernels, written once and compiled per instruction set: each sweep_*.cpp defines
+// ZEL_SWEEP_ISA (the namespace of its copy), ZEL_SWEEP_VECTOR_BYTES and ZEL_SWEEP_REGISTERS
+// (its vector width and vector register count) before including this.
+//
+// Every panel is read once per sweep, a few columns at a time. One right-hand side is updated
+// in place (the rows below the diagonal block through a short work vector); several are first
+// gathered row by row into a work block of KC values a row, so that each entry of the panel
+// meets all of them in one vector operation.
+#pragma once
+
+#include <algorithm>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "solve_sweeps.hpp"
+
+namespace zel::solver::ZEL_SWEEP_ISA {
+
+// a·b and conj(a)·b, written out: std::complex's product guards against infinities with a
+// library call on every operation.
+template <class T> inline T mul(T a, T b)
+{
+    if constexpr (is_complex_v<T>)
+        return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
+    else
+        return a * b;
+}
+template <class T> inline T cmul(T a, T b)
+{
+    if constexpr (is_complex_v<T>)
+        return {a.real() * b.real() + a.imag() * b.imag(), a.real() * b.imag() - a.imag() * b.real()};
+    else
+        return a * b;
+}
+
+// 1/d (the factor's diagonal is real and positive for definite matrices; complex values keep
+// the general form).
+template <class T> inline T inverse(T d) { return T(1) / d; }
+
+#define ZEL_SWEEP_INLINE inline __attribute__((always_inline))
+
+// Columns taken together by the one-right-hand-side kernels.
+inline constexpr int one_block = 4;
+
+
+
+// ---- One right-hand side ----
+
+// Native vectors of the real type R.
+template <class R> struct native {
+    typedef R vec __attribute__((vector_size(ZEL_SWEEP_VECTOR_BYTES)));
+    static constexpr int width = ZEL_SWEEP_VECTOR_BYTES / int(sizeof(R));
+    static ZEL_SWEEP_INLINE vec load(const R *p)
+    {
+        vec v;
+        std::memcpy(&v, p, sizeof v);
+        return v;
+    }
+    static ZEL_SWEEP_INLINE void store(R *p, vec v) { std::memcpy(p, &v, sizeof v); }
+};
+
+// v[i] -= Σ_q c[q][i]·y[q] for i < n.
+template <int Q, class T> ZEL_SWEEP_INLINE void axpy_columns(const T *const *c, const T *y, T *v, int64_t n)
+{
+    int64_t i = 0;
+    if constexpr (!is_complex_v<T>) {
+        using V = native<T>;
+        for (; i + V::width <= n; i += V::width) {
+            typename V::vec s = V::load(v + i);
+#pragma GCC unroll 8
+            for (int q = 0; q < Q; ++q)
+                s -= V::load(c[q] + i) * y[q];
+            V::store(v + i, s);
+        }
+    }
+    for (; i < n; ++i) {
+        T s = v[i];
+#pragma GCC unroll 8
+        for (int q = 0; q < Q; ++q)
+            s -= mul(c[q][i], y[q]);
+        v[i] = s;
+    }
+}
+
+// acc[q] += Σ_i conj(c[q][i])·v[i] for i < n, in one lane-wise sum per column.
+template <int Q, class T> ZEL_SWEEP_INLINE void dot_columns(const T *const *c, const T *v, int64_t n, T *acc)
+{
+    int64_t i = 0;
+    if constexpr (!is_complex_v<T>) {
+        using V = native<T>;
+        typename V::vec s[Q];
+#pragma GCC unroll 8
+        for (int q = 0; q < Q; ++q)
+            s[q] = typename V::vec{};
+        for (; i + V::width <= n; i += V::width) {
+            const typename V::vec vi = V::load(v + i);
+#pragma GCC unroll 8
+            for (int q = 0; q < Q; ++q)
+                s[q] += V::load(c[q] + i) * vi;
+        }
+#pragma GCC unroll 8
+        for (int q = 0; q < Q; ++q)
+            for (int l = 0; l < V::width; ++l)
+                acc[q] += s[q][l];
+    }
+    for (; i < n; ++i)
+#pragma GCC unroll 8
+        for (int q = 0; q < Q; ++q)
+            acc[q] += cmul(c[q][i], v[i]);
+}
+
+// Forward over one panel: x1 = L11⁻¹·x1 a block of columns at a time, each block then
+// updating the rest of x1 and t = −L21·x1, which is added to x's rows below at the end.
+template <class T, class I> void forward_one(const sweep_panel<T, I> &p, T *x, T *t)
+{
+    T *x1 = x + p.first;
+    const int64_t off = p.rows - p.cols;
+    const I *below = p.index + p.cols;
+    if (p.cols == 1) {
+        const T v = x1[0] * inverse(p.l[0]);
+        x1[0] = v;
+        for (int64_t i = 0; i < off; ++i)
+            x[below[i] - 1] -= mul(p.l[1 + i], v);
+        return;
+    }
+    std::fill(t, t + off, T(0));
+    for (int64_t j0 = 0; j0 < p.cols; j0 += one_block) {
+        const int64_t q = std::min<int64_t>(one_block, p.cols - j0);
+        const T *c[one_block], *diag[one_block], *low[one_block];
+        T y[one_block];
+        for (int64_t jj = 0; jj < q; ++jj) {
+            c[jj] = p.l + (j0 + jj) * p.rows;
+            y[jj] = x1[j0 + jj] * inverse(c[jj][j0 + jj]);
+            x1[j0 + jj] = y[jj];
+            for (int64_t ii = jj + 1; ii < q; ++ii)
+                x1[j0 + ii] -= mul(c[jj][j0 + ii], y[jj]);
+            diag[jj] = c[jj] + j0 + q;
+            low[jj] = c[jj] + p.cols;
+        }
+        if (q == one_block) {
+            axpy_columns<one_block>(diag, y, x1 + j0 + q, p.cols - j0 - q);
+            axpy_columns<one_block>(low, y, t, off);
+        } else {
+            for (int64_t jj = 0; jj < q; ++jj) {
+                axpy_columns<1>(diag + jj, y + jj, x1 + j0 + q, p.cols - j0 - q);
+                axpy_columns<1>(low + jj, y + jj, t, off);
+            }
+        }
+    }
+    for (int64_t i = 0; i < off; ++i)
+        x[below[i] - 1] += t[i];
+}
+
+// Backward over one panel: t = x's rows below; then, a block of columns at a time from the
+// last, x1[j] = (x1[j] − L(j+1:, j)ᴴ·(x1; t)) / conj(L(j, j)).
+template <class T, class I> void backward_one(const sweep_panel<T, I> &p, T *x, T *t)
+{
+    T *x1 = x + p.first;
+    const int64_t off = p.rows - p.cols;
+    const I *below = p.index + p.cols;
+    if (p.cols == 1) {
+        T s = x1[0];
+        for (int64_t i = 0; i < off; ++i)
+            s -= cmul(p.l[1 + i], x[below[i] - 1]);
+        x1[0] = s * conj_if(inverse(p.l[0]), true);
+        return;
+    }
+    for (int64_t i = 0; i < off; ++i)
+        t[i] = x[below[i] - 1];
+    for (int64_t j0 = (p.cols - 1) / one_block * one_block; j0 >= 0; j0 -= one_block) {
+        const int64_t q = std::min<int64_t>(one_block, p.cols - j0);
+        const T *c[one_block], *diag[one_block], *low[one_block];
+        T acc[one_block] = {};
+        for (int64_t jj = 0; jj < q; ++jj) {
+            c[jj] = p.l + (j0 + jj) * p.rows;
+            diag[jj] = c[jj] + j0 + q;
+            low[jj] = c[jj] + p.cols;
+        }
+        if (q == one_block) {
+            dot_columns<one_block>(diag, x1 + j0 + q, p.cols - j0 - q, acc);
+            dot_columns<one_block>(low, t, off, acc);
+        } else {
+            for (int64_t jj = 0; jj < q; ++jj) {
+                dot_columns<1>(diag + jj, x1 + j0 + q, p.cols - j0 - q, acc + jj);
+                dot_columns<1>(low + jj, t, off, acc + jj);
+            }
+        }
+        for (int64_t jj = q - 1; jj >= 0; --jj) {
+            T s = x1[j0 + jj] - acc[jj];
+            for (int64_t ii = jj + 1; ii < q; ++ii)
+                s -= cmul(c[jj][j0 + ii], x1[j0 + ii]);
+            x1[j0 + jj] = s * conj_if(inverse(c[jj][j0 + jj]), true);
+        }
+    }
+}
+
+// ---- Several right-hand sides ----
+
+// KC values of T as vectors of its real type: one plane for real values, the real and the
+// imaginary parts for complex ones. A row of the work block holds one (KC reals a plane).
+template <class T, int KC> struct lanes {
+    using R = real_t<T>;
+    static constexpr int planes = is_complex_v<T> ? 2 : 1;
+    static constexpr int bytes = std::min<int>(KC * int(sizeof(R)), ZEL_SWEEP_VECTOR_BYTES);
+    static constexpr int count = KC * int(sizeof(R)) / bytes; // vectors a plane
+    static constexpr int reals = KC * planes;                 // reals a row
+    typedef R vec __attribute__((vector_size(bytes)));
+    vec v[planes][count];
+};
+
+// Rows move a vector at a time: one copy of the whole row would go through the stack.
+template <class T, int KC> ZEL_SWEEP_INLINE lanes<T, KC> load_row(const real_t<T> *p)
+{
+    using L = lanes<T, KC>;
+    L a;
+#pragma GCC unroll 16
+    for (int k = 0; k < L::planes * L::count; ++k)
+        std::memcpy(&a.v[k / L::count][k % L::count], p + k * (L::bytes / int(sizeof(real_t<T>))), L::bytes);
+    return a;
+}
+template <class T, int KC> ZEL_SWEEP_INLINE void store_row(real_t<T> *p, const lanes<T, KC> &a)
+{
+    using L = lanes<T, KC>;
+#pragma GCC unroll 16
+    for (int k = 0; k < L::planes * L::count; ++k)
+        std::memcpy(p + k * (L::bytes / int(sizeof(real_t<T>))), &a.v[k / L::count][k % L::count], L::bytes);
+}
+template <class T, int KC> ZEL_SWEEP_INLINE lanes<T, KC> zero_row()
+{
+    lanes<T, KC> a;
+#pragma GCC unroll 16
+    for (int k = 0; k < lanes<T, KC>::count; ++k) {
+        a.v[0][k] = typename lanes<T, KC>::vec{};
+        if constexpr (is_complex_v<T>)
+            a.v[1][k] = typename lanes<T, KC>::vec{};
+    }
+    return a;
+}
+
+// a -= l·b (conj: a += conj(l)·b when Add).
+template <bool Add, class T, int KC> ZEL_SWEEP_INLINE void update(lanes<T, KC> &a, T l, const lanes<T, KC> &b)
+{
+#pragma GCC unroll 16
+    for (int k = 0; k < lanes<T, KC>::count; ++k) {
+        if constexpr (!is_complex_v<T>) {
+            if constexpr (Add)
+                a.v[0][k] += l * b.v[0][k];
+            else
+                a.v[0][k] -= l * b.v[0][k];
+        } else if constexpr (Add) {
+            a.v[0][k] += l.real() * b.v[0][k] + l.imag() * b.v[1][k];
+            a.v[1][k] += l.real() * b.v[1][k] - l.imag() * b.v[0][k];
+        } else {
+            a.v[0][k] -= l.real() * b.v[0][k] - l.imag() * b.v[1][k];
+            a.v[1][k] -= l.real() * b.v[1][k] + l.imag() * b.v[0][k];
+        }
+    }
+}
+
+template <class T, int KC> ZEL_SWEEP_INLINE void subtract(lanes<T, KC> &a, const lanes<T, KC> &b)
+{
+#pragma GCC unroll 16
+    for (int k = 0; k < lanes<T, KC>::count; ++k) {
+        a.v[0][k] -= b.v[0][k];
+        if constexpr (is_complex_v<T>)
+            a.v[1][k] -= b.v[1][k];
+    }
+}
+
+template <class T, int KC> ZEL_SWEEP_INLINE void scale(lanes<T, KC> &a, T s)
+{
+#pragma GCC unroll 16
+    for (int k = 0; k < lanes<T, KC>::count; ++k) {
+        if constexpr (is_complex_v<T>) {
+            const auto re = a.v[0][k];
+            a.v[0][k] = re * s.real() - a.v[1][k] * s.imag();
+            a.v[1][k] = re * s.imag() + a.v[1][k] * s.real();
+        } else {
+            a.v[0][k] *= s;
+        }
+    }
+}
+
+// Columns a block of the several-right-hand-side kernels takes together: as many as leave
+// half the vector registers for their rows.
+template <class T, int KC> constexpr int rows_block()
+{
+    constexpr int per_row = lanes<T, KC>::count * lanes<T, KC>::planes;
+    return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 4);
+}
+
+// t(r, c) = x(index[r], c0 + c) for the panel's rows, c < kc; the rest of each row zero.
+template <class T, class I, int KC>
+void gather_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    if (kc < KC)
+        std::memset(static_cast<void *>(t), 0, sizeof(real_t<T>) * size_t(p.rows * W));
+    const T *x = b.x + c0 * b.ld;
+    auto row = [&](int64_t r, auto width) {
+        const T *xr = x + (p.index[r] - 1);
+        real_t<T> *tr = t + r * W;
+        for (int64_t c = 0; c < width; ++c) {
+            const T v = xr[c * b.ld];
+            if constexpr (is_complex_v<T>) {
+                tr[c] = v.real();
+                tr[KC + c] = v.imag();
+            } else {
+                tr[c] = v;
+            }
+        }
+    };
+    if (kc == KC) // a full chunk: loads the compiler can issue all at once
+        for (int64_t r = 0; r < p.rows; ++r)
+            row(r, std::integral_constant<int64_t, KC>());
+    else
+        for (int64_t r = 0; r < p.rows; ++r)
+            row(r, kc);
+}
+
+// The inverse of gather_rows over the panel's first `rows` rows.
+template <class T, class I, int KC>
+void scatter_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *t,
+                  int64_t rows)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    T *x = b.x + c0 * b.ld;
+    auto row = [&](int64_t r, auto width) {
+        T *xr = x + (p.index[r] - 1);
+        const real_t<T> *tr = t + r * W;
+        for (int64_t c = 0; c < width; ++c) {
+            if constexpr (is_complex_v<T>)
+                xr[c * b.ld] = T(tr[c], tr[KC + c]);
+            else
+                xr[c * b.ld] = tr[c];
+        }
+    };
+    if (kc == KC)
+        for (int64_t r = 0; r < rows; ++r)
+            row(r, std::integral_constant<int64_t, KC>());
+    else
+        for (int64_t r = 0; r < rows; ++r)
+            row(r, kc);
+}
+
+// Rows i0 … i1−1 of the work block minus Σ_q L(i, j0 + q)·row(j0 + q), Q columns at once.
+template <int Q, class T, int KC>
+ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *pivot, real_t<T> *t, int64_t i0,
+                                        int64_t i1)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    for (int64_t i = i0; i < i1; ++i) {
+        lanes<T, KC> a = load_row<T, KC>(t + i * W);
+#pragma GCC unroll 4
+        for (int q = 0; q < Q; ++q)
+            update<false>(a, c[q][i], pivot[q]);
+        store_row(t + i * W, a);
+    }
+}
+
+// out[q] = Σ_i conj(L(i, j0 + q))·row(i) over rows i0 … i1−1, Q columns at once; the sums
+// stay in registers.
+template <int Q, class T, int KC>
+ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, const real_t<T> *t, int64_t i0, int64_t i1, lanes<T, KC> *out)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    lanes<T, KC> s[Q];
+#pragma GCC unroll 4
+    for (int q = 0; q < Q; ++q)
+        s[q] = zero_row<T, KC>();
+    for (int64_t i = i0; i < i1; ++i) {
+        const lanes<T, KC> row = load_row<T, KC>(t + i * W);
+#pragma GCC unroll 4
+        for (int q = 0; q < Q; ++q)
+            update<true>(s[q], c[q][i], row);
+    }
+#pragma GCC unroll 4
+    for (int q = 0; q < Q; ++q)
+        out[q] = s[q];
+}
+
+// Forward over a gathered panel: each block of columns is solved in its diagonal square, then
+// updates every row below it.
+template <class T, class I, int KC> void forward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    for (int64_t j0 = 0; j0 < p.cols; j0 += Q) {
+        const int64_t q = std::min<int64_t>(Q, p.cols - j0);
+        const T *c[Q];
+        lanes<T, KC> pivot[Q];
+        for (int64_t jj = 0; jj < q; ++jj) {
+            c[jj] = p.l + (j0 + jj) * p.rows;
+            pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
+            scale(pivot[jj], inverse(c[jj][j0 + jj]));
+            store_row(t + (j0 + jj) * W, pivot[jj]);
+            for (int64_t ii = jj + 1; ii < q; ++ii) {
+                lanes<T, KC> a = load_row<T, KC>(t + (j0 + ii) * W);
+                update<false>(a, c[jj][j0 + ii], pivot[jj]);
+                store_row(t + (j0 + ii) * W, a);
+            }
+        }
+        if (q == Q)
+            update_rows_below<Q>(c, pivot, t, j0 + q, p.rows);
+        else
+            for (int64_t jj = 0; jj < q; ++jj)
+                update_rows_below<1>(c + jj, pivot + jj, t, j0 + q, p.rows);
+    }
+}
+
+// Backward over a gathered panel, a block of columns at a time from the last.
+template <class T, class I, int KC> void backward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    for (int64_t j0 = (p.cols - 1) / Q * Q; j0 >= 0; j0 -= Q) {
+        const int64_t q = std::min<int64_t>(Q, p.cols - j0);
+        const T *c[Q];
+        lanes<T, KC> sums[Q];
+        for (int64_t jj = 0; jj < q; ++jj)
+            c[jj] = p.l + (j0 + jj) * p.rows;
+        if (q == Q)
+            sum_rows_below<Q>(c, t, j0 + q, p.rows, sums);
+        else
+            for (int64_t jj = 0; jj < q; ++jj)
+                sum_rows_below<1>(c + jj, t, j0 + q, p.rows, sums + jj);
+        for (int64_t jj = q - 1; jj >= 0; --jj) {
+            lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
+            subtract(a, sums[jj]);
+            for (int64_t ii = jj + 1; ii < q; ++ii)
+                update<false>(a, conj_if(c[jj][j0 + ii], true), load_row<T, KC>(t + (j0 + ii) * W));
+            scale(a, conj_if(inverse(c[jj][j0 + jj]), true));
+            store_row(t + (j0 + jj) * W, a);
+        }
+    }
+}
+
+// One sweep over the factor for the block's right-hand sides c0 … c0+kc−1 (kc ≤ KC).
+template <bool Forward, class T, class I, int KC>
+void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
+{
+    for (I k = 0; k < f.nsuper; ++k) {
+        const I s = Forward ? k : f.nsuper - 1 - k;
+        const sweep_panel<T, I> p = panel_of(f, s);
+        gather_rows<T, I, KC>(p, b, c0, kc, t);
+        if constexpr (Forward)
+            forward_rows<T, I, KC>(p, t);
+        else
+            backward_rows<T, I, KC>(p, t);
+        scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
+    }
+}
+
+// A sweep over the whole block: one right-hand side in place, several in chunks of at most
+// sweep_chunk, each padded to the next of 2, 4, 8 or 16.
+template <bool Forward, class T, class I> void sweep(const sweep_factor<T, I> &f, const rhs_block<T> &b, T *t)
+{
+    if (b.k == 1) {
+        for (I k = 0; k < f.nsuper; ++k) {
+            const I s = Forward ? k : f.nsuper - 1 - k;
+            if constexpr (Forward)
+                forward_one(panel_of(f, s), b.x, t);
+            else
+                backward_one(panel_of(f, s), b.x, t);
+        }
+        return;
+    }
+    auto *rows = reinterpret_cast<real_t<T> *>(t);
+    for (int64_t c0 = 0; c0 < b.k; c0 += sweep_chunk) {
+        const int64_t kc = std::min<int64_t>(sweep_chunk, b.k - c0);
+        if (kc > 8)
+            sweep_rows<Forward, T, I, 16>(f, b, c0, kc, rows);
+        else if (kc > 4)
+            sweep_rows<Forward, T, I, 8>(f, b, c0, kc, rows);
+        else if (kc > 2)
+            sweep_rows<Forward, T, I, 4>(f, b, c0, kc, rows);
+        else
+            sweep_rows<Forward, T, I, 2>(f, b, c0, kc, rows);
+    }
+}
+
+template <class T, class I> constexpr sweep_pair<T, I> pair_of()
+{
+    return {sweep<true, T, I>, sweep<false, T, I>};
+}
+
+constexpr sweep_set make_sweep_set()
+{
+    return {pair_of<float, int32_t>(), pair_of<double, int32_t>(), pair_of<std::complex<float>, int32_t>(),
+            pair_of<std::complex<double>, int32_t>(), pair_of<float, int64_t>(), pair_of<double, int64_t>(),
+            pair_of<std::complex<float>, int64_t>(), pair_of<std::complex<double>, int64_t>()};
+}
+
+#undef ZEL_SWEEP_INLINE
+
+} // namespace zel::solver::ZEL_SWEEP_ISA
