@@ -32,7 +32,8 @@ template <class T> struct refinement_scratch {
 };
 
 // One measurement of the current iterate: error codes of the core's routines, or 0.
-template <bool Complex> int64_t measure(const zel_pds_frame &f, const void *b, const void *x, void *r, double &e, double &m)
+template <bool Complex>
+int64_t measure(const zel_pds_frame &f, const void *b, const void *x, void *r, double &e, double &m)
 {
     int64_t error = 0;
     if constexpr (Complex) {
@@ -83,7 +84,8 @@ refinement_result refine(const zel_pds_frame &f, const T *b, T *x, double tolera
     for (;;) {
         if ((out.error = measure<Complex>(f, b, x, s.residual.get(), e, m)) != 0)
             return out;
-        const bool stagnated = out.steps > 0 && e > stagnation_factor * e_previous && m > stagnation_factor * m_previous;
+        const bool stagnated =
+            out.steps > 0 && e > stagnation_factor * e_previous && m > stagnation_factor * m_previous;
         if (stagnated || (tolerance > 0 && tolerance > e) || out.steps == cap)
             break;
         copy_block(f, x, f.ldx, s.previous.get(), f.n);
@@ -107,7 +109,8 @@ refinement_result refine(const zel_pds_frame &f, const T *b, T *x, double tolera
 
 // The exported refinement. With k = 0 no tolerance is tested; otherwise the tolerance is
 // 10^-k in single precision, widened.
-template <bool Complex> void refinement_entry(zel_pds_frame *frame, const void *b, void *x, int64_t message_level, int64_t *error)
+template <bool Complex>
+void refinement_entry(zel_pds_frame *frame, const void *b, void *x, int64_t message_level, int64_t *error)
 {
     if (error == nullptr)
         return;
@@ -147,7 +150,8 @@ template <bool Complex> void refinement_entry(zel_pds_frame *frame, const void *
     if (out.error == 0 && message_level == 1 && out.steps > 0) {
         zel_serv_printf_s("Number of iterative refinement steps performed        %d\n", int(out.steps));
         zel_serv_printf_s("Tolerance level in the iterative refinement process   %e\n", tolerance);
-        zel_serv_printf_s("Backward error after the iterative refinement process %e\n", double(float(out.backward_error)));
+        zel_serv_printf_s("Backward error after the iterative refinement process %e\n",
+                          double(float(out.backward_error)));
     }
 }
 

@@ -20,13 +20,15 @@ const sweep_set *choose_sweeps()
     }
 }
 
-template <bool Complex> void residual_shell(const zel_pds_frame *frame, const void *b, const void *x, void *r, int64_t *error)
+template <bool Complex>
+void residual_shell(const zel_pds_frame *frame, const void *b, const void *x, void *r, int64_t *error)
 {
     if (error == nullptr)
         return;
     if ((*error = frame_check(frame, Complex, b, x, r)) != 0)
         return;
-    pds::with_frame_types<Complex>(*frame, [&]<class T, class I>() { *error = residual_entry<T, I>(*frame, b, x, r); });
+    pds::with_frame_types<Complex>(*frame,
+                                   [&]<class T, class I>() { *error = residual_entry<T, I>(*frame, b, x, r); });
 }
 
 template <bool Complex>
@@ -38,7 +40,8 @@ void measure_shell(const zel_pds_frame *frame, const void *b, const void *x, con
     if ((*error = frame_check(frame, Complex, b, x, r)) != 0)
         return;
     residual_measures m;
-    pds::with_frame_types<Complex>(*frame, [&]<class T, class I>() { *error = measure_entry<T, I>(*frame, b, x, r, m); });
+    pds::with_frame_types<Complex>(*frame,
+                                   [&]<class T, class I>() { *error = measure_entry<T, I>(*frame, b, x, r, m); });
     if (*error != 0)
         return;
     if (backward_error)

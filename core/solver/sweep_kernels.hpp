@@ -44,8 +44,6 @@ template <class T> inline T inverse(T d) { return T(1) / d; }
 // Columns taken together by the one-right-hand-side kernels.
 inline constexpr int one_block = 4;
 
-
-
 // ---- One right-hand side ----
 
 // Native vectors of the real type R.
@@ -239,7 +237,7 @@ template <class T, int KC> ZEL_SWEEP_INLINE lanes<T, KC> zero_row()
     return a;
 }
 
-// a -= l·b (conj: a += conj(l)·b when Add).
+// Add: a += conj(l)·b; otherwise a −= l·b.
 template <bool Add, class T, int KC> ZEL_SWEEP_INLINE void update(lanes<T, KC> &a, T l, const lanes<T, KC> &b)
 {
 #pragma GCC unroll 16

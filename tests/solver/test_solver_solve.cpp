@@ -80,7 +80,8 @@ bool is_timing_line(const std::string &text)
     const std::string number = text.substr(head.size(), text.size() - head.size() - tail.size());
     const size_t point = number.find('.');
     return point != std::string::npos && point > 0 && number.size() - point - 1 == 7 &&
-           number.find_first_not_of("0123456789.") == std::string::npos && number.find('.', point + 1) == std::string::npos;
+           number.find_first_not_of("0123456789.") == std::string::npos &&
+           number.find('.', point + 1) == std::string::npos;
 }
 
 template <class V, class I> struct types {
@@ -116,8 +117,8 @@ protected:
     }
 
     // Checks each column of x against the dense solve of op(A)·x = b (opa: op(A), l: its factor).
-    static void expect_solution(const dense<W> &opa, const dense<W> &l, int64_t nrhs, const T *b, int64_t ldb, const T *x,
-                                int64_t ldx)
+    static void expect_solution(const dense<W> &opa, const dense<W> &l, int64_t nrhs, const T *b, int64_t ldb,
+                                const T *x, int64_t ldx)
     {
         for (int64_t c = 0; c < nrhs; ++c) {
             std::vector<W> reference(b + c * ldb, b + c * ldb + opa.n);
@@ -325,8 +326,9 @@ TYPED_TEST(SolvePhase, ResidualAndMeasuresMatchDenseOnes)
                         s -= opa(i, j) * W(x[c * p.n + j]);
                     ASSERT_LE(std::abs(W(r[c * p.n + i]) - s), 1e-12 + eps_of<T> * std::abs(s)) << i;
                 }
-                backward = std::max(backward, componentwise_backward_error(opa, b.data() + c * p.n, x.data() + c * p.n));
-                normwise = std::max(normwise, normwise_backward_error(opa, b.data() + c * p.n, x.data() + c * p.n));
+                const T *bc = b.data() + c * p.n, *xc = x.data() + c * p.n;
+                backward = std::max(backward, componentwise_backward_error(opa, bc, xc));
+                normwise = std::max(normwise, normwise_backward_error(opa, bc, xc));
             }
             double e = -1, m = -1;
             routines<T>::measure(&f, b.data(), x.data(), r.data(), &e, &m, &error);
@@ -352,7 +354,8 @@ std::vector<T> perturbed_solution(const problem<T, I> &p, const std::vector<T> &
 }
 
 template <class T>
-zel_pds_frame refined(zel_pds_frame f, const T *b, T *x, int64_t k, int64_t cap, int64_t &error, int64_t message_level = 0)
+zel_pds_frame refined(zel_pds_frame f, const T *b, T *x, int64_t k, int64_t cap, int64_t &error,
+                      int64_t message_level = 0)
 {
     f.refinement_exponent = k;
     f.refinement_max_steps = cap;
