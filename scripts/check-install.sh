@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs into a temporary prefix, moves it, and uses the copy as a user would: bin/zel info and
-# --version, a C program built through pkg-config and one through find_package(Zel), each run.
+# Installs into a temporary prefix, moves it, and uses the copy as a user would: bin/zel info,
+# --version and a small solve, a C program built through pkg-config and one through
+# find_package(Zel), each run.
 # The consumers link with --as-needed, as many toolchains do by default, to check that both
 # objects stay on the link line while the libraries after them are still dropped when unused.
 # Reuses a Release build (the one in $CHECK_INSTALL_BUILD, else build/) when there is one; otherwise
@@ -47,6 +48,9 @@ env -u LD_LIBRARY_PATH "$prefix/bin/zel" --version || fail "bin/zel --version"
 env -u LD_LIBRARY_PATH "$prefix/bin/zel" info >"$work/info.txt" || fail "bin/zel info"
 head -3 "$work/info.txt"
 grep -q '^processor' "$work/info.txt" || fail "bin/zel info printed no processor section"
+# The solve runs through both objects: the core's factorisation and the layer's solve driver.
+env -u LD_LIBRARY_PATH "$prefix/bin/zel" solve --size 10 >"$work/solve.txt" || fail "bin/zel solve"
+grep '^residual' "$work/solve.txt" || fail "bin/zel solve printed no residual"
 set +e
 env -u LD_LIBRARY_PATH "$prefix/bin/zel" bench dense 2>"$work/bench.txt"
 status=$?

@@ -27,6 +27,18 @@ const suite_info suites[] = {
      {{"transpose", "transposed record and kernel vs cs_transpose"},
       {"syrk", "A·Aᵀ sparse result vs cs_multiply(A, cs_transpose(A)), dense result vs dsyrk_"},
       {nullptr, nullptr}}},
+    {"solver", "sparse Cholesky: analyse, factorise and solve against CHOLMOD",
+     "Times each phase of the positive definite solver (double) and of CHOLMOD's supernodal Cholesky,\n"
+     "which runs in a program of its own (zel-bench-cholmod, built when libsuitesparse-dev is found) on\n"
+     "the system BLAS: scripts/install-bench-peers.sh installs it and selects single-threaded OpenBLAS.\n"
+     "CHOLMOD runs twice, with its own ordering and with zel's. The test matrices come from\n"
+     "ZEL_TEST_MATRICES (by default the folder configured at build time) and get 10x the rounds.\n",
+     0,
+     3,
+     {{"laplace3d", "7-point Laplacian on a 60^3 grid"},
+      {"laplace2d", "5-point Laplacian on a 1000^2 grid"},
+      {"matrices", "the real positive definite test matrices (494_bus, 1138_bus, bcsstk13, ani4)"},
+      {nullptr, nullptr}}},
     {nullptr, nullptr, nullptr, 0, 0, {{nullptr, nullptr}}},
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <sys/mman.h>
 
 #include "zel/sparse_types.h"
 #include "zel_internal/checked.hpp"
@@ -19,6 +20,23 @@ template <class T> bool allocate(scratch_array<T> &array, int64_t count)
     if (count < 0)
         return false;
     array = scratch_array<T>(size_t(std::max<int64_t>(count, 1)), scratch_alignment);
+    return bool(array);
+}
+
+// The same for an array large enough to be worth transparent huge pages (the factor's values):
+// aligned to 2 MiB and advised, which halves the cost of first touching it. The advice is only
+// a hint; where the system ignores it the array is still valid.
+template <class T> bool allocate_large(scratch_array<T> &array, int64_t count)
+{
+    constexpr size_t huge_page = size_t(1) << 21;
+    const auto bytes = checked_bytes<T>(size_t(std::max<int64_t>(count, 1)));
+    if (count < 0 || !bytes)
+        return false;
+    if (*bytes < 4 * huge_page)
+        return allocate(array, count);
+    array = scratch_array<T>(size_t(count), int(huge_page));
+    if (array)
+        madvise(array.get(), *bytes & ~(huge_page - 1), MADV_HUGEPAGE);
     return bool(array);
 }
 

@@ -71,9 +71,11 @@ bool valid_options(const zel_pds_options &o)
 
 template <class I> int set_permutation(zel_pds_solver *solver, I n, const I *perm)
 {
-    if (solver == nullptr || n < 0 || (n > 0 && perm == nullptr) ||
-        validate_permutation(n, perm) != ZEL_SPARSE_STATUS_SUCCESS)
+    if (solver == nullptr || n < 0 || (n > 0 && perm == nullptr))
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    // The check allocates: its failure is the allocator's, not the caller's.
+    if (int status = validate_permutation(n, perm); status != ZEL_SPARSE_STATUS_SUCCESS)
+        return pds_status(status);
     scratch_array<int64_t> copy;
     if (!allocate(copy, n))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
@@ -88,9 +90,10 @@ template <class I> int analyse_csr(zel_pds_solver *solver, I n, const I *row_ptr
 {
     if (solver == nullptr || (storage != ZEL_PDS_STORAGE_FULL && storage != ZEL_PDS_STORAGE_UPPER))
         return ZEL_PDS_STATUS_INVALID_VALUE;
-    const csr_pattern<I> a{n, I(base), row_ptr, col_idx};
-    if (base != 0 && base != 1)
+    // Even an empty matrix has its one row pointer.
+    if ((base != 0 && base != 1) || row_ptr == nullptr || row_ptr[0] != base)
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    const csr_pattern<I> a{n, I(base), row_ptr, col_idx};
     return solver->analyse(a, storage == ZEL_PDS_STORAGE_UPPER ? csr_part::upper : csr_part::full);
 }
 

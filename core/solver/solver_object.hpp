@@ -68,6 +68,21 @@ template <class T, class I> int64_t analysis_state<T, I>::bytes_held() const
            int64_t((values.size() + l_values.size()) * sizeof(T));
 }
 
+// The factor's arrays into a record that names them as the solve kernels do (the solve frame,
+// or the exported factor).
+template <class T, class I, class Record> void describe_factor(const analysis_state<T, I> &state, Record &out)
+{
+    const symbolic_factor<I> &f = state.factor;
+    out.n = f.n;
+    out.nsuper = f.nsuper;
+    out.super_ptr = f.super_ptr.get();
+    out.col_ptr = f.col_ptr.get();
+    out.row_ptr = f.row_ptr.get();
+    out.row_index = f.row_index.get();
+    out.l_values = state.l_values.get();
+    out.perm = f.perm.get();
+}
+
 ordering_method ordering_of(int option);
 int pds_ordering_code(ordering_method used);
 

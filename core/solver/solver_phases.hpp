@@ -98,9 +98,9 @@ void solver_impl<T>::record_analysis(const analysis_state<T, I> &state, const or
     statistics.max_supernode_cols = st.max_cols;
     statistics.factor_flops = complex_factor * st.flops;
     statistics.solve_flops = complex_factor * 4.0 * double(st.factor_entries);
-    statistics.memory_estimate = state.bytes_held() +
-                                 (state.matrix.entries() + st.stored_values) * int64_t(sizeof(T)) +
-                                 factorise_workspace<T>(state.factor);
+    // Every array holds at least one element, an empty system's too.
+    const int64_t values = std::max<int64_t>(state.matrix.entries(), 1) + std::max<int64_t>(st.stored_values, 1);
+    statistics.memory_estimate = state.bytes_held() + values * int64_t(sizeof(T)) + factorise_workspace<T>(state.factor);
     statistics.refinement_steps = 0;
     statistics.failed_column = -1;
 }
@@ -113,12 +113,13 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
 {
     const double start = zel_serv_dsecnd();
     const kept_matrix<I> &m = state.matrix;
-    state.factored = false;
-    statistics.failed_column = -1;
+    // A refused argument changes nothing; from here on a failure drops the factor.
     if (m.caller_entries > 0 && values == nullptr)
         return ZEL_PDS_STATUS_INVALID_VALUE;
+    state.factored = false;
+    statistics.failed_column = -1;
     if ((!state.values && !allocate(state.values, m.entries())) ||
-        (!state.l_values && !allocate(state.l_values, state.factor.stats.stored_values)))
+        (!state.l_values && !allocate_large(state.l_values, state.factor.stats.stored_values)))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     for (I p = 0; p < m.entries(); ++p)
         state.values[size_t(p)] = values[size_t(m.source[size_t(p)])];
@@ -152,18 +153,10 @@ template <class T>
 template <class I>
 void solver_impl<T>::fill_frame(const analysis_state<T, I> &state, zel_pds_frame &frame) const
 {
-    const symbolic_factor<I> &f = state.factor;
     frame = zel_pds_frame{};
-    frame.n = f.n;
-    frame.nsuper = f.nsuper;
+    describe_factor(state, frame);
     frame.lp64 = sizeof(I) == 4;
     frame.single = sizeof(real_t<T>) == 4;
-    frame.super_ptr = f.super_ptr.get();
-    frame.col_ptr = f.col_ptr.get();
-    frame.row_ptr = f.row_ptr.get();
-    frame.row_index = f.row_index.get();
-    frame.l_values = state.l_values.get();
-    frame.perm = f.perm.get();
     frame.matrix_type = matrix_type;
     frame.transposed = options.operation;
     frame.partitions = options.partitions;
@@ -241,16 +234,8 @@ int solver_impl<T>::export_from(const analysis_state<T, I> &state, F &out) const
     if (index_width == 0 || !state.factored)
         return index_width != 0 && index_width != int(sizeof(I)) ? ZEL_PDS_STATUS_INVALID_VALUE
                                                                  : ZEL_PDS_STATUS_WRONG_PHASE;
-    const symbolic_factor<I> &f = state.factor;
     out = F{};
-    out.n = f.n;
-    out.nsuper = f.nsuper;
-    out.super_ptr = f.super_ptr.get();
-    out.col_ptr = f.col_ptr.get();
-    out.row_ptr = f.row_ptr.get();
-    out.row_index = f.row_index.get();
-    out.l_values = state.l_values.get();
-    out.perm = f.perm.get();
+    describe_factor(state, out);
     return ZEL_PDS_STATUS_SUCCESS;
 }
 

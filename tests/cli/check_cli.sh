@@ -41,7 +41,7 @@ usage_error() {
 run "$zel" --version
 status_is 0; says out "^zel ${version//./\\.}\$"; says out "^libzel_core [0-9]+\.[0-9]+\.[0-9]+, build [0-9]{8}\$"
 run "$zel" --help
-status_is 0; says out '^usage: zel '; says out '^  info '; says out '^  bench '
+status_is 0; says out '^usage: zel '; says out '^  info '; says out '^  bench '; says out '^  solve '
 run "$zel"
 status_is 2; says err '^usage: zel '
 usage_error "zel: unknown command 'nosuch'" "$zel" nosuch
@@ -77,6 +77,26 @@ says err "warning: ZEL_DYNAMIC='0' is neither TRUE nor FALSE"
 says err 'warning: ZEL_NUM_THREAD is not a variable the library reads'
 says err "warning: ZEL_DISABLE_FAST_MM='0' still disables"
 says out 'fast memory manager +off'
+
+# zel solve: every bad request is refused before anything is read or solved (the systems
+# themselves are tested by test_solve_command).
+run "$zel" solve --help
+status_is 0; says out '^usage: zel solve '; for word in rhs out type ordering refine nrhs size; do says out "--$word"; done
+usage_error "zel solve: --type wants one of auto, spd, hpd, not 'lu'" "$zel" solve --type lu
+usage_error "zel solve: --ordering wants one of auto, amd, nd, not 'metis'" "$zel" solve --ordering=metis
+for bad in -1 11 x ''; do
+  usage_error "zel solve: --refine wants a whole number from 0 to 10, not '$bad'" "$zel" solve --refine "$bad"
+done
+usage_error "zel solve: --nrhs wants a whole number from 1 to 10000, not '0'" "$zel" solve --nrhs 0
+usage_error "zel solve: --size wants a whole number from 1 to 500, not '501'" "$zel" solve --size 501
+usage_error "zel solve: option '--out' needs a value" "$zel" solve --out
+usage_error "zel solve: unknown option '--bogus'" "$zel" solve --bogus
+usage_error "zel solve: unexpected argument 'b.mtx'" "$zel" solve a.mtx b.mtx
+usage_error "zel solve: --size applies to the built-in problem, not to a file" "$zel" solve a.mtx --size 4
+usage_error "zel solve: --nrhs applies to generated right-hand sides, not to --rhs" "$zel" solve --rhs b.mtx --nrhs 2
+# A run off a terminal prints the report alone: no progress text on standard error.
+run "$zel" solve --size 4
+status_is 0; says out '^residual +[0-9]'; [[ ! -s $scratch/err ]] || fail "printed on stderr off a terminal"
 
 # zel bench: the suites and their sections, and every bad request answered before anything runs.
 run "$zel" bench --help

@@ -263,7 +263,7 @@ TYPED_TEST(SolverSymbolic, OrderingsReduceFillOnAGrid)
     ASSERT_EQ(factor_cost(p, static_cast<const I *>(nullptr), natural), 0);
     for (ordering_method m : {ordering_method::amd, ordering_method::metis, ordering_method::automatic}) {
         ordering_report report;
-        ASSERT_EQ(fill_reducing_ordering(p, {m, 0.0}, static_cast<const I *>(nullptr), perm.data(), &report), 0);
+        ASSERT_EQ(fill_reducing_ordering(p, {m, 0.0, 0.0}, static_cast<const I *>(nullptr), perm.data(), &report), 0);
         EXPECT_EQ(validate_permutation(I(a.n), perm.data()), 0);
         ASSERT_EQ(factor_cost(p, perm.data(), reduced), 0);
         EXPECT_LT(reduced.exact_entries, natural.exact_entries / 2) << int(m);
@@ -295,7 +295,7 @@ TYPED_TEST(SolverSymbolic, EveryFailedAllocationReportsTwoAndLeaksNothing)
         const int64_t total = zel::test::for_each_failing_allocation(
             [&] {
                 symbolic_factor<I> f;
-                const int status = analyse(a, {m, 0.0}, true, f, given);
+                const int status = analyse(a, {m, 0.0, 0.0}, true, f, given);
                 EXPECT_TRUE(status != 0 || check_symbolic(f) == nullptr);
                 return status;
             },
@@ -322,7 +322,7 @@ TYPED_TEST(SolverSymbolic, RealSymmetricMatrices)
         for (bool relax : {false, true}) {
             SCOPED_TRACE(std::string(name) + (relax ? " relaxed" : " exact"));
             symbolic_factor<I> f;
-            ASSERT_EQ(analyse(a, {ordering_method::automatic, 0.0}, relax, f), 0);
+            ASSERT_EQ(analyse(a, {ordering_method::automatic, 0.0, 0.0}, relax, f), 0);
             expect_oracle(a, f, !relax, perm_of(f));
         }
     }
