@@ -289,58 +289,55 @@ template <class T, int KC> constexpr int rows_block()
     return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 4);
 }
 
-// t(r, c) = x(index[r], c0 + c) for the panel's rows, c < kc; the rest of each row zero.
+// t(r, c) = x(index[r], c0 + c) for the panel's rows, c < kc; the rest of each row zero. The
+// panel's own rows are consecutive in x and are read a column at a time; the rows below are
+// read a row at a time, so that the loads of a row are all under way at once.
 template <class T, class I, int KC>
 void gather_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals;
     if (kc < KC)
         std::memset(static_cast<void *>(t), 0, sizeof(real_t<T>) * size_t(p.rows * W));
-    const T *x = b.x + c0 * b.ld;
-    auto row = [&](int64_t r, auto width) {
-        const T *xr = x + (p.index[r] - 1);
-        real_t<T> *tr = t + r * W;
-        for (int64_t c = 0; c < width; ++c) {
-            const T v = xr[c * b.ld];
-            if constexpr (is_complex_v<T>) {
-                tr[c] = v.real();
-                tr[KC + c] = v.imag();
-            } else {
-                tr[c] = v;
-            }
+    auto put = [&](real_t<T> *to, T v) {
+        if constexpr (is_complex_v<T>) {
+            to[0] = v.real();
+            to[KC] = v.imag();
+        } else {
+            to[0] = v;
         }
     };
-    if (kc == KC) // a full chunk: loads the compiler can issue all at once
-        for (int64_t r = 0; r < p.rows; ++r)
-            row(r, std::integral_constant<int64_t, KC>());
-    else
-        for (int64_t r = 0; r < p.rows; ++r)
-            row(r, kc);
+    const T *x = b.x + c0 * b.ld;
+    for (int64_t c = 0; c < kc; ++c)
+        for (int64_t r = 0; r < p.cols; ++r)
+            put(t + r * W + c, x[c * b.ld + p.first + r]);
+    for (int64_t r = p.cols; r < p.rows; ++r) {
+        const T *xr = x + (p.index[r] - 1);
+        for (int64_t c = 0; c < kc; ++c)
+            put(t + r * W + c, xr[c * b.ld]);
+    }
 }
 
-// The inverse of gather_rows over the panel's first `rows` rows.
+// The inverse of gather_rows over the panel's first `rows` rows (at least its own).
 template <class T, class I, int KC>
 void scatter_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *t,
                   int64_t rows)
 {
     constexpr int W = lanes<T, KC>::reals;
-    T *x = b.x + c0 * b.ld;
-    auto row = [&](int64_t r, auto width) {
-        T *xr = x + (p.index[r] - 1);
-        const real_t<T> *tr = t + r * W;
-        for (int64_t c = 0; c < width; ++c) {
-            if constexpr (is_complex_v<T>)
-                xr[c * b.ld] = T(tr[c], tr[KC + c]);
-            else
-                xr[c * b.ld] = tr[c];
-        }
+    auto get = [&](const real_t<T> *from) {
+        if constexpr (is_complex_v<T>)
+            return T(from[0], from[KC]);
+        else
+            return from[0];
     };
-    if (kc == KC)
-        for (int64_t r = 0; r < rows; ++r)
-            row(r, std::integral_constant<int64_t, KC>());
-    else
-        for (int64_t r = 0; r < rows; ++r)
-            row(r, kc);
+    T *x = b.x + c0 * b.ld;
+    for (int64_t c = 0; c < kc; ++c)
+        for (int64_t r = 0; r < p.cols; ++r)
+            x[c * b.ld + p.first + r] = get(t + r * W + c);
+    for (int64_t r = p.cols; r < rows; ++r) {
+        T *xr = x + (p.index[r] - 1);
+        for (int64_t c = 0; c < kc; ++c)
+            xr[c * b.ld] = get(t + r * W + c);
+    }
 }
 
 // Rows i0 … i1−1 of the work block minus Σ_q L(i, j0 + q)·row(j0 + q), Q columns at once.

@@ -97,7 +97,7 @@ inline std::vector<structure> structures()
 {
     std::mt19937_64 rng(11);
     std::uniform_real_distribution<double> u(0, 1);
-    entry_list random, band, dense_block, tall, arrow;
+    entry_list random, band, dense_block, tall;
     for (int64_t i = 0; i < 120; ++i)
         for (int64_t j = 0; j < i; ++j)
             if (u(rng) < 0.03)
@@ -113,14 +113,10 @@ inline std::vector<structure> structures()
     for (int64_t j = 0; j < 10; ++j)
         for (int64_t i = j + 1; i < 300; ++i)
             tall.emplace_back(i, j);
-    for (int64_t i = 1; i < 50; ++i)
-        arrow.emplace_back(i, 0);
     using om = solver::ordering_method;
     return {{"diagonal", 30, {}, om::natural, false},
             {"random", 120, random, om::natural, false},
-            {"random relaxed", 120, random, om::amd, true},
             {"banded", 80, band, om::natural, true},
-            {"arrow", 50, arrow, om::natural, false},
             {"2-D grid", 144, grid_entries(12, 2), om::amd, true},
             {"3-D grid", 216, grid_entries(6, 3), om::metis, true},
             {"dense", 40, dense_block, om::amd, true},
@@ -272,43 +268,30 @@ template <class T> std::vector<T> random_block(int64_t n, int64_t nrhs, int64_t 
     return b;
 }
 
-// ‖b − op(A)·x‖∞ / (‖op(A)‖∞·‖x‖∞ + ‖b‖∞) of column c, in double precision.
-template <class T>
-double normwise_backward_error(const dense<wide_t<T>> &opa, const T *b, const T *x)
+// The residual measures of x in double precision: the componentwise backward error
+// max_i |b − op(A)·x|_i / (|op(A)|·|x| + |b|)_i and ‖b − op(A)·x‖∞ / (‖op(A)‖∞·‖x‖∞ + ‖b‖∞).
+struct measures {
+    double componentwise, normwise;
+};
+template <class T> measures backward_errors(const dense<wide_t<T>> &opa, const T *b, const T *x)
 {
     using W = wide_t<T>;
-    double r = 0, norm_a = 0, norm_x = 0, norm_b = 0;
+    double worst = 0, r = 0, norm_a = 0, norm_x = 0, norm_b = 0;
     for (int64_t i = 0; i < opa.n; ++i) {
         W s = W(b[i]);
-        double row = 0;
+        double den = std::abs(W(b[i])), row = 0;
         for (int64_t j = 0; j < opa.n; ++j) {
             s -= opa(i, j) * W(x[j]);
+            den += std::abs(opa(i, j)) * std::abs(W(x[j]));
             row += std::abs(opa(i, j));
         }
+        worst = den > 0 ? std::max(worst, std::abs(s) / den) : worst;
         r = std::max(r, std::abs(s));
         norm_a = std::max(norm_a, row);
         norm_x = std::max(norm_x, double(std::abs(W(x[i]))));
         norm_b = std::max(norm_b, double(std::abs(W(b[i]))));
     }
-    return r / (norm_a * norm_x + norm_b);
-}
-
-// max_i |b − op(A)·x|_i / (|op(A)|·|x| + |b|)_i, in double precision.
-template <class T> double componentwise_backward_error(const dense<wide_t<T>> &opa, const T *b, const T *x)
-{
-    using W = wide_t<T>;
-    double worst = 0;
-    for (int64_t i = 0; i < opa.n; ++i) {
-        W s = W(b[i]);
-        double den = std::abs(W(b[i]));
-        for (int64_t j = 0; j < opa.n; ++j) {
-            s -= opa(i, j) * W(x[j]);
-            den += std::abs(opa(i, j)) * std::abs(W(x[j]));
-        }
-        if (den > 0)
-            worst = std::max(worst, std::abs(s) / den);
-    }
-    return worst;
+    return {worst, r / (norm_a * norm_x + norm_b)};
 }
 
 } // namespace zel::test
