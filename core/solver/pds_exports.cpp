@@ -66,7 +66,10 @@ bool valid_options(const zel_pds_options &o)
            o.refinement_max_steps >= 0 && o.refinement_max_steps <= 10 && o.refinement_exponent >= 0 &&
            o.refinement_exponent <= 38 && (o.message_level == 0 || o.message_level == 1) &&
            o.operation >= ZEL_PDS_SOLVE_N && o.operation <= ZEL_PDS_SOLVE_C && o.partitions >= 1 &&
-           (o.amalgamation == 0 || o.amalgamation == 1);
+           (o.amalgamation == 0 || o.amalgamation == 1) && o.matching >= ZEL_PDS_AUTOMATIC &&
+           o.matching <= ZEL_PDS_OFF && o.scaling >= ZEL_PDS_AUTOMATIC && o.scaling <= ZEL_PDS_OFF &&
+           (o.pivoting == ZEL_PDS_PIVOTING_DIAGONAL || o.pivoting == ZEL_PDS_PIVOTING_BUNCH_KAUFMAN) &&
+           o.pivot_threshold == o.pivot_threshold;
 }
 
 template <class I> int set_permutation(zel_pds_solver *solver, I n, const I *perm)
@@ -85,8 +88,8 @@ template <class I> int set_permutation(zel_pds_solver *solver, I n, const I *per
     return ZEL_PDS_STATUS_SUCCESS;
 }
 
-template <class I> int analyse_csr(zel_pds_solver *solver, I n, const I *row_ptr, const I *col_idx, int base,
-                                   int storage)
+template <class I> int analyse_csr(zel_pds_solver *solver, I n, const I *row_ptr, const I *col_idx,
+                                   const void *values, int base, int storage)
 {
     if (solver == nullptr || (storage != ZEL_PDS_STORAGE_FULL && storage != ZEL_PDS_STORAGE_UPPER))
         return ZEL_PDS_STATUS_INVALID_VALUE;
@@ -94,7 +97,18 @@ template <class I> int analyse_csr(zel_pds_solver *solver, I n, const I *row_ptr
     if ((base != 0 && base != 1) || row_ptr == nullptr || row_ptr[0] != base)
         return ZEL_PDS_STATUS_INVALID_VALUE;
     const csr_pattern<I> a{n, I(base), row_ptr, col_idx};
-    return solver->analyse(a, storage == ZEL_PDS_STORAGE_UPPER ? csr_part::upper : csr_part::full);
+    return solver->analyse(a, storage == ZEL_PDS_STORAGE_UPPER ? csr_part::upper : csr_part::full, values);
+}
+
+// The same with values of type T, which must be the solver's.
+template <class T, class I> int analyse_csr_values(zel_pds_solver *solver, I n, const I *row_ptr, const I *col_idx,
+                                                   const T *values, int base, int storage)
+{
+    if (solver == nullptr || solver->data_type != sparse::data_type_code<T>())
+        return ZEL_PDS_STATUS_INVALID_VALUE;
+    if (values == nullptr && n > 0 && row_ptr != nullptr && row_ptr[n] != row_ptr[0])
+        return ZEL_PDS_STATUS_INVALID_VALUE;
+    return analyse_csr(solver, n, row_ptr, col_idx, values, base, storage);
 }
 
 // The CSR record of a square handle of the solver's value type whose rows lie back to back.
@@ -124,7 +138,7 @@ template <class I> int analyse_sparse(zel_pds_solver *solver, const sparse::hand
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     std::copy(csr->rows_start, csr->rows_start + matrix->rows, row_ptr.get());
     row_ptr[size_t(matrix->rows)] = csr->rows_end[matrix->rows - 1];
-    return analyse_csr(solver, matrix->rows, row_ptr.get(), csr->col_indx, csr->index_base, storage);
+    return analyse_csr(solver, matrix->rows, row_ptr.get(), csr->col_indx, csr->values, csr->index_base, storage);
 }
 
 template <class I> int factorise_sparse(zel_pds_solver *solver, const sparse::handle_t<I> *matrix)
@@ -168,6 +182,9 @@ ZEL_API const char *zel_pds_status_name(int status)
     case ZEL_PDS_STATUS_WRONG_PHASE: return "ZEL_PDS_STATUS_WRONG_PHASE";
     case ZEL_PDS_STATUS_NOT_POSITIVE_DEFINITE: return "ZEL_PDS_STATUS_NOT_POSITIVE_DEFINITE";
     case ZEL_PDS_STATUS_TOO_LARGE: return "ZEL_PDS_STATUS_TOO_LARGE";
+    case ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR: return "ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR";
+    case ZEL_PDS_STATUS_SINGULAR: return "ZEL_PDS_STATUS_SINGULAR";
+    case ZEL_PDS_STATUS_NOT_ACCURATE: return "ZEL_PDS_STATUS_NOT_ACCURATE";
     default: return "unknown";
     }
 }
@@ -184,7 +201,8 @@ ZEL_API int zel_pds_destroy(zel_pds_solver *solver)
 ZEL_API void zel_pds_default_options(zel_pds_options *options)
 {
     if (options != nullptr)
-        *options = zel_pds_options{ZEL_PDS_ORDERING_AUTOMATIC, 2, 14, 0, ZEL_PDS_SOLVE_N, 1, 1};
+        *options = zel_pds_options{ZEL_PDS_ORDERING_AUTOMATIC, 2, 14, 0, ZEL_PDS_SOLVE_N, 1, 1,
+                                   ZEL_PDS_AUTOMATIC, ZEL_PDS_AUTOMATIC, ZEL_PDS_PIVOTING_BUNCH_KAUFMAN, 0.0};
 }
 
 ZEL_API int zel_pds_set_options(zel_pds_solver *solver, const zel_pds_options *options)
@@ -225,7 +243,7 @@ ZEL_API int zel_pds_get_statistics(const zel_pds_solver *solver, zel_pds_statist
     { return zs::set_permutation(solver, n, perm); }                                                      \
     ZEL_API int zel_pds_analyse_csr_##W(zel_pds_solver *solver, I n, const I *row_ptr, const I *col_idx,  \
                                         int base, int storage)                                            \
-    { return zs::analyse_csr(solver, n, row_ptr, col_idx, base, storage); }                               \
+    { return zs::analyse_csr(solver, n, row_ptr, col_idx, nullptr, base, storage); }                      \
     ZEL_API int zel_pds_analyse_sparse_##W(zel_pds_solver *solver, const zel_sparse_matrix_##W *matrix,   \
                                            int storage)                                                   \
     { return zs::analyse_sparse<I>(solver, matrix, storage); }                                            \
@@ -234,7 +252,14 @@ ZEL_API int zel_pds_get_statistics(const zel_pds_solver *solver, zel_pds_statist
     ZEL_API int zel_pds_export_factor_##W(const zel_pds_solver *solver, zel_pds_factor_##W *factor)       \
     { return zs::export_factor(solver, factor); }
 
+#define ZEL_PDS_ANALYSE_VALUES_SHELLS(P, C, T, W, I)                                                       \
+    ZEL_API int zel_pds_##P##_analyse_csr_values_##W(zel_pds_solver *solver, I n, const I *row_ptr,       \
+                                                     const I *col_idx, const C *values, int base,         \
+                                                     int storage)                                         \
+    { return zs::analyse_csr_values(solver, n, row_ptr, col_idx, zel::as_cpp(values), base, storage); }
+
 ZEL_DENSE_MEMBERS(ZEL_PDS_VALUE_SHELLS)
+ZEL_SPARSE_MEMBERS(ZEL_PDS_ANALYSE_VALUES_SHELLS)
 ZEL_SPARSE_WIDTHS(ZEL_PDS_WIDTH_SHELLS)
 
 } // extern "C"

@@ -14,8 +14,11 @@
 
 struct zel_pds_solver {
     virtual ~zel_pds_solver() = default;
-    virtual int analyse(const zel::solver::csr_pattern<int32_t> &a, zel::solver::csr_part part) = 0;
-    virtual int analyse(const zel::solver::csr_pattern<int64_t> &a, zel::solver::csr_part part) = 0;
+    // values: null, or the caller's values (of the solver's type) for the matching.
+    virtual int analyse(const zel::solver::csr_pattern<int32_t> &a, zel::solver::csr_part part,
+                        const void *values) = 0;
+    virtual int analyse(const zel::solver::csr_pattern<int64_t> &a, zel::solver::csr_part part,
+                        const void *values) = 0;
     virtual int factorise(const void *values) = 0;
     virtual int solve(int64_t nrhs, const void *b, int64_t ldb, void *x, int64_t ldx) = 0;
     virtual int export_factor(zel_pds_factor_i4 &out) const = 0;

@@ -11,15 +11,18 @@ namespace zel::solver {
 
 template <class T> class solver_impl final : public zel_pds_solver {
 public:
-    int analyse(const csr_pattern<int32_t> &a, csr_part part) override { return analyse_at(a, part, narrow_); }
-    int analyse(const csr_pattern<int64_t> &a, csr_part part) override { return analyse_at(a, part, wide_); }
+    int analyse(const csr_pattern<int32_t> &a, csr_part part, const void *values) override
+    { return analyse_at(a, part, static_cast<const T *>(values), narrow_); }
+    int analyse(const csr_pattern<int64_t> &a, csr_part part, const void *values) override
+    { return analyse_at(a, part, static_cast<const T *>(values), wide_); }
     int factorise(const void *values) override;
     int solve(int64_t nrhs, const void *b, int64_t ldb, void *x, int64_t ldx) override;
     int export_factor(zel_pds_factor_i4 &out) const override { return export_from(narrow_, out); }
     int export_factor(zel_pds_factor_i8 &out) const override { return export_from(wide_, out); }
 
 private:
-    template <class I> int analyse_at(const csr_pattern<I> &a, csr_part part, analysis_state<T, I> &state);
+    template <class I>
+    int analyse_at(const csr_pattern<I> &a, csr_part part, const T *values, analysis_state<T, I> &state);
     template <class I> int analysis_into(const csr_pattern<I> &a, csr_part part, analysis_state<T, I> &next);
     template <class I> int factorise_at(analysis_state<T, I> &state, const T *values);
     template <class I> int solve_at(analysis_state<T, I> &state, int64_t nrhs, const T *b, int64_t ldb, T *x,
@@ -67,7 +70,8 @@ int solver_impl<T>::analysis_into(const csr_pattern<I> &a, csr_part part, analys
 
 template <class T>
 template <class I>
-int solver_impl<T>::analyse_at(const csr_pattern<I> &a, csr_part part, analysis_state<T, I> &state)
+int solver_impl<T>::analyse_at(const csr_pattern<I> &a, csr_part part, [[maybe_unused]] const T *values,
+                              analysis_state<T, I> &state)
 {
     const double start = zel_serv_dsecnd();
     analysis_state<T, I> next;

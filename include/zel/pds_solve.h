@@ -43,6 +43,8 @@ typedef struct zel_pds_frame {
     const void *bk_pivots; /* indefinite types with 1×1 and 2×2 pivots */
     const void *perm;      /* n entries, 0-based: row i of the factor is row perm[i] of A */
     const void *scaling;   /* null, or 2n reals: the first vector, then the second */
+    const void *matching;  /* null, or n entries, 0-based: row matching[j] of A is matched to
+                            * column j (the core applies it around the driver) */
     /* The solve. */
     int64_t matrix_type;   /* the solver's type code (2: real positive definite, ...) */
     int64_t pivoting;      /* pivoting mode of the indefinite types */
@@ -57,6 +59,8 @@ typedef struct zel_pds_frame {
     double backward_error;        /* out: last measured, worst column */
     double residual_norm;         /* out: last measured, worst column */
     double solve_seconds;         /* out: the last driver run */
+    double refinement_history[11];/* out: backward error before refinement ([0]) and after each
+                                   * step */
     /* A itself, for the residual: CSR, 0-based, index width and values as the factor's; with
      * a_upper 1 only the upper triangle and the diagonal are stored and the rest follows by
      * symmetry (Hermitian symmetry for the Hermitian types). */
