@@ -59,6 +59,7 @@ template <class T, class I> struct analysis_state {
     int64_t pattern_entries = 0; // of the analysed pattern, both triangles and the diagonal
     int pivoting = 0;            // the frame's pivoting mode of the last factor
     int64_t structural_rank = 0;
+    bool paired = false; // rows with weak diagonals were paired for 2×2 pivots
     // LU and L·D·Lᵀ (empty for the types that do not use them).
     scratch_array<I> u_col_ptr;
     int64_t u_stored = 0;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "pairing.hpp"
 #include "solver_object.hpp"
 #include "zel/runtime.h"
 #include "zel_internal/solve_frame.hpp"
@@ -34,6 +35,13 @@ private:
     template <class I> void keep_values(analysis_state<T, I> &state, const T *values) const;
     template <class I> int factor_values(analysis_state<T, I> &state, int64_t &failed);
     template <class I> bool allocate_factor(analysis_state<T, I> &state) const;
+    // Whether the indefinite types pair rows with weak diagonals (on unless switched off, and
+    // only under an ordering the solver chooses).
+    bool pairs_wanted() const
+    {
+        return options.matching != ZEL_PDS_OFF && options.ordering != ZEL_PDS_ORDERING_GIVEN &&
+               options.ordering != ZEL_PDS_ORDERING_NATURAL;
+    }
     template <class I> int solve_at(analysis_state<T, I> &state, int64_t nrhs, const T *b, int64_t ldb, T *x,
                                     int64_t ldx);
     template <class I> void fill_frame(const analysis_state<T, I> &state, zel_pds_frame &frame) const;
@@ -76,12 +84,18 @@ int solver_impl<T>::analysis_into(const csr_pattern<I> &a, csr_part part, const 
     amalgamation relax;
     relax.enabled = options.amalgamation != 0;
     ordering_report report;
-    int status = analyse_pattern(pattern, order, given.get(), relax, next.factor, &report);
+    scratch_array<I> groups; // rows with weak diagonals, kept together for 2×2 pivots
+    if (kind == factor_kind::ldlt && pairs_wanted())
+        if (int status = group_weak_diagonals(a, part, values, pattern, groups); status != ZEL_SPARSE_STATUS_SUCCESS)
+            return pds_status(status);
+    int status = groups ? grouped_analysis(pattern, groups.get(), order, relax, next.factor, &report)
+                        : analyse_pattern(pattern, order, given.get(), relax, next.factor, &report);
     if (status != ZEL_SPARSE_STATUS_SUCCESS)
         return pds_status(status, ZEL_PDS_STATUS_TOO_LARGE);
     if (int mapped = map_entries(next); mapped != ZEL_PDS_STATUS_SUCCESS)
         return mapped;
     next.base = a.base;
+    next.paired = bool(groups);
     next.pattern_entries = int64_t(pattern.entries()) + a.n;
     record_analysis(next, report);
     return ZEL_PDS_STATUS_SUCCESS;
@@ -164,7 +178,7 @@ void solver_impl<T>::record_analysis(const analysis_state<T, I> &state, const or
     statistics.refinement_steps = 0;
     statistics.failed_column = -1;
     statistics.structural_rank = state.structural_rank;
-    statistics.matching_used = state.matching ? 1 : 0;
+    statistics.matching_used = state.matching || state.paired ? 1 : 0;
 }
 
 // The arrays of the factor of this type and pivoting (those of another are released). False

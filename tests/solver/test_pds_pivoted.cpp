@@ -217,7 +217,9 @@ zel_pds_statistics factor_and_check(const general_csr<typename M::T> &a, int typ
     EXPECT_EQ(M::A::create(&h.s, type), ok);
     EXPECT_EQ(zel_pds_set_options(h.s, &o), ok);
     caller_matrix<M> c(a);
-    EXPECT_EQ(M::A::analyse_csr(h.s, typename M::I(a.n), c.ptr.data(), c.idx.data(), 0, ZEL_PDS_STORAGE_FULL), ok);
+    EXPECT_EQ(typed_api<M>::analyse_values(h.s, typename M::I(a.n), c.ptr.data(), c.idx.data(), c_ptr(c.val.data()),
+                                           0, ZEL_PDS_STORAGE_FULL),
+              ok);
     EXPECT_EQ(M::A::factorise(h.s, c_ptr(c.val.data())), ok);
     zel_pds_statistics st{};
     EXPECT_EQ(zel_pds_get_statistics(h.s, &st), ok);
@@ -329,7 +331,8 @@ TYPED_TEST(PdsPivoted, EmptyDiagonalNeedsInterchangesAndTwoByTwoPivots)
 
 // A saddle-point matrix [H Bᴴ; B 0] with H positive definite (n1) and B of full row rank (m1)
 // has n1 positive and m1 negative eigenvalues: the factor's inertia must say so. The natural
-// order eliminates H first, so that the zero block's pivots come from the Schur complement.
+// order eliminates H first, so that the zero block's pivots come from the Schur complement; a
+// fill-reducing order needs the rows of the zero block grouped with neighbours (2×2 pivots).
 TYPED_TEST(PdsPivoted, SaddlePointInertia)
 {
     using M = TypeParam;
@@ -349,14 +352,19 @@ TYPED_TEST(PdsPivoted, SaddlePointInertia)
             d[size_t((n1 + r) * n + c)] = v;
             d[size_t(c * n + n1 + r)] = conj(v);
         }
-    for (int pivoting : {ZEL_PDS_PIVOTING_BUNCH_KAUFMAN, ZEL_PDS_PIVOTING_DIAGONAL}) {
+    for (int pivoting : {ZEL_PDS_PIVOTING_BUNCH_KAUFMAN, ZEL_PDS_PIVOTING_DIAGONAL, -1}) {
         SCOPED_TRACE("pivoting " + std::to_string(pivoting));
-        const zel_pds_options o = pivoted_options<M>(pivoting, ZEL_PDS_ORDERING_NATURAL);
+        zel_pds_options o = pivoted_options<M>(pivoting, ZEL_PDS_ORDERING_NATURAL);
+        if (pivoting == -1) { // minimum degree with the grouping that is on by default
+            o = pivoted_options<M>(ZEL_PDS_PIVOTING_BUNCH_KAUFMAN, ZEL_PDS_ORDERING_AMD);
+            o.matching = ZEL_PDS_AUTOMATIC;
+        }
         const zel_pds_statistics st = factor_and_check<M>(from_dense(n, d), type, o, 2e4 * eps<T>);
         EXPECT_EQ(st.replaced_pivots, 0);
         EXPECT_EQ(st.positive_pivots, n1);
         EXPECT_EQ(st.negative_pivots, m1);
         EXPECT_EQ(st.zero_pivots, 0);
+        EXPECT_EQ(st.matching_used, pivoting == -1 ? 1 : 0);
     }
 }
 
