@@ -457,9 +457,13 @@ template <class I> bool to_sides(assignment<I> &s, sides<I> &m)
     return true;
 }
 
-template <class I> bool plausible(const csr_pattern<I> &a)
+// What the functions below check of their input (the caller has validated the rest): the
+// arrays they will read are there. Without entries, the index and value arrays may be null.
+template <class I> bool plausible(const csr_pattern<I> &a, const void *values)
 {
-    return a.n >= 0 && (a.base == 0 || a.base == 1) && (a.n == 0 || (a.row_ptr != nullptr && a.col_idx != nullptr));
+    if (a.n < 0 || (a.base != 0 && a.base != 1) || (a.n > 0 && a.row_ptr == nullptr))
+        return false;
+    return a.n == 0 || a.row_ptr[a.n] == a.base || (a.col_idx != nullptr && values != nullptr);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -527,7 +531,7 @@ void equilibration_finish(const csr_pattern<I> &a, const T *values, double *dr, 
 template <class I> int structural_matching(const csr_pattern<I> &a, matching_result<I> &out)
 {
     using namespace matching_detail;
-    if (!plausible(a))
+    if (!plausible(a, a.col_idx))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     sides<I> m;
     if (!m.allocate(a.n))
@@ -549,7 +553,7 @@ template <class T, class I>
 int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_result<I> &out)
 {
     using namespace matching_detail;
-    if (!plausible(a) || (a.n > 0 && values == nullptr))
+    if (!plausible(a, values))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     assignment<I> s;
     s.a = a;
@@ -584,7 +588,7 @@ template <class T, class I>
 int equilibrate(const csr_pattern<I> &a, const T *values, double *row_scaling, double *column_scaling)
 {
     using namespace matching_detail;
-    if (!plausible(a) || (a.n > 0 && (values == nullptr || row_scaling == nullptr || column_scaling == nullptr)))
+    if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     scratch_array<double> col_max;
     if (!allocate(col_max, a.n))
