@@ -69,6 +69,7 @@ template <class T, class I> struct analysis_state {
     // the scaling: Dr and Dc by A's numbering, and the frame's 2n values.
     scratch_array<I> matching, matched_row;
     scratch_array<double> row_scale, col_scale;
+    bool scaled_by_analysis = false; // the matching's duals, kept for every factorise
     scratch_array<real_t<T>> scaling;
 
     int64_t bytes_held() const;

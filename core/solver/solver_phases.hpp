@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "matching.hpp"
 #include "pairing.hpp"
 #include "scaling.hpp"
 #include "solve_phase.hpp"
@@ -105,6 +106,8 @@ int solver_impl<T>::analysis_into(const csr_pattern<I> &a, csr_part part, const 
     next.base = a.base;
     next.paired = bool(groups);
     next.pattern_entries = int64_t(pattern.entries()) + a.n;
+    if (kind != factor_kind::lu)
+        next.structural_rank = a.n;
     record_analysis(next, report);
     return ZEL_PDS_STATUS_SUCCESS;
 }
@@ -116,11 +119,39 @@ template <class I>
 int solver_impl<T>::unsymmetric_pattern(const csr_pattern<I> &a, const T *values, analysis_state<T, I> &next,
                                         sym_pattern<I> &pattern)
 {
-    if (options.matching == ZEL_PDS_ON || (options.matching == ZEL_PDS_AUTOMATIC && unsymmetric_type(matrix_type)))
-        return ZEL_PDS_STATUS_NOT_SUPPORTED;
-    (void)values;
-    (void)next;
-    return pds_status(pattern_from_csr(a, csr_part::full, pattern));
+    const bool wanted =
+        options.matching == ZEL_PDS_ON || (options.matching == ZEL_PDS_AUTOMATIC && unsymmetric_type(matrix_type));
+    matching_result<I> found;
+    const int status = wanted && values ? maximum_product_matching(a, values, found) : structural_matching(a, found);
+    if (status != ZEL_SPARSE_STATUS_SUCCESS)
+        return pds_status(status);
+    next.structural_rank = statistics.structural_rank = found.rank;
+    if (found.rank < a.n)
+        return ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR;
+    if (!wanted)
+        return pds_status(pattern_from_csr(a, csr_part::full, pattern));
+    if (found.row_scaling && scaling_wanted()) {
+        next.row_scale = std::move(found.row_scaling);
+        next.col_scale = std::move(found.column_scaling);
+        next.scaled_by_analysis = true;
+    }
+    next.matching = std::move(found.row_of_column);
+    scratch_array<I> c_ptr, c_idx;
+    if (!allocate(next.matched_row, a.n) || !allocate(c_ptr, int64_t(a.n) + 1) ||
+        !allocate(c_idx, a.n > 0 ? int64_t(a.row_ptr[a.n] - a.base) : 0))
+        return ZEL_PDS_STATUS_ALLOC_FAILED;
+    // Row j of C is row matching[j] of A.
+    c_ptr[0] = 0;
+    for (I j = 0; j < a.n; ++j) {
+        const I r = next.matching[j];
+        next.matched_row[r] = j;
+        const I from = a.row_ptr[r] - a.base, count = a.row_ptr[r + 1] - a.row_ptr[r];
+        for (I p = 0; p < count; ++p)
+            c_idx[c_ptr[j] + p] = a.col_idx[from + p] - a.base;
+        c_ptr[j + 1] = c_ptr[j] + count;
+    }
+    const csr_pattern<I> c{a.n, 0, c_ptr.get(), c_idx.get()};
+    return pds_status(pattern_from_csr(c, csr_part::full, pattern));
 }
 
 // Where each kept value lands in the factor.
@@ -227,7 +258,13 @@ int solver_impl<T>::prepare_scaling(analysis_state<T, I> &state, const T *values
             return ZEL_PDS_STATUS_ALLOC_FAILED;
         symmetric_scaling(state.matrix, values, state.row_scale.get(), work.get());
         std::copy(state.row_scale.get(), state.row_scale.get() + n, state.col_scale.get());
-    } else if (symmetric || kind_of(matrix_type) == factor_kind::cholesky) {
+    } else if (!symmetric && !state.scaled_by_analysis && scaling_wanted() && kind_of(matrix_type) == factor_kind::lu) {
+        if ((!state.row_scale && !allocate(state.row_scale, n)) || (!state.col_scale && !allocate(state.col_scale, n)))
+            return ZEL_PDS_STATUS_ALLOC_FAILED;
+        const csr_pattern<I> kept{n, 0, state.matrix.row_ptr.get(), state.matrix.col_idx.get()};
+        if (equilibrate(kept, state.values.get(), state.row_scale.get(), state.col_scale.get()) != 0)
+            return ZEL_PDS_STATUS_ALLOC_FAILED;
+    } else if (!state.scaled_by_analysis) {
         state.row_scale = scratch_array<double>();
         state.col_scale = scratch_array<double>();
     }
@@ -314,9 +351,11 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     statistics.failed_column = -1;
     statistics.replaced_pivots = statistics.positive_pivots = statistics.negative_pivots = 0;
     statistics.zero_pivots = statistics.two_by_two_pivots = 0;
-    if (!allocate_factor(state) || prepare_scaling(state, values) != ZEL_PDS_STATUS_SUCCESS)
+    if (!allocate_factor(state))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     keep_values(state, values);
+    if (prepare_scaling(state, values) != ZEL_PDS_STATUS_SUCCESS)
+        return ZEL_PDS_STATUS_ALLOC_FAILED;
     int64_t failed = -1;
     const int status = factor_values(state, failed);
     statistics.memory_used = state.bytes_held();
