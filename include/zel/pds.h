@@ -63,7 +63,8 @@ ZEL_API const char *zel_pds_status_name(int status);
 #define ZEL_PDS_ORDERING_NATURAL 4   /* no reordering */
 
 /* Matching and scaling (options.matching, options.scaling). */
-#define ZEL_PDS_AUTOMATIC 0 /* on for the unsymmetric types 11 and 13, off for the others */
+#define ZEL_PDS_AUTOMATIC 0 /* matching: on for 11, 13 and (as grouping) -2, -4, 6; scaling:
+                             * on for every type but 2 and 4 */
 #define ZEL_PDS_ON 1
 #define ZEL_PDS_OFF 2
 
@@ -98,7 +99,8 @@ typedef struct {
     int matching;              /* ZEL_PDS_AUTOMATIC / ON / OFF: a maximum-product matching
                                 * moves large entries to the diagonal before the ordering
                                 * (needs values at analysis; see zel_pds_?_analyse_csr_values_*) */
-    int scaling;               /* ZEL_PDS_AUTOMATIC / ON / OFF: row and column scaling */
+    int scaling;               /* ZEL_PDS_AUTOMATIC / ON / OFF: row and column scaling
+                                * (automatic: on for every type but 2 and 4) */
     int pivoting;              /* ZEL_PDS_PIVOTING_*; default Bunch–Kaufman */
     double pivot_threshold;    /* a pivot smaller than this times the largest entry of the
                                 * scaled matrix is replaced by ±(this times that entry); 0: the
