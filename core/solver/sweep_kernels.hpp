@@ -2,10 +2,12 @@
 // ZEL_SWEEP_ISA (the namespace of its copy), ZEL_SWEEP_VECTOR_BYTES and ZEL_SWEEP_REGISTERS
 // (its vector width and vector register count) before including this.
 //
-// Every panel is read once per sweep, a few columns at a time. One right-hand side is updated
-// in place (the rows below the diagonal block through a short work vector); several are first
-// gathered row by row into a work block of KC values a row, so that each entry of the panel
-// meets all of them in one vector operation.
+// Every panel is read once per sweep, a few columns at a time. One right-hand side of an L·Lᴴ
+// factor is updated in place (the rows below the diagonal block through a short work vector);
+// otherwise the right-hand sides are first gathered row by row into a work block of KC values
+// a row, so that each entry of the panel meets all of them in one vector operation. The
+// Bunch–Kaufman blocks are solved on the right-hand sides in place (bk_blocks.hpp), with only
+// the update through L21 gathered.
 #pragma once
 
 #include <algorithm>

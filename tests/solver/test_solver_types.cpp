@@ -270,10 +270,9 @@ TYPED_TEST(SolveTypes, RefusesFramesItCannotSolve)
         fr.l_values = nullptr;
         refused(fr);
         // Pivots that leave their block.
-        const std::vector<typename TestFixture::I> *pivots =
-            f.form == factor_form::bunch_kaufman ? &f.bk_pivots : f.form == factor_form::cholesky ? nullptr : &f.row_pivots;
-        if (pivots == nullptr)
+        if (f.form == factor_form::cholesky)
             continue;
+        const auto *pivots = f.form == factor_form::bunch_kaufman ? &f.bk_pivots : &f.row_pivots;
         const int64_t last_first = f.super_ptr[size_t(f.nsuper - 1)] - 1;
         for (int64_t bad : {int64_t(0), f.n - last_first + 1, -(f.n - last_first + 1)}) {
             std::vector<typename TestFixture::I> broken = *pivots;
