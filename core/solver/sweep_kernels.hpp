@@ -471,9 +471,9 @@ template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, 
     }
 }
 
-// x1 ← op(U11)⁻ᵀ·x1: a block of rows at a time from the first; row i takes its sum over the
-// rows above it from column i of U11 above the diagonal.
-template <bool Conj, class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+// x1 ← U11⁻ᵀ·x1: a block of rows at a time from the first; row i takes its sum over the rows
+// above it from column i of U11 above the diagonal.
+template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     for (int64_t i0 = 0; i0 < p.cols; i0 += Q) {
@@ -483,16 +483,16 @@ template <bool Conj, class T, class I, int KC> void upper_t_rows(const sweep_pan
         for (int64_t ii = 0; ii < q; ++ii)
             c[ii] = p.l + (i0 + ii) * p.rows;
         if (q == Q)
-            sum_rows_below<Q, Conj>(c, t, 0, i0, sums);
+            sum_rows_below<Q, false>(c, t, 0, i0, sums);
         else
             for (int64_t ii = 0; ii < q; ++ii)
-                sum_rows_below<1, Conj>(c + ii, t, 0, i0, sums + ii);
+                sum_rows_below<1, false>(c + ii, t, 0, i0, sums + ii);
         for (int64_t ii = 0; ii < q; ++ii) {
             lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
             subtract(a, sums[ii]);
             for (int64_t jj = 0; jj < ii; ++jj)
-                update<false, Conj>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
-            scale(a, conj_if(inverse(c[ii][i0 + ii]), Conj));
+                update<false>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
+            scale(a, inverse(c[ii][i0 + ii]));
             store_row(t + (i0 + ii) * W, a);
         }
     }
@@ -520,8 +520,8 @@ template <class T, class I> below_columns<T, I> upper_columns(const sweep_factor
     return {f.u_values, 0, f.u_col_ptr + p.first};
 }
 
-// x_off −= op(C)·x1 for the columns C below, Q columns at a time.
-template <bool Conj, class T, class I, int KC>
+// x_off −= C·x1 for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
 void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
@@ -535,15 +535,15 @@ void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, 
             pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
         }
         if (q == Q)
-            update_rows_below<Q, Conj>(c, pivot, t + p.cols * W, 0, off);
+            update_rows_below<Q>(c, pivot, t + p.cols * W, 0, off);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1, Conj>(c + jj, pivot + jj, t + p.cols * W, 0, off);
+                update_rows_below<1>(c + jj, pivot + jj, t + p.cols * W, 0, off);
     }
 }
 
-// x1 −= op(C)ᵀ·x_off for the columns C below, Q columns at a time.
-template <bool Conj, class T, class I, int KC>
+// x1 −= Cᵀ·x_off for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
 void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
@@ -555,10 +555,10 @@ void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = below.col(j0 + jj);
         if (q == Q)
-            sum_rows_below<Q, Conj>(c, t + p.cols * W, 0, off, sums);
+            sum_rows_below<Q, false>(c, t + p.cols * W, 0, off, sums);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1, Conj>(c + jj, t + p.cols * W, 0, off, sums + jj);
+                sum_rows_below<1, false>(c + jj, t + p.cols * W, 0, off, sums + jj);
         for (int64_t jj = 0; jj < q; ++jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
@@ -583,7 +583,7 @@ void interchange_rows(const sweep_panel<T, I> &p, const I *pivots, real_t<T> *t)
 // Each takes the block's right-hand sides c0 … c0+kc−1 from b and leaves them there.
 
 // Bunch–Kaufman: the block's halves run on b itself (bk_blocks.hpp); only the update through
-// L21 is gathered.
+// L21 is gathered. (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
 template <bool Forward, class T, class I, int KC>
 void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
               int64_t kc, real_t<T> *t)
@@ -594,23 +594,18 @@ void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs
         bk_forward(block, x1);
     if (p.rows > p.cols) {
         gather_rows<T, I, KC>(p, b, c0, kc, t);
-        if (Forward)
-            update_below<false, T, I, KC>(p, lower_columns(p), t);
-        else if (f.conj)
-            subtract_below<true, T, I, KC>(p, lower_columns(p), t);
+        if constexpr (Forward)
+            update_below<T, I, KC>(p, lower_columns(p), t);
         else
-            subtract_below<false, T, I, KC>(p, lower_columns(p), t);
+            subtract_below<T, I, KC>(p, lower_columns(p), t);
         scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
     }
-    if constexpr (!Forward) {
-        if (f.conj)
-            bk_backward<bk_symmetry::hermitian>(block, x1);
-        else
-            bk_backward<bk_symmetry::symmetric>(block, x1);
-    }
+    if constexpr (!Forward)
+        bk_backward<bk_symmetry::symmetric>(block, x1);
 }
 
-// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back.
+// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back. The
+// conjugate factor of a transposed sweep is the caller's (sweep_entry).
 template <sweep_kind K, class T, class I, int KC>
 int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
 {
@@ -625,23 +620,15 @@ int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, 
         forward_rows<true, T, I, KC>(p, t);
         return p.rows;
     } else if constexpr (K == k::lu_backward) {
-        subtract_below<false, T, I, KC>(p, upper_columns(f, p), t);
+        subtract_below<T, I, KC>(p, upper_columns(f, p), t);
         upper_rows<T, I, KC>(p, t);
     } else if constexpr (K == k::lu_forward_t) {
-        if (f.conj) {
-            upper_t_rows<true, T, I, KC>(p, t);
-            update_below<true, T, I, KC>(p, upper_columns(f, p), t);
-        } else {
-            upper_t_rows<false, T, I, KC>(p, t);
-            update_below<false, T, I, KC>(p, upper_columns(f, p), t);
-        }
+        upper_t_rows<T, I, KC>(p, t);
+        update_below<T, I, KC>(p, upper_columns(f, p), t);
         return p.rows;
     } else {
         static_assert(K == k::lu_backward_t);
-        if (f.conj)
-            backward_rows<true, true, T, I, KC>(p, t);
-        else
-            backward_rows<true, false, T, I, KC>(p, t);
+        backward_rows<true, false, T, I, KC>(p, t);
         interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, t);
     }
     return p.cols;

@@ -217,14 +217,16 @@ TYPED_TEST(SolveTypes, OutputScalingByTypeAndOperation)
 
 // Error 2 from every path for a frame it cannot solve, with x untouched. The solve phase picks
 // the driver by the type code, so a type of the other value kind is only the drivers' to refuse.
-template <class T, class I> void expect_refused(const typed_factor<T, I> &f, const zel_pds_frame &fr, bool by_phase = true)
+template <class T, class I>
+void expect_refused(const typed_factor<T, I> &f, const zel_pds_frame &frame, bool by_phase = true)
 {
     const std::vector<T> b = random_block<T>(f.n, 2, f.n, 3);
     const std::vector<T> before = random_block<T>(f.n, 2, f.n, 4);
     std::vector<T> x = before;
+    using fixture = SolveTypes<types<T, I>>;
     for (path how : {path::phase, path::seq_driver, path::par_driver}) {
         if (by_phase || how != path::phase) {
-            EXPECT_EQ(SolveTypes<types<T, I>>::solve(how, fr, b.data(), x.data()), 2) << int(how);
+            EXPECT_EQ(fixture::solve(how, frame, b.data(), x.data()), 2) << int(how);
         }
     }
     EXPECT_EQ(x, before);
