@@ -5,9 +5,8 @@
 // Every panel is read once per sweep, a few columns at a time. One right-hand side of an L·Lᴴ
 // factor is updated in place (the rows below the diagonal block through a short work vector);
 // otherwise the right-hand sides are first gathered row by row into a work block of KC values
-// a row, so that each entry of the panel meets all of them in one vector operation. The
-// Bunch–Kaufman blocks are solved on the right-hand sides in place (bk_blocks.hpp), with only
-// the update through L21 gathered.
+// a row, so that each entry of the panel meets all of them in one vector operation (the
+// Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below).
 #pragma once
 
 #include <algorithm>
@@ -582,26 +581,51 @@ void interchange_rows(const sweep_panel<T, I> &p, const I *pivots, real_t<T> *t)
 // ---- One panel of each kind of sweep ----
 // Each takes the block's right-hand sides c0 … c0+kc−1 from b and leaves them there.
 
-// Bunch–Kaufman: the block's halves run on b itself (bk_blocks.hpp); only the update through
-// L21 is gathered. (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
+// The row operations of the Bunch–Kaufman halves (bk_blocks.hpp) on a gathered panel.
+template <class T, int KC> struct gathered_rows {
+    static constexpr int W = lanes<T, KC>::reals;
+    real_t<T> *t;
+
+    void swap(int64_t i, int64_t j) const
+    {
+        if (i != j)
+            std::swap_ranges(t + i * W, t + (i + 1) * W, t + j * W);
+    }
+    void eliminate(const T *const *l, int width, int64_t k, int64_t i0, int64_t i1) const
+    {
+        const lanes<T, KC> pivot[2] = {load_row<T, KC>(t + k * W),
+                                       width == 2 ? load_row<T, KC>(t + (k + 1) * W) : zero_row<T, KC>()};
+        if (width == 2)
+            update_rows_below<2>(l, pivot, t, i0, i1);
+        else
+            update_rows_below<1>(l, pivot, t, i0, i1);
+    }
+    template <bool Conj> void subtract_dot(const T *l, int64_t j, int64_t i0, int64_t i1) const
+    {
+        lanes<T, KC> sum;
+        sum_rows_below<1, Conj>(&l, t, i0, i1, &sum);
+        lanes<T, KC> a = load_row<T, KC>(t + j * W);
+        subtract(a, sum);
+        store_row(t + j * W, a);
+    }
+};
+
+// Bunch–Kaufman: the block's halves on the gathered rows, the update through L21 between them.
+// (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
 template <bool Forward, class T, class I, int KC>
 void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
               int64_t kc, real_t<T> *t)
 {
     const bk_block<T, I> block{p.cols, p.l, p.rows, f.bk_pivots + p.first};
-    const bk_rhs<T> x1{b.x + c0 * b.ld + p.first, b.ld, kc};
-    if constexpr (Forward)
-        bk_forward(block, x1);
-    if (p.rows > p.cols) {
-        gather_rows<T, I, KC>(p, b, c0, kc, t);
-        if constexpr (Forward)
-            update_below<T, I, KC>(p, lower_columns(p), t);
-        else
-            subtract_below<T, I, KC>(p, lower_columns(p), t);
-        scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
+    gather_rows<T, I, KC>(p, b, c0, kc, t);
+    if constexpr (Forward) {
+        bk_forward(block, gathered_rows<T, KC>{t});
+        update_below<T, I, KC>(p, lower_columns(p), t);
+    } else {
+        subtract_below<T, I, KC>(p, lower_columns(p), t);
+        bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{t});
     }
-    if constexpr (!Forward)
-        bk_backward<bk_symmetry::symmetric>(block, x1);
+    scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
 }
 
 // The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back. The
