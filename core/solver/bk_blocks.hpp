@@ -28,12 +28,47 @@ template <class T, class P> struct bk_block {
     T at(int64_t i, int64_t j) const { return a[i + j * lda]; }
 };
 
-// nrhs columns of the block's n rows at leading dimension ld.
+// nrhs columns of the block's n rows at leading dimension ld, and the row operations the
+// forward and backward halves are written in (a sweep supplies the same operations on rows it
+// has gathered).
 template <class T> struct bk_rhs {
     T *b;
     int64_t ld, nrhs;
 
     T *col(int64_t c) const { return b + c * ld; }
+
+    void swap(int64_t i, int64_t j) const
+    {
+        if (i != j)
+            for (int64_t c = 0; c < nrhs; ++c)
+                std::swap(col(c)[i], col(c)[j]);
+    }
+
+    // Rows i0 … i1−1 −= Σ_q l[q][i]·row(k + q), q < width (1 or 2).
+    void eliminate(const T *const *l, int width, int64_t k, int64_t i0, int64_t i1) const
+    {
+        for (int64_t c = 0; c < nrhs; ++c) {
+            T *x = col(c);
+            const T y0 = x[k], y1 = width == 2 ? x[k + 1] : T(0);
+            if (width == 2)
+                for (int64_t i = i0; i < i1; ++i)
+                    x[i] -= l[0][i] * y0 + l[1][i] * y1;
+            else
+                for (int64_t i = i0; i < i1; ++i)
+                    x[i] -= l[0][i] * y0;
+        }
+    }
+
+    // Row j −= Σ_i op(l[i])·row(i) over i0 … i1−1, op conjugating when Conj.
+    template <bool Conj> void subtract_dot(const T *l, int64_t j, int64_t i0, int64_t i1) const
+    {
+        for (int64_t c = 0; c < nrhs; ++c) {
+            T *x = col(c), s(0);
+            for (int64_t i = i0; i < i1; ++i)
+                s += conj_if(l[i], Conj) * x[i];
+            x[j] -= s;
+        }
+    }
 };
 
 // Whether ipiv describes 1×1 and 2×2 pivots of an n × n block: every target in 1 … n, and
@@ -53,31 +88,16 @@ template <class P> bool bk_pivots_valid(const P *ipiv, int64_t n)
     return true;
 }
 
-template <class T> void swap_rows(const bk_rhs<T> &x, int64_t i, int64_t j)
-{
-    if (i != j)
-        for (int64_t c = 0; c < x.nrhs; ++c)
-            std::swap(x.col(c)[i], x.col(c)[j]);
-}
-
-// x ← L⁻¹·x: at each pivot the interchange, then the multipliers of its column(s).
-template <class T, class P> void bk_forward(const bk_block<T, P> &a, const bk_rhs<T> &x)
+// x ← L⁻¹·x: at each pivot the interchange, then the multipliers of its column(s). Rows: any
+// type with bk_rhs's row operations.
+template <class T, class P, class Rows> void bk_forward(const bk_block<T, P> &a, const Rows &x)
 {
     for (int64_t k = 0; k < a.n;) {
         const bool pair = a.ipiv[k] < 0;
         const int64_t width = pair ? 2 : 1, p = (pair ? -a.ipiv[k] : a.ipiv[k]) - 1;
-        swap_rows(x, k + width - 1, p);
-        const T *l0 = a.a + k * a.lda, *l1 = l0 + a.lda;
-        for (int64_t c = 0; c < x.nrhs; ++c) {
-            T *b = x.col(c);
-            const T y0 = b[k], y1 = pair ? b[k + 1] : T(0);
-            if (pair)
-                for (int64_t i = k + 2; i < a.n; ++i)
-                    b[i] -= l0[i] * y0 + l1[i] * y1;
-            else
-                for (int64_t i = k + 1; i < a.n; ++i)
-                    b[i] -= l0[i] * y0;
-        }
+        x.swap(k + width - 1, p);
+        const T *l[2] = {a.a + k * a.lda, a.a + (k + 1) * a.lda};
+        x.eliminate(l, int(width), k, k + width, a.n);
         k += width;
     }
 }
@@ -111,23 +131,15 @@ template <bk_symmetry S, class T, class P> void bk_diagonal(const bk_block<T, P>
 
 // x ← L⁻ᵀ·x (L⁻ᴴ·x): from the last pivot back, the products with the multipliers below it,
 // then its interchange.
-template <bk_symmetry S, class T, class P> void bk_backward(const bk_block<T, P> &a, const bk_rhs<T> &x)
+template <bk_symmetry S, class T, class P, class Rows> void bk_backward(const bk_block<T, P> &a, const Rows &x)
 {
     constexpr bool herm = S == bk_symmetry::hermitian;
     for (int64_t k = a.n - 1; k >= 0;) {
         const bool pair = a.ipiv[k] < 0;
         const int64_t first = pair ? k - 1 : k, p = (pair ? -a.ipiv[k] : a.ipiv[k]) - 1;
-        for (int64_t c = 0; c < x.nrhs; ++c) {
-            T *b = x.col(c);
-            for (int64_t j = first; j <= k; ++j) {
-                const T *l = a.a + j * a.lda;
-                T s(0);
-                for (int64_t i = k + 1; i < a.n; ++i)
-                    s += conj_if(l[i], herm) * b[i];
-                b[j] -= s;
-            }
-        }
-        swap_rows(x, k, p);
+        for (int64_t j = first; j <= k; ++j)
+            x.template subtract_dot<herm>(a.a + j * a.lda, j, k + 1, a.n);
+        x.swap(k, p);
         k = first - 1;
     }
 }

@@ -21,7 +21,8 @@
 namespace zel::solver {
 
 // The factor as the frame hands it over: 1-based pointers, row numbers and pivots. conj: the
-// sweep applies the conjugate factor (Aᴴ of an unsymmetric matrix, Lᴴ of a Hermitian one).
+// sweep applies the conjugate factor (Aᴴ of an unsymmetric matrix, Lᴴ of a Hermitian one), as
+// the conjugate of the plain sweep on the conjugate right-hand sides.
 template <class T, class I> struct sweep_factor {
     I nsuper;
     const I *super_ptr, *col_ptr, *row_ptr, *row_index;
@@ -124,6 +125,18 @@ template <class T, class I> const sweep_table<T, I> &sweeps_for()
     return std::get<sweep_table<T, I>>(*sweeps_active);
 }
 
+// The n rows of a block's right-hand sides conjugated, when asked: a sweep with conj(F) is the
+// conjugate of the sweep with F on the conjugate right-hand sides, so no kernel takes a
+// conjugated variant but the Cholesky one (whose backward sweep is Lᴴ in every case).
+template <class T> void conjugate_if(const rhs_block<T> &b, int64_t n, bool conj)
+{
+    if constexpr (is_complex_v<T>)
+        if (conj)
+            for (int64_t c = 0; c < b.k; ++c)
+                for (int64_t i = 0; i < n; ++i)
+                    b.x[c * b.ld + i] = std::conj(b.x[c * b.ld + i]);
+}
+
 // Whether a sweep of kind K applies the conjugate factor: the transposed unsymmetric sweeps
 // for Aᴴ, the backward sweeps of the Hermitian indefinite type.
 template <sweep_kind K, class T> bool conjugates(const zel_pds_frame &frame)
@@ -216,7 +229,9 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
         return;
     }
     const rhs_block<T> b{work, std::max<int64_t>(ldw, frame->n), nrhs};
+    conjugate_if(b, frame->n, f.conj);
     sweeps_for<T, I>()[int(K)](f, b, t.get());
+    conjugate_if(b, frame->n, f.conj);
 }
 
 } // namespace zel::solver

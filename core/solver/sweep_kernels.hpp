@@ -2,10 +2,11 @@
 // ZEL_SWEEP_ISA (the namespace of its copy), ZEL_SWEEP_VECTOR_BYTES and ZEL_SWEEP_REGISTERS
 // (its vector width and vector register count) before including this.
 //
-// Every panel is read once per sweep, a few columns at a time. One right-hand side is updated
-// in place (the rows below the diagonal block through a short work vector); several are first
-// gathered row by row into a work block of KC values a row, so that each entry of the panel
-// meets all of them in one vector operation.
+// Every panel is read once per sweep, a few columns at a time. One right-hand side of an L·Lᴴ
+// factor is updated in place (the rows below the diagonal block through a short work vector);
+// otherwise the right-hand sides are first gathered row by row into a work block of KC values
+// a row, so that each entry of the panel meets all of them in one vector operation (the
+// Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below).
 #pragma once
 
 #include <algorithm>
@@ -469,9 +470,9 @@ template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, 
     }
 }
 
-// x1 ← op(U11)⁻ᵀ·x1: a block of rows at a time from the first; row i takes its sum over the
-// rows above it from column i of U11 above the diagonal.
-template <bool Conj, class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+// x1 ← U11⁻ᵀ·x1: a block of rows at a time from the first; row i takes its sum over the rows
+// above it from column i of U11 above the diagonal.
+template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     for (int64_t i0 = 0; i0 < p.cols; i0 += Q) {
@@ -481,16 +482,16 @@ template <bool Conj, class T, class I, int KC> void upper_t_rows(const sweep_pan
         for (int64_t ii = 0; ii < q; ++ii)
             c[ii] = p.l + (i0 + ii) * p.rows;
         if (q == Q)
-            sum_rows_below<Q, Conj>(c, t, 0, i0, sums);
+            sum_rows_below<Q, false>(c, t, 0, i0, sums);
         else
             for (int64_t ii = 0; ii < q; ++ii)
-                sum_rows_below<1, Conj>(c + ii, t, 0, i0, sums + ii);
+                sum_rows_below<1, false>(c + ii, t, 0, i0, sums + ii);
         for (int64_t ii = 0; ii < q; ++ii) {
             lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
             subtract(a, sums[ii]);
             for (int64_t jj = 0; jj < ii; ++jj)
-                update<false, Conj>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
-            scale(a, conj_if(inverse(c[ii][i0 + ii]), Conj));
+                update<false>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
+            scale(a, inverse(c[ii][i0 + ii]));
             store_row(t + (i0 + ii) * W, a);
         }
     }
@@ -518,8 +519,8 @@ template <class T, class I> below_columns<T, I> upper_columns(const sweep_factor
     return {f.u_values, 0, f.u_col_ptr + p.first};
 }
 
-// x_off −= op(C)·x1 for the columns C below, Q columns at a time.
-template <bool Conj, class T, class I, int KC>
+// x_off −= C·x1 for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
 void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
@@ -533,15 +534,15 @@ void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, 
             pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
         }
         if (q == Q)
-            update_rows_below<Q, Conj>(c, pivot, t + p.cols * W, 0, off);
+            update_rows_below<Q>(c, pivot, t + p.cols * W, 0, off);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1, Conj>(c + jj, pivot + jj, t + p.cols * W, 0, off);
+                update_rows_below<1>(c + jj, pivot + jj, t + p.cols * W, 0, off);
     }
 }
 
-// x1 −= op(C)ᵀ·x_off for the columns C below, Q columns at a time.
-template <bool Conj, class T, class I, int KC>
+// x1 −= Cᵀ·x_off for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
 void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
@@ -553,10 +554,10 @@ void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = below.col(j0 + jj);
         if (q == Q)
-            sum_rows_below<Q, Conj>(c, t + p.cols * W, 0, off, sums);
+            sum_rows_below<Q, false>(c, t + p.cols * W, 0, off, sums);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1, Conj>(c + jj, t + p.cols * W, 0, off, sums + jj);
+                sum_rows_below<1, false>(c + jj, t + p.cols * W, 0, off, sums + jj);
         for (int64_t jj = 0; jj < q; ++jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
@@ -580,35 +581,55 @@ void interchange_rows(const sweep_panel<T, I> &p, const I *pivots, real_t<T> *t)
 // ---- One panel of each kind of sweep ----
 // Each takes the block's right-hand sides c0 … c0+kc−1 from b and leaves them there.
 
-// Bunch–Kaufman: the block's halves run on b itself (bk_blocks.hpp); only the update through
-// L21 is gathered.
+// The row operations of the Bunch–Kaufman halves (bk_blocks.hpp) on a gathered panel.
+template <class T, int KC> struct gathered_rows {
+    static constexpr int W = lanes<T, KC>::reals;
+    real_t<T> *t;
+
+    void swap(int64_t i, int64_t j) const
+    {
+        if (i != j)
+            std::swap_ranges(t + i * W, t + (i + 1) * W, t + j * W);
+    }
+    void eliminate(const T *const *l, int width, int64_t k, int64_t i0, int64_t i1) const
+    {
+        const lanes<T, KC> pivot[2] = {load_row<T, KC>(t + k * W),
+                                       width == 2 ? load_row<T, KC>(t + (k + 1) * W) : zero_row<T, KC>()};
+        if (width == 2)
+            update_rows_below<2>(l, pivot, t, i0, i1);
+        else
+            update_rows_below<1>(l, pivot, t, i0, i1);
+    }
+    template <bool Conj> void subtract_dot(const T *l, int64_t j, int64_t i0, int64_t i1) const
+    {
+        lanes<T, KC> sum;
+        sum_rows_below<1, Conj>(&l, t, i0, i1, &sum);
+        lanes<T, KC> a = load_row<T, KC>(t + j * W);
+        subtract(a, sum);
+        store_row(t + j * W, a);
+    }
+};
+
+// Bunch–Kaufman: the block's halves on the gathered rows, the update through L21 between them.
+// (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
 template <bool Forward, class T, class I, int KC>
 void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
               int64_t kc, real_t<T> *t)
 {
     const bk_block<T, I> block{p.cols, p.l, p.rows, f.bk_pivots + p.first};
-    const bk_rhs<T> x1{b.x + c0 * b.ld + p.first, b.ld, kc};
-    if constexpr (Forward)
-        bk_forward(block, x1);
-    if (p.rows > p.cols) {
-        gather_rows<T, I, KC>(p, b, c0, kc, t);
-        if (Forward)
-            update_below<false, T, I, KC>(p, lower_columns(p), t);
-        else if (f.conj)
-            subtract_below<true, T, I, KC>(p, lower_columns(p), t);
-        else
-            subtract_below<false, T, I, KC>(p, lower_columns(p), t);
-        scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
+    gather_rows<T, I, KC>(p, b, c0, kc, t);
+    if constexpr (Forward) {
+        bk_forward(block, gathered_rows<T, KC>{t});
+        update_below<T, I, KC>(p, lower_columns(p), t);
+    } else {
+        subtract_below<T, I, KC>(p, lower_columns(p), t);
+        bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{t});
     }
-    if constexpr (!Forward) {
-        if (f.conj)
-            bk_backward<bk_symmetry::hermitian>(block, x1);
-        else
-            bk_backward<bk_symmetry::symmetric>(block, x1);
-    }
+    scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
 }
 
-// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back.
+// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back. The
+// conjugate factor of a transposed sweep is the caller's (sweep_entry).
 template <sweep_kind K, class T, class I, int KC>
 int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
 {
@@ -623,23 +644,15 @@ int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, 
         forward_rows<true, T, I, KC>(p, t);
         return p.rows;
     } else if constexpr (K == k::lu_backward) {
-        subtract_below<false, T, I, KC>(p, upper_columns(f, p), t);
+        subtract_below<T, I, KC>(p, upper_columns(f, p), t);
         upper_rows<T, I, KC>(p, t);
     } else if constexpr (K == k::lu_forward_t) {
-        if (f.conj) {
-            upper_t_rows<true, T, I, KC>(p, t);
-            update_below<true, T, I, KC>(p, upper_columns(f, p), t);
-        } else {
-            upper_t_rows<false, T, I, KC>(p, t);
-            update_below<false, T, I, KC>(p, upper_columns(f, p), t);
-        }
+        upper_t_rows<T, I, KC>(p, t);
+        update_below<T, I, KC>(p, upper_columns(f, p), t);
         return p.rows;
     } else {
         static_assert(K == k::lu_backward_t);
-        if (f.conj)
-            backward_rows<true, true, T, I, KC>(p, t);
-        else
-            backward_rows<true, false, T, I, KC>(p, t);
+        backward_rows<true, false, T, I, KC>(p, t);
         interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, t);
     }
     return p.cols;

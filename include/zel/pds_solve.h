@@ -2,10 +2,12 @@
  *
  * What it holds: the solve frame (the factor's arrays, the permutation, the scaling and the
  * solve's settings, as the solver object hands them to the solve phase); the layer's solve
- * driver and iterative refinement; the core's multi-right-hand-side sweep kernels, residual,
- * scaled norm, phase dispatch and partition count that the driver and refinement call.
+ * driver and iterative refinement; the core's multi-right-hand-side sweep kernels for every
+ * kind of factor, Bunch–Kaufman block routines, residual, scaled norm, phase dispatch and
+ * partition count that the driver and refinement call.
  * Members: drivers and refinement in _real and _cmplx (double or single values and 32- or
- * 64-bit indices, as the frame says); sweep kernels under zel_pds_[lp64_][sp_]…_<real|cmplx>.
+ * 64-bit indices, as the frame says); sweep kernels under zel_pds_[lp64_][sp_]…_<real|cmplx>;
+ * block routines zel_pds_<s|d|c|z>sytrs_… and zel_pds_<c|z>hetrs_… (64-bit integers).
  * Conventions: factor arrays are 1-based as zel/pds.h describes; perm is 0-based; right-hand
  * side and solution blocks are column-major with the frame's leading dimensions; work blocks
  * have leading dimension n. Results come back through the integer error slot: 0 success,
@@ -100,8 +102,9 @@ ZEL_API void zel_pds_iter_ref_cmplx(zel_pds_frame *handle, const void *b, void *
 ZEL_API int64_t zel_pds_pds_get_num_threads(const zel_pds_frame *handle);
 
 /* Runs a phase of the solver on the frame; ZEL_PDS_PHASE_SOLVE: x = op(A)⁻¹·b through the
- * driver for the frame's nrhs columns (b and x with the frame's ldb and ldx). Any other phase
- * sets error 2. */
+ * driver for the frame's nrhs columns (b and x with the frame's ldb and ldx), with the
+ * frame's matching and scaling applied around it (docs/solver.md). Any other phase sets
+ * error 2. */
 ZEL_API void zel_pds_kernel_dispatch(zel_pds_frame *handle, int64_t phase, const void *b, void *x, int64_t *error);
 
 /* r = b − op(A)·x for the frame's nrhs columns (r with leading dimension n). */
@@ -272,14 +275,14 @@ ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_real(const zel_pds_f
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
@@ -288,14 +291,14 @@ ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_f
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
@@ -304,14 +307,14 @@ ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_fra
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
@@ -320,14 +323,14 @@ ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_fra
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, double *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs, float *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    double *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_real(const zel_pds_frame *handle, int64_t nrhs,
+    float *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
@@ -336,14 +339,14 @@ ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *ha
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
@@ -352,110 +355,110 @@ ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *ha
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_fwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
 ZEL_API void zel_pds_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
     int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex16 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
-ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs, zel_complex8 *work,
-    int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_t_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_unsym_bwd_ker_t_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_diag_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_fwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex16 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_seq_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
+ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_pds_frame *handle, int64_t nrhs,
+    zel_complex8 *work, int64_t ldw, int64_t *error);
 
 /* Bunch–Kaufman solves on one diagonal block factored in the lower form of the reference
  * ?sytrf / ?hetrf (1×1 and 2×2 pivot blocks of D on the diagonal and first subdiagonal, unit
@@ -469,22 +472,25 @@ ZEL_API void zel_pds_lp64_sp_pds_sym_indef_bk_bwd_ker_par_nrhs_cmplx(const zel_p
  * not describe 1×1 and 2×2 blocks of the n rows). */
 ZEL_API void zel_pds_dsytrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
     const double *a, const int64_t *lda, const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info);
-ZEL_API void zel_pds_dsytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const double *a, const int64_t *lda, const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info);
-ZEL_API void zel_pds_dsytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const double *a, const int64_t *lda, const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info);
+ZEL_API void zel_pds_dsytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs, const double *a,
+    const int64_t *lda, const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info);
+ZEL_API void zel_pds_dsytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs, const double *a,
+    const int64_t *lda, const int64_t *ipiv, double *b, const int64_t *ldb, int64_t *info);
 ZEL_API void zel_pds_ssytrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
     const float *a, const int64_t *lda, const int64_t *ipiv, float *b, const int64_t *ldb, int64_t *info);
-ZEL_API void zel_pds_ssytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const float *a, const int64_t *lda, const int64_t *ipiv, float *b, const int64_t *ldb, int64_t *info);
-ZEL_API void zel_pds_ssytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const float *a, const int64_t *lda, const int64_t *ipiv, float *b, const int64_t *ldb, int64_t *info);
+ZEL_API void zel_pds_ssytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs, const float *a,
+    const int64_t *lda, const int64_t *ipiv, float *b, const int64_t *ldb, int64_t *info);
+ZEL_API void zel_pds_ssytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs, const float *a,
+    const int64_t *lda, const int64_t *ipiv, float *b, const int64_t *ldb, int64_t *info);
 ZEL_API void zel_pds_zsytrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_zsytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_zsytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_csytrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
     const zel_complex8 *a, const int64_t *lda, const int64_t *ipiv, zel_complex8 *b, const int64_t *ldb, int64_t *info);
 ZEL_API void zel_pds_csytrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
@@ -492,11 +498,14 @@ ZEL_API void zel_pds_csytrs_bkl_scal_varisol(const char *uplo, const int64_t *n,
 ZEL_API void zel_pds_csytrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
     const zel_complex8 *a, const int64_t *lda, const int64_t *ipiv, zel_complex8 *b, const int64_t *ldb, int64_t *info);
 ZEL_API void zel_pds_zhetrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_zhetrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_zhetrs_bklbw_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
-    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb, int64_t *info);
+    const zel_complex16 *a, const int64_t *lda, const int64_t *ipiv, zel_complex16 *b, const int64_t *ldb,
+    int64_t *info);
 ZEL_API void zel_pds_chetrs_bklfw_noscal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,
     const zel_complex8 *a, const int64_t *lda, const int64_t *ipiv, zel_complex8 *b, const int64_t *ldb, int64_t *info);
 ZEL_API void zel_pds_chetrs_bkl_scal_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,

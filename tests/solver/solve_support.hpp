@@ -721,7 +721,8 @@ template <class T, class I> void unfold(typed_factor<T, I> &f, const dense<wide_
     for (int64_t j = 0; j < f.n; ++j)
         for (int64_t k = 0; k < f.n; ++k) {
             const int64_t row = f.matching.empty() ? j : int64_t(f.matching[size_t(j)]);
-            const double scale = f.scaling.empty() ? 1.0 : double(f.scaling[size_t(f.n + j)]) * double(f.scaling[size_t(k)]);
+            const double scale =
+                f.scaling.empty() ? 1.0 : double(f.scaling[size_t(f.n + j)]) * double(f.scaling[size_t(k)]);
             f.a(row, k) = c(j, k) / scale;
         }
     f.a_row_ptr.assign(1, 0);

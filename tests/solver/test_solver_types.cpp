@@ -43,7 +43,7 @@ template <class T> using routines = kind_routines<zel::is_complex_v<T>>;
 enum class path { phase, seq_driver, par_driver };
 
 template <class P> class SolveTypes : public ::testing::Test {
-protected:
+public:
     using T = typename P::T;
     using I = typename P::index;
     using W = wide_t<T>;
@@ -215,82 +215,74 @@ TYPED_TEST(SolveTypes, OutputScalingByTypeAndOperation)
     }
 }
 
-// Error 2 for what the driver cannot solve, with x untouched: an unknown type or one of the
-// other value kind, arrays missing for the factor's kind, pivots outside their blocks.
-TYPED_TEST(SolveTypes, RefusesFramesItCannotSolve)
+// Error 2 from every path for a frame it cannot solve, with x untouched. The solve phase picks
+// the driver by the type code, so a type of the other value kind is only the drivers' to refuse.
+template <class T, class I>
+void expect_refused(const typed_factor<T, I> &f, const zel_pds_frame &frame, bool by_phase = true)
 {
-    using T = typename TestFixture::T;
-    constexpr bool complex = zel::is_complex_v<T>;
+    const std::vector<T> b = random_block<T>(f.n, 2, f.n, 3);
+    const std::vector<T> before = random_block<T>(f.n, 2, f.n, 4);
+    std::vector<T> x = before;
+    using fixture = SolveTypes<types<T, I>>;
+    for (path how : {path::phase, path::seq_driver, path::par_driver}) {
+        if (by_phase || how != path::phase) {
+            EXPECT_EQ(fixture::solve(how, frame, b.data(), x.data()), 2) << int(how);
+        }
+    }
+    EXPECT_EQ(x, before);
+}
+
+// An unknown type or one of the other value kind; arrays missing for the factor's kind.
+TYPED_TEST(SolveTypes, RefusesUnknownTypesAndMissingArrays)
+{
+    constexpr bool complex = zel::is_complex_v<typename TestFixture::T>;
     for (const auto &c : this->cases()) {
         const auto &f = *c.f;
         if (c.shape != 2)
             continue;
         SCOPED_TRACE(this->name(c));
-        const std::vector<T> b = random_block<T>(f.n, 2, f.n, 3);
-        const std::vector<T> before = random_block<T>(f.n, 2, f.n, 4);
-        std::vector<T> x = before;
-        auto refused = [&](const zel_pds_frame &fr, bool by_phase = true) {
-            for (path how : {path::phase, path::seq_driver, path::par_driver}) {
-                if (by_phase || how != path::phase) {
-                    EXPECT_EQ(this->solve(how, fr, b.data(), x.data()), 2) << int(how);
-                }
-            }
-            EXPECT_EQ(x, before);
-        };
-        // The solve phase picks the driver by the type code, so a type of the other value kind
-        // is the drivers' to refuse.
         for (int64_t type : {0, 5, -1, 12, complex ? 2 : 4, complex ? 11 : 13, complex ? -2 : 6}) {
             zel_pds_frame fr = f.frame(2, 0);
             fr.matrix_type = type;
-            refused(fr, zel::pds::complex_type(type) == complex);
+            expect_refused(f, fr, zel::pds::complex_type(type) == complex);
         }
-        zel_pds_frame fr = f.frame(2, 1);
-        switch (f.form) {
-        case factor_form::lu:
-            fr.u_col_ptr = nullptr;
-            refused(fr);
-            fr = f.frame(2, 1);
-            fr.row_pivots = nullptr;
-            refused(fr);
-            break;
-        case factor_form::diagonal_pivots:
-            fr.diagonal = nullptr;
-            refused(fr);
-            fr = f.frame(2, 1);
-            fr.row_pivots = nullptr;
-            refused(fr);
-            break;
-        case factor_form::bunch_kaufman:
-            fr.bk_pivots = nullptr;
-            refused(fr);
-            break;
-        default: break;
-        }
-        fr = f.frame(2, 0);
-        fr.l_values = nullptr;
-        refused(fr);
-        // Pivots that leave their block.
-        const std::vector<typename TestFixture::I> *pivots =
-            f.form == factor_form::bunch_kaufman ? &f.bk_pivots : f.form == factor_form::cholesky ? nullptr : &f.row_pivots;
-        if (pivots == nullptr)
+        std::vector<const void *zel_pds_frame::*> missing = {&zel_pds_frame::l_values, &zel_pds_frame::super_ptr};
+        if (f.form == factor_form::lu)
+            missing.insert(missing.end(), {&zel_pds_frame::u_col_ptr, &zel_pds_frame::row_pivots});
+        if (f.form == factor_form::diagonal_pivots)
+            missing.insert(missing.end(), {&zel_pds_frame::diagonal, &zel_pds_frame::row_pivots});
+        if (f.form == factor_form::bunch_kaufman)
+            missing.push_back(&zel_pds_frame::bk_pivots);
+        for (auto field : missing)
+            for (int64_t op : {0, 1}) {
+                zel_pds_frame fr = f.frame(2, op);
+                fr.*field = nullptr;
+                expect_refused(f, fr);
+            }
+    }
+}
+
+// Pivots that leave their block: 0, one past the block, a 2×2 pivot past it or in its last row.
+TYPED_TEST(SolveTypes, RefusesPivotsOutsideTheirBlocks)
+{
+    using I = typename TestFixture::I;
+    for (const auto &c : this->cases()) {
+        const auto &f = *c.f;
+        if (c.shape != 2 || f.form == factor_form::cholesky)
             continue;
-        const int64_t last_first = f.super_ptr[size_t(f.nsuper - 1)] - 1;
-        for (int64_t bad : {int64_t(0), f.n - last_first + 1, -(f.n - last_first + 1)}) {
-            std::vector<typename TestFixture::I> broken = *pivots;
-            broken[size_t(last_first)] = typename TestFixture::I(bad);
-            if (f.form == factor_form::bunch_kaufman && bad < 0 && last_first + 1 < f.n)
-                broken[size_t(last_first + 1)] = typename TestFixture::I(bad);
-            zel_pds_frame broken_frame = f.frame(2, 0);
-            (f.form == factor_form::bunch_kaufman ? broken_frame.bk_pivots : broken_frame.row_pivots) = broken.data();
-            refused(broken_frame);
-        }
-        if (f.form == factor_form::bunch_kaufman) { // a 2×2 pivot in the block's last row
-            std::vector<typename TestFixture::I> broken = f.bk_pivots;
-            broken[size_t(f.n - 1)] = -1;
-            zel_pds_frame broken_frame = f.frame(2, 0);
-            broken_frame.bk_pivots = broken.data();
-            refused(broken_frame);
-        }
+        SCOPED_TRACE(this->name(c));
+        const bool bk = f.form == factor_form::bunch_kaufman;
+        const int64_t last_first = f.super_ptr[size_t(f.nsuper - 1)] - 1, past = f.n - last_first + 1;
+        for (int64_t at : {last_first, f.n - 1})
+            for (int64_t bad : {int64_t(0), past, -past, int64_t(-1)}) {
+                std::vector<I> broken = bk ? f.bk_pivots : f.row_pivots;
+                broken[size_t(at)] = I(bad);
+                if (bk && bad == -past && at + 1 < f.n)
+                    broken[size_t(at + 1)] = I(bad);
+                zel_pds_frame fr = f.frame(2, 0);
+                (bk ? fr.bk_pivots : fr.row_pivots) = broken.data();
+                expect_refused(f, fr);
+            }
     }
 }
 
