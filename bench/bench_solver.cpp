@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "bench_solver_peer.hpp"
-#include "matrix_market.hpp"
+#include "solver_problems.hpp"
 #include "suite.hpp"
 #include "zel/pds.h"
 
@@ -25,92 +25,10 @@ namespace {
 constexpr int64_t block_rhs = 16;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-// ---- the matrices
-
-// The Laplacian of a grid of nx × ny × nz points (Dirichlet boundary): 2·dimensions on the
-// diagonal, -1 to each neighbour. Row i's upper entries are itself and its +x, +y, +z neighbours.
-upper_csr grid_laplacian(int64_t nx, int64_t ny, int64_t nz)
-{
-    upper_csr a;
-    a.n = nx * ny * nz;
-    const double diagonal = 2.0 * ((nx > 1) + (ny > 1) + (nz > 1));
-    a.col.reserve(size_t(4 * a.n));
-    a.value.reserve(size_t(4 * a.n));
-    for (int64_t z = 0; z < nz; ++z)
-        for (int64_t y = 0; y < ny; ++y)
-            for (int64_t x = 0; x < nx; ++x) {
-                const int64_t i = (z * ny + y) * nx + x;
-                const int64_t neighbours[] = {i, x + 1 < nx ? i + 1 : -1, y + 1 < ny ? i + nx : -1,
-                                              z + 1 < nz ? i + nx * ny : -1};
-                for (int64_t j : neighbours)
-                    if (j >= 0) {
-                        a.col.push_back(j);
-                        a.value.push_back(j == i ? diagonal : -1.0);
-                    }
-                a.row_ptr.push_back(int64_t(a.col.size()));
-            }
-    return a;
-}
-
-// The upper triangle of a real symmetric Matrix Market file (the reader mirrors a stored
-// triangle, sorts the rows and sums duplicates); false with the reader's message otherwise.
-bool read_upper(const std::string &path, upper_csr &a, std::string &error)
-{
-    zel::tool::mm_matrix m;
-    if (!zel::tool::read_matrix_market(path.c_str(), m, error))
-        return false;
-    if (m.is_complex() || m.header.rows != m.header.cols) {
-        error = path + ": not a real square matrix";
-        return false;
-    }
-    a.n = m.header.rows;
-    for (int64_t i = 0; i < a.n; ++i) {
-        for (int64_t p = m.row_ptr[i]; p < m.row_ptr[i + 1]; ++p)
-            if (m.col_idx[p] >= i) {
-                a.col.push_back(m.col_idx[p]);
-                a.value.push_back(m.real_values[p]);
-            }
-        a.row_ptr.push_back(int64_t(a.col.size()));
-    }
-    return true;
-}
-
-// y = A·x for the symmetric matrix whose upper triangle `a` holds.
-void multiply(const upper_csr &a, const double *x, double *y)
-{
-    std::fill(y, y + a.n, 0.0);
-    for (int64_t i = 0; i < a.n; ++i)
-        for (int64_t p = a.row_ptr[i]; p < a.row_ptr[i + 1]; ++p) {
-            const int64_t j = a.col[p];
-            y[i] += a.value[p] * x[j];
-            if (j != i)
-                y[j] += a.value[p] * x[i];
-        }
-}
-
-double norm_inf(const std::vector<double> &v)
-{
-    double norm = 0;
-    for (double value : v)
-        norm = std::max(norm, std::abs(value));
-    return norm;
-}
-
 // ‖b − A·x‖∞ / (‖A‖∞·‖x‖∞ + ‖b‖∞), as the peer computes its own.
 double residual(const upper_csr &a, const std::vector<double> &x, const std::vector<double> &b)
 {
-    std::vector<double> r(size_t(a.n)), row_sum(size_t(a.n), 0.0);
-    multiply(a, x.data(), r.data());
-    for (int64_t i = 0; i < a.n; ++i) {
-        r[i] = b[i] - r[i];
-        for (int64_t p = a.row_ptr[i]; p < a.row_ptr[i + 1]; ++p) {
-            row_sum[i] += std::abs(a.value[p]);
-            if (a.col[p] != i)
-                row_sum[a.col[p]] += std::abs(a.value[p]);
-        }
-    }
-    const double scale = norm_inf(row_sum) * norm_inf(x) + norm_inf(b);
-    return scale > 0 ? norm_inf(r) / scale : norm_inf(r);
+    return error_of(a, x, b).normwise;
 }
 
 // ---- zel's side
@@ -190,8 +108,8 @@ double best_solve(zel_pds_solver *s, int64_t n, int64_t nrhs, const std::vector<
 void solve_phase(zel_pds_solver *s, const upper_csr &a, int repeats, zel_result &out)
 {
     const int64_t n = a.n;
-    std::vector<double> ones(static_cast<size_t>(n), 1.0), b(ones.size()), x(ones.size());
-    multiply(a, ones.data(), b.data());
+    const std::vector<double> b = ones_rhs(a);
+    std::vector<double> x(b.size());
     int status = 0;
     out.solve1 = best_solve(s, n, 1, b, x, repeats, status);
     if (failed(status, "solve", out))
@@ -414,7 +332,7 @@ int matrices(int repeats)
         const std::string path = folder + "/" + name + ".mtx";
         upper_csr a;
         std::string error;
-        if (!read_upper(path, a, error)) {
+        if (!read_matrix(path, true, a, error)) {
             std::printf("%s: skipped: %s (ZEL_TEST_MATRICES names the folder)\n\n", name, error.c_str());
             continue;
         }

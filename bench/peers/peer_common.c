@@ -30,13 +30,38 @@ void peer_refuse(const char *phase, const char *format, ...)
     exit(3);
 }
 
+/* The machine is shared and the large cases can ask for more than it has: with the address space
+ * capped below the memory available now, a peer that runs short gets a failed allocation (and
+ * says so) instead of waking the kernel's out-of-memory killer, which may pick someone else. */
+static void limit_memory(void)
+{
+    FILE *info = fopen("/proc/meminfo", "r");
+    char line[256];
+    long long available_kib = -1;
+    while (info != NULL && fgets(line, sizeof line, info) != NULL)
+        if (sscanf(line, "MemAvailable: %lld kB", &available_kib) == 1)
+            break;
+    if (info != NULL)
+        fclose(info);
+    struct rlimit limit;
+    if (available_kib <= 0 || getrlimit(RLIMIT_AS, &limit) != 0)
+        return;
+    const rlim_t cap = (rlim_t)(0.85 * 1024.0 * (double)available_kib);
+    if (limit.rlim_cur == RLIM_INFINITY || limit.rlim_cur > cap) {
+        limit.rlim_cur = cap;
+        setrlimit(RLIMIT_AS, &limit);
+    }
+}
+
 /* OpenBLAS reads its thread count when it loads, before main: set it and start again. */
 void peer_start(const char *program, char **argv)
 {
     program_name = program;
     const char *blas = getenv("OPENBLAS_NUM_THREADS"), *omp = getenv("OMP_NUM_THREADS");
-    if (blas != NULL && strcmp(blas, "1") == 0 && omp != NULL && strcmp(omp, "1") == 0)
+    if (blas != NULL && strcmp(blas, "1") == 0 && omp != NULL && strcmp(omp, "1") == 0) {
+        limit_memory();
         return;
+    }
     setenv("OPENBLAS_NUM_THREADS", "1", 1);
     setenv("OMP_NUM_THREADS", "1", 1);
     execv("/proc/self/exe", argv);
