@@ -60,6 +60,20 @@ std::vector<std::pair<int64_t, double>> constraint(const grid &g, int64_t x, int
     return row;
 }
 
+// Whether every entry (i, j) has its mirror (j, i) with the same value (rows sorted by column).
+bool symmetric(const zel::tool::mm_matrix &m)
+{
+    for (int64_t i = 0; i < m.header.rows; ++i)
+        for (int64_t p = m.row_ptr[i]; p < m.row_ptr[i + 1]; ++p) {
+            const int64_t j = m.col_idx[p];
+            const auto first = m.col_idx.begin() + m.row_ptr[j], last = m.col_idx.begin() + m.row_ptr[j + 1];
+            const auto mirror = std::lower_bound(first, last, i);
+            if (mirror == last || *mirror != i || m.real_values[size_t(mirror - m.col_idx.begin())] != m.real_values[p])
+                return false;
+        }
+    return true;
+}
+
 } // namespace
 
 csr_matrix grid_laplacian(int64_t nx, int64_t ny, int64_t nz)
@@ -143,6 +157,10 @@ bool read_matrix(const std::string &path, bool upper, csr_matrix &a, std::string
         return false;
     if (m.is_complex() || m.header.rows != m.header.cols) {
         error = path + ": not a real square matrix";
+        return false;
+    }
+    if (upper && !symmetric(m)) {
+        error = path + ": not symmetric, so its upper triangle does not describe it";
         return false;
     }
     a = csr_matrix{};

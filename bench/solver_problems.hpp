@@ -30,8 +30,8 @@ csr_matrix convection_diffusion(int64_t nx, int64_t ny, int64_t nz, double cell_
 // block is not stored.
 csr_matrix saddle_point(int64_t g);
 
-// A real square Matrix Market file: the whole matrix, or (upper) the upper triangle of a
-// symmetric one; false with the reader's message otherwise.
+// A real square Matrix Market file: the whole matrix, or (upper) the upper triangle of one whose
+// values are symmetric (stored as symmetric or as general); false with a message otherwise.
 bool read_matrix(const std::string &path, bool upper, csr_matrix &a, std::string &error);
 
 // The grid edge the generated problems scale with: ZEL_BENCH_GRID (2 to 400), else 100. The 3-D
