@@ -361,8 +361,9 @@ case_outcome run_case(const std::string &label, const csr_matrix &a, int repeats
     }
     outcome.accuracy = accuracy_verdict(z);
     if (outcome.peer_solved) {
-        const std::string measured = outcome.accuracy < 0 ? "-" : figure(z.backward_error, "%.1e") + " in " +
-                                                                      std::to_string(z.refine);
+        const std::string measured = outcome.accuracy < 0 ? "-"
+                                                          : figure(z.backward_error, "%.1e") + ", " +
+                                                                std::to_string(z.refine) + " steps";
         print_goal("backward error <= 1e-14 within 2 refinement steps", measured, outcome.accuracy);
     }
     std::printf("\n");

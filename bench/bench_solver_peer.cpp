@@ -1,6 +1,7 @@
 // Running a solver peer program and reading what it prints.
 #include "bench_solver_peer.hpp"
 
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -182,8 +183,11 @@ peer_report run_path(const std::string &program, const peer_input &input, const 
     parse_report(out, report);
     report.ran = status == 0 && report.own.done && (input.perm().empty() || report.given.done);
     if (!report.ran && !report.refused)
-        report.failure = status < 0 ? "could not start " + program
-                                    : program + " failed (exit status " + std::to_string(status) + ")";
+        report.failure = status < 0                ? "could not start " + program
+                         : status == 128 + SIGXCPU ? "stopped at its processor-time limit (ZEL_BENCH_PEER_MINUTES)"
+                         : status == 128 + SIGKILL ? "killed (the processor-time limit, or the kernel out of memory)"
+                         : status == 128 + SIGSEGV ? "crashed (segmentation fault)"
+                                                   : program + " failed (exit status " + std::to_string(status) + ")";
     return report;
 }
 

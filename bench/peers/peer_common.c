@@ -30,10 +30,12 @@ void peer_refuse(const char *phase, const char *format, ...)
     exit(3);
 }
 
-/* The machine is shared and the large cases can ask for more than it has: with the address space
+/* The machine is shared and the large cases can ask for more than it has. With the address space
  * capped below the memory available now, a peer that runs short gets a failed allocation (and
- * says so) instead of waking the kernel's out-of-memory killer, which may pick someone else. */
-static void limit_memory(void)
+ * says so) instead of waking the kernel's out-of-memory killer, which may pick someone else; with
+ * its processor time capped (ZEL_BENCH_PEER_MINUTES, default 30, 0 for none), one that would run
+ * for hours is stopped by SIGXCPU. */
+static void limit_resources(void)
 {
     FILE *info = fopen("/proc/meminfo", "r");
     char line[256];
@@ -44,12 +46,19 @@ static void limit_memory(void)
     if (info != NULL)
         fclose(info);
     struct rlimit limit;
-    if (available_kib <= 0 || getrlimit(RLIMIT_AS, &limit) != 0)
-        return;
     const rlim_t cap = (rlim_t)(0.85 * 1024.0 * (double)available_kib);
-    if (limit.rlim_cur == RLIM_INFINITY || limit.rlim_cur > cap) {
+    if (available_kib > 0 && getrlimit(RLIMIT_AS, &limit) == 0 &&
+        (limit.rlim_cur == RLIM_INFINITY || limit.rlim_cur > cap) &&
+        (limit.rlim_max == RLIM_INFINITY || limit.rlim_max >= cap)) {
         limit.rlim_cur = cap;
         setrlimit(RLIMIT_AS, &limit);
+    }
+    const char *minutes_text = getenv("ZEL_BENCH_PEER_MINUTES");
+    const double minutes = minutes_text != NULL && *minutes_text != '\0' ? atof(minutes_text) : 30.0;
+    if (minutes > 0 && getrlimit(RLIMIT_CPU, &limit) == 0 && limit.rlim_max == RLIM_INFINITY) {
+        limit.rlim_cur = (rlim_t)(60.0 * minutes);
+        limit.rlim_max = limit.rlim_cur + 10; /* SIGKILL should SIGXCPU be caught */
+        setrlimit(RLIMIT_CPU, &limit);
     }
 }
 
@@ -59,7 +68,7 @@ void peer_start(const char *program, char **argv)
     program_name = program;
     const char *blas = getenv("OPENBLAS_NUM_THREADS"), *omp = getenv("OMP_NUM_THREADS");
     if (blas != NULL && strcmp(blas, "1") == 0 && omp != NULL && strcmp(omp, "1") == 0) {
-        limit_memory();
+        limit_resources();
         return;
     }
     setenv("OPENBLAS_NUM_THREADS", "1", 1);

@@ -25,7 +25,8 @@ struct peer_csc {
 };
 
 /* Names the program in messages, restarts it when OpenBLAS would start threads and caps its
- * address space at 85% of the memory available when it starts. */
+ * address space at 85% of the memory available when it starts and its processor time at
+ * ZEL_BENCH_PEER_MINUTES (default 30). */
 void peer_start(const char *program, char **argv);
 void peer_fail(const char *what) __attribute__((noreturn));
 /* The peer's own refusal: "fail PHASE what" on standard output, exit status 3. */
