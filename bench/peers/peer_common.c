@@ -251,10 +251,19 @@ void peer_backward_error(const struct peer_csc *a, const double *x, const double
     free(row_sum);
 }
 
+/* VmHWM belongs to this address space: getrusage's ru_maxrss survives exec and, after a spawn
+ * that shared the parent's memory, counts the parent's. */
 double peer_peak_memory(void)
 {
-    struct rusage usage;
-    return getrusage(RUSAGE_SELF, &usage) == 0 ? 1024.0 * (double)usage.ru_maxrss : 0;
+    FILE *status = fopen("/proc/self/status", "r");
+    char line[256];
+    long long kib = 0;
+    while (status != NULL && fgets(line, sizeof line, status) != NULL)
+        if (sscanf(line, "VmHWM: %lld kB", &kib) == 1)
+            break;
+    if (status != NULL)
+        fclose(status);
+    return 1024.0 * (double)kib;
 }
 
 void peer_parse_arguments(int argc, char **argv, const char *usage, struct peer_arguments *out)
