@@ -37,8 +37,9 @@ ZEL_BEGIN_DECLS
                                                 * ZEL_PDS_ACCURACY_GOAL after refinement; x
                                                 * holds the best iterate found */
 
-/* The backward error below which a solve counts as accurate. */
+/* The backward error below which a solve counts as accurate (double, and single precision). */
 #define ZEL_PDS_ACCURACY_GOAL 1e-10
+#define ZEL_PDS_ACCURACY_GOAL_SINGLE 1e-5
 
 /* The name of a status value ("ZEL_PDS_STATUS_WRONG_PHASE"), or "unknown"; never null. */
 ZEL_API const char *zel_pds_status_name(int status);
