@@ -261,7 +261,7 @@ void print_zel(const zel_run &z)
     print_row("zel", {z.analyse, z.factorise, z.solve1, z.entries, z.flops, z.backward_error, z.memory, nan,
                       z.refine, z.ordering + pivots_note(z.negative_pivots, z.replaced_pivots)});
     if (!z.failure.empty())
-        std::printf("  %-8s %s\n", "", z.failure.c_str());
+        std::printf("  %-8s %s\n", "", (z.not_supported ? "not supported (" + z.failure + ")" : z.failure).c_str());
     if (z.inaccurate)
         std::printf("  %-8s the solve returned ZEL_PDS_STATUS_NOT_ACCURATE\n", "");
 }
