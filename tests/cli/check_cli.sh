@@ -110,6 +110,11 @@ run "$zel" bench dense --help
 status_is 0; says out '^usage: zel bench dense '; says out '[-]-sizes'; says out '^  getrs '
 run "$zel" bench sparse --help
 status_is 0; says out '^usage: zel bench sparse '; lacks out '[-]-sizes'; says out '^  syrk '
+# The solver suite has the most sections: every one listed, the last one selectable.
+run "$zel" bench solver --help
+status_is 0
+for word in laplace3d laplace2d matrices unsym3d unsym2d unsym_matrices kkt indef_matrices; do says out "^  $word "; done
+usage_error "zel bench solver: unknown section 'nosuch'" "$zel" bench solver --section indef_matrices,nosuch
 for bad in abc 0 -3 4,,8 4, ,4 1025 4x 99999999999999999999 ''; do
   usage_error "zel bench dense: --sizes wants .*, not '$bad'" "$zel" bench dense --sizes "$bad"
 done
