@@ -500,9 +500,9 @@ int run_request(const request &r)
         return exit_ok;
     std::fflush(stdout);
     std::fprintf(stderr,
-                 "%s: %s: the solution did not reach a backward error of %.0e (%s): the best iterate's is %.2e "
-                 "after %d refinement step%s; the matrix may be singular or too ill-conditioned for this "
-                 "factorisation\n",
+                 "%s: %s: the solution did not reach a backward error of %.0e (%s): the best iterate's backward "
+                 "error is %.2e after %d refinement step%s; the matrix may be singular or too ill-conditioned "
+                 "for this factorisation\n",
                  command_name, s.name.c_str(), ZEL_PDS_ACCURACY_GOAL, zel_pds_status_name(o.status),
                  o.statistics.backward_error, o.statistics.refinement_steps,
                  o.statistics.refinement_steps == 1 ? "" : "s");
