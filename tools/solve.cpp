@@ -5,13 +5,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>
-#include <complex>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "cli.hpp"
 #include "command.hpp"
