@@ -262,14 +262,18 @@ bool definite_type(int type)
 }
 bool lu_type(int type) { return !reads_one_triangle(type); }
 
-// What a failed phase's status means for this matrix.
-std::string failure_meaning(const solve_outcome &o)
+// What a failed phase's status means for this matrix of order n.
+std::string failure_meaning(const solve_outcome &o, int64_t n)
 {
     const zel_pds_statistics &st = o.statistics;
     const long long column = static_cast<long long>(st.failed_column + 1);
+    // Statistics that do not describe this matrix (a solver that kept none) give no rank.
+    const bool rank_known = st.n == n && st.structural_rank >= 0 && st.structural_rank < n;
     switch (o.status) {
     case ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR:
-        return "the structural rank is " + std::to_string(st.structural_rank) + " of " + std::to_string(st.n) +
+        return (rank_known ? "the structural rank is " + std::to_string(st.structural_rank) + " of "
+                           : std::string("the structural rank is below ")) +
+               std::to_string(n) +
                ": no permutation puts a nonzero entry on every diagonal position, so the matrix is singular";
     case ZEL_PDS_STATUS_SINGULAR:
         return "a zero pivot at column " + std::to_string(column) + ", so the matrix is singular";
@@ -288,7 +292,7 @@ int solver_failed(const linear_system &s, const solve_outcome &o)
 {
     std::fprintf(stderr, "%s: %s: %s failed (%s, matrix type %d): %s: %s\n", command_name, s.name.c_str(),
                  o.failed_phase, type_name(o.type), o.type, zel_pds_status_name(o.status),
-                 failure_meaning(o).c_str());
+                 failure_meaning(o, s.a.header.rows).c_str());
     return exit_failure;
 }
 

@@ -114,6 +114,7 @@ struct run_result {
     const char *phase = nullptr;
     zel_pds_statistics statistics = {};
     bool refinement_on = false;
+    bool matching_on = false; // asked for (automatic is on for the unsymmetric types)
 };
 
 bool solved(const run_result &r) { return r.phase == nullptr; }
@@ -123,6 +124,7 @@ run_result run_once(const solver_csr<T, I> &m, int type, int matching, const sol
                     const std::vector<T> &b, int64_t nrhs, std::vector<T> &x)
 {
     run_result r;
+    r.matching_on = matching != ZEL_PDS_OFF;
     solver_holder h;
     const auto stop = [&](const char *phase, int status) {
         r.phase = phase;
@@ -195,7 +197,7 @@ run_result other_matching(const solver_csr<T, I> &m, int type, const solve_setti
     }
     if (first.status != ZEL_PDS_STATUS_NOT_ACCURATE)
         return first;
-    const bool was_on = first.statistics.matching_used != 0;
+    const bool was_on = first.matching_on;
     std::vector<T> y;
     const run_result second = run_once(m, type, was_on ? ZEL_PDS_OFF : ZEL_PDS_ON, settings, b, nrhs, y);
     const double before = first.statistics.backward_error, after = second.statistics.backward_error;
