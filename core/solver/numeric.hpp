@@ -38,6 +38,7 @@ template <class T> struct value_targets {
     T *u;
     int64_t u_count;
     bool conjugate_mirror;
+    const double *row_scale, *col_scale; // D_r·A·D_c by the kept numbering, or null
 };
 
 // The factor's values before factorising: zero, then each kept value at its destination.
@@ -46,16 +47,18 @@ template <class T, class I> void scatter_values(const kept_matrix<I> &m, const T
     std::fill(to.l, to.l + to.l_count, T(0));
     if (to.u)
         std::fill(to.u, to.u + to.u_count, T(0));
-    for (I p = 0; p < m.entries(); ++p) {
-        const int64_t at = m.destination[size_t(p)];
-        const T v = values[size_t(p)];
-        if (at >= 0)
-            to.l[at] += v;
-        else if (at < -1 && to.u)
-            to.u[-(at + 2)] += v;
-        else if (at < -1)
-            to.l[-(at + 2)] += conj_if(v, to.conjugate_mirror);
-    }
+    for (I i = 0; i < m.n; ++i)
+        for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
+            const int64_t at = m.destination[size_t(p)];
+            const T v = to.row_scale ? values[size_t(p)] * real_t<T>(to.row_scale[i] * to.col_scale[m.col_idx[size_t(p)]])
+                                     : values[size_t(p)];
+            if (at >= 0)
+                to.l[at] += v;
+            else if (at < -1 && to.u)
+                to.u[-(at + 2)] += v;
+            else if (at < -1)
+                to.l[-(at + 2)] += conj_if(v, to.conjugate_mirror);
+        }
 }
 
 // Bookkeeping of the left-looking sweep: for each finished supernode d, the position in its

@@ -5,6 +5,8 @@
 #include <cstdint>
 
 #include "pairing.hpp"
+#include "scaling.hpp"
+#include "solve_phase.hpp"
 #include "solver_object.hpp"
 #include "zel/runtime.h"
 #include "zel_internal/solve_frame.hpp"
@@ -33,6 +35,12 @@ private:
     template <class I> int map_entries(analysis_state<T, I> &next);
     template <class I> int factorise_at(analysis_state<T, I> &state, const T *values);
     template <class I> void keep_values(analysis_state<T, I> &state, const T *values) const;
+    template <class I> int prepare_scaling(analysis_state<T, I> &state, const T *values);
+    bool scaling_wanted() const
+    {
+        return options.scaling == ZEL_PDS_ON ||
+               (options.scaling == ZEL_PDS_AUTOMATIC && kind_of(matrix_type) != factor_kind::cholesky);
+    }
     template <class I> int factor_values(analysis_state<T, I> &state, int64_t &failed);
     template <class I> bool allocate_factor(analysis_state<T, I> &state) const;
     // Whether the indefinite types pair rows with weak diagonals (on unless switched off, and
@@ -204,19 +212,48 @@ bool solver_impl<T>::allocate_factor(analysis_state<T, I> &state) const
            need(state.diagonal, diagonal, n);
 }
 
-// The kept entries' values from the caller's, scaled when the analysis chose a scaling. A
-// Hermitian matrix must have a real diagonal.
+// The scaling of this factorise: the symmetric one of the indefinite types computed from the
+// values, or the one the analysis chose for the unsymmetric types; the frame's two vectors.
+template <class T>
+template <class I>
+int solver_impl<T>::prepare_scaling(analysis_state<T, I> &state, const T *values)
+{
+    const I n = state.matrix.n;
+    const bool symmetric = kind_of(matrix_type) == factor_kind::ldlt;
+    if (symmetric && scaling_wanted()) {
+        scratch_array<double> work;
+        if ((!state.row_scale && !allocate(state.row_scale, n)) || (!state.col_scale && !allocate(state.col_scale, n)) ||
+            !allocate(work, n))
+            return ZEL_PDS_STATUS_ALLOC_FAILED;
+        symmetric_scaling(state.matrix, values, state.row_scale.get(), work.get());
+        std::copy(state.row_scale.get(), state.row_scale.get() + n, state.col_scale.get());
+    } else if (symmetric || kind_of(matrix_type) == factor_kind::cholesky) {
+        state.row_scale = scratch_array<double>();
+        state.col_scale = scratch_array<double>();
+    }
+    statistics.scaling_used = state.row_scale ? 1 : 0;
+    if (!state.row_scale) {
+        state.scaling = scratch_array<real_t<T>>();
+        return ZEL_PDS_STATUS_SUCCESS;
+    }
+    if (!state.scaling && !allocate(state.scaling, 2 * int64_t(n)))
+        return ZEL_PDS_STATUS_ALLOC_FAILED;
+    const I *matched = state.matching.get();
+    for (I j = 0; j < n; ++j) {
+        state.scaling[size_t(j)] = real_t<T>(state.col_scale[j]);
+        state.scaling[size_t(n) + j] = real_t<T>(state.row_scale[matched ? matched[j] : j]);
+    }
+    return ZEL_PDS_STATUS_SUCCESS;
+}
+
+// The kept entries' values from the caller's, as they are: refinement measures residuals with them.
 template <class T>
 template <class I>
 void solver_impl<T>::keep_values(analysis_state<T, I> &state, const T *values) const
 {
     const kept_matrix<I> &m = state.matrix;
-    const double *dr = state.row_scale.get(), *dc = state.col_scale.get();
-    for (I i = 0; i < m.n; ++i)
-        for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
-            const T v = values[size_t(m.source[size_t(p)])];
-            state.values[size_t(p)] = dr ? v * real_t<T>(dr[i] * dc[m.col_idx[size_t(p)]]) : v;
-        }
+    for (I p = 0; p < m.entries(); ++p)
+        state.values[size_t(p)] = values[size_t(m.source[size_t(p)])];
 }
 
 // Scatters the kept values into the factor and runs the numeric factorisation of the type.
@@ -227,13 +264,15 @@ int solver_impl<T>::factor_values(analysis_state<T, I> &state, int64_t &failed)
     const factor_kind kind = kind_of(matrix_type);
     const symbolic_factor<I> &f = state.factor;
     const value_targets<T> to{state.l_values.get(), f.stats.stored_values, state.u_values.get(), state.u_stored,
-                              pds::hermitian_type(matrix_type)};
+                              pds::hermitian_type(matrix_type), state.row_scale.get(), state.col_scale.get()};
     scatter_values(state.matrix, state.values.get(), to);
     if (kind == factor_kind::cholesky)
         return numeric_cholesky(f, state.l_values.get(), failed);
-    real_t<T> largest = 0;
-    for (I p = 0; p < state.matrix.entries(); ++p)
-        largest = std::max(largest, std::abs(state.values[size_t(p)]));
+    real_t<T> largest = 0; // of the scaled matrix
+    for (I p = 0; p < f.stats.stored_values; ++p)
+        largest = std::max(largest, std::abs(state.l_values[size_t(p)]));
+    for (int64_t p = 0; p < state.u_stored; ++p)
+        largest = std::max(largest, std::abs(state.u_values[size_t(p)]));
     const double threshold = options.pivot_threshold != 0 ? options.pivot_threshold
                              : kind == factor_kind::lu    ? 1e-13
                                                           : 1e-8;
@@ -275,7 +314,7 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     statistics.failed_column = -1;
     statistics.replaced_pivots = statistics.positive_pivots = statistics.negative_pivots = 0;
     statistics.zero_pivots = statistics.two_by_two_pivots = 0;
-    if (!allocate_factor(state))
+    if (!allocate_factor(state) || prepare_scaling(state, values) != ZEL_PDS_STATUS_SUCCESS)
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     keep_values(state, values);
     int64_t failed = -1;
@@ -352,11 +391,7 @@ int solver_impl<T>::solve_at(analysis_state<T, I> &state, int64_t nrhs, const T 
     frame.nrhs = nrhs;
     frame.ldb = ldb;
     frame.ldx = ldx;
-    int64_t error = 0;
-    if constexpr (is_complex_v<T>)
-        zel_pds_pds_slv_nrhs_seq_cmplx(&frame, b, x, options.message_level, &error);
-    else
-        zel_pds_pds_slv_nrhs_seq_real(&frame, b, x, options.message_level, &error);
+    int64_t error = solve_phase(frame, b, x, options.message_level);
     if (error == 0 && refine) {
         frame.ldb = kept_b ? n : ldb;
         const T *rhs = kept_b ? kept_b.get() : b;
