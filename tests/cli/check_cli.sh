@@ -82,7 +82,7 @@ says out 'fast memory manager +off'
 # themselves are tested by test_solve_command).
 run "$zel" solve --help
 status_is 0; says out '^usage: zel solve '; for word in rhs out type ordering refine nrhs size; do says out "--$word"; done
-usage_error "zel solve: --type wants one of auto, spd, hpd, not 'lu'" "$zel" solve --type lu
+usage_error "zel solve: --type wants one of auto, spd, hpd, sid, hid, csym, unsym, not 'lu'" "$zel" solve --type lu
 usage_error "zel solve: --ordering wants one of auto, amd, nd, not 'metis'" "$zel" solve --ordering=metis
 for bad in -1 11 x ''; do
   usage_error "zel solve: --refine wants a whole number from 0 to 10, not '$bad'" "$zel" solve --refine "$bad"
