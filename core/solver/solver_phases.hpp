@@ -125,9 +125,14 @@ int solver_impl<T>::unsymmetric_pattern(const csr_pattern<I> &a, const T *values
     const int status = wanted && values ? maximum_product_matching(a, values, found) : structural_matching(a, found);
     if (status != ZEL_SPARSE_STATUS_SUCCESS)
         return pds_status(status);
-    next.structural_rank = statistics.structural_rank = found.rank;
-    if (found.rank < a.n)
+    next.structural_rank = found.rank;
+    if (found.rank < a.n) { // the statistics name the matrix whose rank they give
+        statistics = zel_pds_statistics{};
+        statistics.n = a.n;
+        statistics.structural_rank = found.rank;
+        statistics.failed_column = -1;
         return ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR;
+    }
     if (!wanted)
         return pds_status(pattern_from_csr(a, csr_part::full, pattern));
     if (found.row_scaling && scaling_wanted()) {
