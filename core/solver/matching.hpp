@@ -467,62 +467,36 @@ template <class I> bool plausible(const csr_pattern<I> &a, const void *values)
 }
 
 // ---------------------------------------------------------------------------------------------
-// Equilibration: simultaneous square-root max-norm sweeps (each moves the logarithms of the
-// row and column maxima halfway towards 0), then one exact pass over rows and one over columns.
+// Equilibration by simultaneous square-root max-norm sweeps: a_ij/√(r_i·c_j) with r_i and c_j
+// the maxima of its row and column. No entry exceeds 1 after the first sweep (r_i and c_j are
+// both at least |a_ij|), the maxima only grow from there, and their logarithms move about
+// halfway to 0 each sweep. Scaled entries are |a_ij|·(Dr_i·Dc_j), so that a symmetric matrix
+// keeps Dr = Dc to the bit.
 
-inline constexpr int equilibration_sweeps = 30;
-inline constexpr double equilibration_tolerance = 1e-2;
+inline constexpr int equilibration_sweeps = 64;
+inline constexpr double equilibration_tolerance = 1e-2; // every nonempty maximum within 1% of 1
 
-// One sweep from the maxima of the current Dr·A·Dc; true when they were all within the
-// tolerance of 1 already. Empty rows and columns keep their factor.
+// The largest scaled magnitude of every row and column (0 for an empty one); true when each
+// nonempty one is close to 1 already.
 template <class T, class I>
-bool equilibration_sweep(const csr_pattern<I> &a, const T *values, double *dr, double *dc, double *col_max)
+bool scaled_maxima(const csr_pattern<I> &a, const T *values, const double *dr, const double *dc, double *row_max,
+                   double *col_max)
 {
-    bool balanced = true;
-    auto near_one = [](double x) { return std::fabs(x - 1) <= equilibration_tolerance; };
     std::fill(col_max, col_max + a.n, 0.0);
     for (I i = 0; i < a.n; ++i) {
-        double row_max = 0;
+        double largest = 0;
         for (I p = row_begin(a, i); p < row_end(a, i); ++p) {
             const I j = a.col_idx[p] - a.base;
-            const double x = dr[i] * magnitude(values[p]) * dc[j];
-            row_max = std::max(row_max, x);
+            const double x = magnitude(values[p]) * (dr[i] * dc[j]);
+            largest = std::max(largest, x);
             col_max[j] = std::max(col_max[j], x);
         }
-        if (row_max > 0) {
-            balanced = balanced && near_one(row_max);
-            dr[i] /= std::sqrt(row_max);
-        }
+        row_max[i] = largest;
     }
-    for (I j = 0; j < a.n; ++j)
-        if (col_max[j] > 0) {
-            balanced = balanced && near_one(col_max[j]);
-            dc[j] /= std::sqrt(col_max[j]);
-        }
-    return balanced;
-}
-
-// The last passes: every nonempty row's maximum becomes 1, then every nonempty column's, which
-// leaves the rows' maxima at most 1 and, after the sweeps, close to it.
-template <class T, class I>
-void equilibration_finish(const csr_pattern<I> &a, const T *values, double *dr, double *dc, double *col_max)
-{
-    for (I i = 0; i < a.n; ++i) {
-        double row_max = 0;
-        for (I p = row_begin(a, i); p < row_end(a, i); ++p)
-            row_max = std::max(row_max, dr[i] * magnitude(values[p]) * dc[a.col_idx[p] - a.base]);
-        if (row_max > 0)
-            dr[i] /= row_max;
-    }
-    std::fill(col_max, col_max + a.n, 0.0);
-    for (I i = 0; i < a.n; ++i)
-        for (I p = row_begin(a, i); p < row_end(a, i); ++p) {
-            double &m = col_max[a.col_idx[p] - a.base];
-            m = std::max(m, dr[i] * magnitude(values[p]) * dc[a.col_idx[p] - a.base]);
-        }
-    for (I j = 0; j < a.n; ++j)
-        if (col_max[j] > 0)
-            dc[j] /= col_max[j];
+    const auto close = [](double x) {
+        return x == 0 || (x >= 1 - equilibration_tolerance && x <= 1 + 16 * std::numeric_limits<double>::epsilon());
+    };
+    return std::all_of(row_max, row_max + a.n, close) && std::all_of(col_max, col_max + a.n, close);
 }
 
 } // namespace matching_detail
@@ -581,24 +555,30 @@ int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// Row and column scaling without a matching: iterative max-norm equilibration, after which every
-// entry of Dr·A·Dc has magnitude at most 1, every nonempty column's largest exactly 1 and every
-// nonempty row's largest close to 1. Empty rows and columns get the factor 1.
+// Row and column scaling without a matching: iterative max-norm equilibration, after which no
+// entry of Dr·A·Dc exceeds 1 (to rounding) and every nonempty row's and column's largest is
+// within 1% of 1. Empty rows and columns get the factor 1; a symmetric matrix gets Dr = Dc.
 template <class T, class I>
 int equilibrate(const csr_pattern<I> &a, const T *values, double *row_scaling, double *column_scaling)
 {
     using namespace matching_detail;
     if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    scratch_array<double> col_max;
-    if (!allocate(col_max, a.n))
+    scratch_array<double> row_max, col_max;
+    if (!allocate(row_max, a.n) || !allocate(col_max, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     std::fill(row_scaling, row_scaling + a.n, 1.0);
     std::fill(column_scaling, column_scaling + a.n, 1.0);
-    for (int sweep = 0; sweep < equilibration_sweeps; ++sweep)
-        if (equilibration_sweep(a, values, row_scaling, column_scaling, col_max.get()))
+    for (int sweep = 0; sweep < equilibration_sweeps; ++sweep) {
+        if (scaled_maxima(a, values, row_scaling, column_scaling, row_max.get(), col_max.get()))
             break;
-    equilibration_finish(a, values, row_scaling, column_scaling, col_max.get());
+        for (I k = 0; k < a.n; ++k) {
+            if (row_max[size_t(k)] > 0)
+                row_scaling[k] /= std::sqrt(row_max[size_t(k)]);
+            if (col_max[size_t(k)] > 0)
+                column_scaling[k] /= std::sqrt(col_max[size_t(k)]);
+        }
+    }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 

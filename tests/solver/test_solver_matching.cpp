@@ -13,6 +13,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "alloc_fault.hpp"
@@ -561,25 +562,24 @@ void scaled_maxima(const matrix<T, I> &a, const double *dr, const double *dc, st
     }
 }
 
-// Equilibration: every entry at most 1, every nonempty column's largest 1, every nonempty row's
-// largest close to 1, empty rows and columns left alone.
-template <class T, class I> void expect_equilibrated(const matrix<T, I> &a)
+// Equilibration: no entry above 1, every nonempty row's and column's largest within 1% of 1,
+// empty rows and columns left alone. Returns the scaling.
+template <class T, class I> std::pair<std::vector<double>, std::vector<double>> expect_equilibrated(const matrix<T, I> &a)
 {
     std::vector<double> dr(size_t(a.n), -1), dc(size_t(a.n), -1), rows, cols;
-    ASSERT_EQ(equilibrate(a.view(), a.val.data(), dr.data(), dc.data()), ZEL_SPARSE_STATUS_SUCCESS);
+    EXPECT_EQ(equilibrate(a.view(), a.val.data(), dr.data(), dc.data()), ZEL_SPARSE_STATUS_SUCCESS);
     scaled_maxima(a, dr.data(), dc.data(), rows, cols);
-    const double ulps = 8 * std::numeric_limits<double>::epsilon();
-    for (size_t k = 0; k < size_t(a.n); ++k) {
-        ASSERT_TRUE(std::isfinite(dr[k]) && dr[k] > 0 && std::isfinite(dc[k]) && dc[k] > 0) << k;
-        if (rows[k] == 0)
-            EXPECT_EQ(dr[k], 1.0) << "empty row " << k;
-        else
-            EXPECT_TRUE(rows[k] <= 1 + ulps && rows[k] >= 0.95) << "row " << k << " largest " << rows[k];
-        if (cols[k] == 0)
-            EXPECT_EQ(dc[k], 1.0) << "empty column " << k;
-        else
-            EXPECT_NEAR(cols[k], 1.0, ulps) << "column " << k;
+    const double above = 32 * std::numeric_limits<double>::epsilon();
+    int reported = 0;
+    for (size_t k = 0; k < size_t(a.n) && reported < 5; ++k) {
+        EXPECT_TRUE(std::isfinite(dr[k]) && dr[k] > 0 && std::isfinite(dc[k]) && dc[k] > 0) << k;
+        for (auto [name, largest, factor] : {std::tuple{"row", rows[k], dr[k]}, std::tuple{"column", cols[k], dc[k]}}) {
+            const bool ok = largest == 0 ? factor == 1 : largest <= 1 + above && largest >= 0.99;
+            if (!ok && reported++ < 5)
+                ADD_FAILURE() << name << " " << k << ": largest " << largest << ", factor " << factor;
+        }
     }
+    return {dr, dc};
 }
 
 TYPED_TEST(SolverMatching, EquilibrationBoundsRowsAndColumns)
@@ -593,6 +593,31 @@ TYPED_TEST(SolverMatching, EquilibrationBoundsRowsAndColumns)
         const matrix<T, I> a = build<T, I>(n, random_entries<T>(rng, c), I(trial % 2), rng);
         SCOPED_TRACE("trial " + std::to_string(trial) + ", n = " + std::to_string(n));
         expect_equilibrated(a);
+    }
+}
+
+// A symmetric matrix (both triangles stored) gets one scaling for rows and columns, bit for bit.
+TYPED_TEST(SolverMatching, EquilibrationKeepsSymmetry)
+{
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
+    std::mt19937_64 rng(43);
+    for (int trial = 0; trial < 10; ++trial) {
+        const int64_t n = 5 + 40 * trial;
+        std::vector<entry> e;
+        for (const entry &x : random_entries<T>(rng, {n, 4.0 / double(n), trial % 2 == 0, 0.0, 10}))
+            if (x.i <= x.j) {
+                e.push_back(x);
+                if (x.i != x.j)
+                    e.push_back({x.j, x.i, x.value});
+            }
+        std::sort(e.begin(), e.end(), [](const entry &x, const entry &y) { return std::pair(x.i, x.j) < std::pair(y.i, y.j); });
+        e.erase(std::unique(e.begin(), e.end(), [](const entry &x, const entry &y) { return x.i == y.i && x.j == y.j; }),
+                e.end());
+        const matrix<T, I> a = build<T, I>(n, e, I(trial % 2), rng);
+        SCOPED_TRACE("trial " + std::to_string(trial) + ", n = " + std::to_string(n));
+        const auto [dr, dc] = expect_equilibrated(a);
+        EXPECT_EQ(dr, dc);
     }
 }
 
