@@ -58,18 +58,21 @@ template <class I> struct sides {
 };
 
 // ---------------------------------------------------------------------------------------------
-// Maximum cardinality: depth-first augmenting paths with lookahead.
+// Maximum cardinality: phases of depth-first searches with lookahead, one from each unmatched
+// row, sharing their visited marks (Pothen–Fan). A phase looks at each entry at most once
+// beyond the lookahead; a phase that augments nothing proves the matching maximum (a failed
+// search leaves behind columns from which no free column can be reached, so the later searches
+// of the phase lose nothing by skipping them). Phases alternate the direction in which rows
+// are scanned, so that a search does not retrace the same long path phase after phase.
 
-// Scratch of the searches. mark[j] is the root row of the last search that reached column j; a
-// search that fails leaves its columns marked with a root that stays unmatched, and those
-// columns are dead for good: no later augmentation can touch them (every edge out of their rows
-// leads back into the set, which holds no free column), so later searches skip them.
 template <class I> struct dfs_work {
-    scratch_array<I> stack, next, cheap, mark;
+    scratch_array<I> stack, next, cheap, mark, pending;
+    I phase = 0;
+    bool backward = false;
 
     bool allocate(const csr_pattern<I> &a)
     {
-        for (scratch_array<I> *array : {&stack, &next, &cheap, &mark})
+        for (scratch_array<I> *array : {&stack, &next, &cheap, &mark, &pending})
             if (!solver::allocate(*array, a.n))
                 return false;
         for (I i = 0; i < a.n; ++i)
@@ -77,6 +80,7 @@ template <class I> struct dfs_work {
         std::fill(mark.get(), mark.get() + a.n, I(-1));
         return true;
     }
+    void start(const csr_pattern<I> &a, I i) { next[size_t(i)] = backward ? row_end(a, i) - 1 : row_begin(a, i); }
 };
 
 // A free usable column of row i, or -1. cheap[i] only moves forward: a matched column never
@@ -90,18 +94,18 @@ I free_column(const csr_pattern<I> &a, const Usable &usable, I i, const sides<I>
     return -1;
 }
 
-// The next column of row i (all matched, since the lookahead failed) that this search has not
-// reached and that is not dead, or -1.
+// The next column of row i (all matched, since the lookahead failed) that this phase has not
+// reached, or -1.
 template <class I, class Usable>
-I unreached_column(const csr_pattern<I> &a, const Usable &usable, I i, I root, const sides<I> &m, dfs_work<I> &w)
+I unreached_column(const csr_pattern<I> &a, const Usable &usable, I i, dfs_work<I> &w)
 {
-    for (I &p = w.next[size_t(i)]; p < row_end(a, i); ++p) {
+    const I step = w.backward ? -1 : 1;
+    for (I &p = w.next[size_t(i)]; p >= row_begin(a, i) && p < row_end(a, i); p += step) {
         const I j = a.col_idx[p] - a.base;
-        const I owner = w.mark[size_t(j)];
-        if (!usable(p) || owner == root || (owner >= 0 && m.col_of_row[size_t(owner)] < 0))
+        if (!usable(p) || w.mark[size_t(j)] == w.phase)
             continue;
-        w.mark[size_t(j)] = root;
-        ++p;
+        w.mark[size_t(j)] = w.phase;
+        p += step;
         return j;
     }
     return -1;
@@ -113,7 +117,7 @@ bool dfs_augment(const csr_pattern<I> &a, const Usable &usable, I root, sides<I>
 {
     I top = 0;
     w.stack[0] = root;
-    w.next[size_t(root)] = row_begin(a, root);
+    w.start(a, root);
     while (top >= 0) {
         const I i = w.stack[size_t(top)];
         if (I j = free_column(a, usable, i, m, w); j >= 0) {
@@ -127,14 +131,14 @@ bool dfs_augment(const csr_pattern<I> &a, const Usable &usable, I root, sides<I>
             ++m.matched;
             return true;
         }
-        const I j = unreached_column(a, usable, i, root, m, w);
+        const I j = unreached_column(a, usable, i, w);
         if (j < 0) {
             --top;
             continue;
         }
         const I r = m.row_of_col[size_t(j)];
         w.stack[size_t(++top)] = r;
-        w.next[size_t(r)] = row_begin(a, r);
+        w.start(a, r);
     }
     return false;
 }
@@ -145,9 +149,24 @@ template <class I, class Usable> int complete_matching(const csr_pattern<I> &a, 
     dfs_work<I> w;
     if (!w.allocate(a))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    I pending = 0;
     for (I i = 0; i < a.n; ++i)
         if (m.col_of_row[size_t(i)] < 0)
-            dfs_augment(a, usable, i, m, w);
+            w.pending[size_t(pending++)] = i;
+    for (bool augmented = true; pending > 0 && augmented;) {
+        ++w.phase;
+        w.backward = !w.backward;
+        augmented = false;
+        I still = 0;
+        for (I t = 0; t < pending; ++t) {
+            const I r = w.pending[size_t(t)];
+            if (dfs_augment(a, usable, r, m, w))
+                augmented = true;
+            else
+                w.pending[size_t(still++)] = r;
+        }
+        pending = still;
+    }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
