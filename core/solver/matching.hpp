@@ -24,7 +24,7 @@ namespace zel::solver {
 template <class I> struct matching_result {
     scratch_array<I> row_of_column;                    // n: the row matched to column j, or -1
     scratch_array<double> row_scaling, column_scaling; // n each; empty when not computed
-    I rank = 0;                                        // matched columns: the structural rank
+    I rank = 0; // matched columns: the structural rank (of the nonzero entries, for the product)
 };
 
 namespace matching_detail {
@@ -175,8 +175,8 @@ template <class I, class Usable> int complete_matching(const csr_pattern<I> &a, 
 // with row duals u and column duals v keeping every reduced cost c_ij − u_i − v_j nonnegative
 // and the matched ones zero.
 
-// What a search reads and writes for each column it reaches, kept together: the searches are
-// bound by memory latency, and one cache line per column beats one per array.
+// What a search reads and writes for each column it reaches, kept together so that reaching a
+// column touches one cache line rather than one per array.
 template <class I> struct column_state {
     double dist; // tentative distance in the current search; +∞ when not reached
     double v;    // dual
@@ -476,13 +476,23 @@ template <class I> bool to_sides(assignment<I> &s, sides<I> &m)
     return true;
 }
 
-// What the functions below check of their input (the caller has validated the rest): the
-// arrays they will read are there. Without entries, the index and value arrays may be null.
+// What the functions below check of their input (the caller has validated the pattern): the
+// arrays they will read are there (without entries, the index and value arrays may be null).
 template <class I> bool plausible(const csr_pattern<I> &a, const void *values)
 {
     if (a.n < 0 || (a.base != 0 && a.base != 1) || (a.n > 0 && a.row_ptr == nullptr))
         return false;
     return a.n == 0 || a.row_ptr[a.n] == a.base || (a.col_idx != nullptr && values != nullptr);
+}
+
+// True when every magnitude is a finite double: a NaN or an infinity has no place in a scaling.
+template <class T, class I> bool finite_magnitudes(const csr_pattern<I> &a, const T *values)
+{
+    const I nnz = a.n > 0 ? row_begin(a, a.n) : 0;
+    for (I p = 0; p < nnz; ++p)
+        if (!std::isfinite(magnitude(values[p])))
+            return false;
+    return true;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -541,12 +551,13 @@ template <class I> int structural_matching(const csr_pattern<I> &a, matching_res
 // Maximum-product matching of |a_ij| with the scaling from its dual variables, so that
 // |Dr_i·a_ij·Dc_j| ≤ 1 everywhere and = 1 on the matched entries. Zero entries count as absent.
 // When the nonzero entries admit no perfect matching: rank < n, a maximum-cardinality matching
-// of the nonzero entries and no scaling (still SUCCESS).
+// of the nonzero entries and no scaling (still SUCCESS); structural_matching gives the rank of
+// the pattern, stored zeros included. A magnitude that is not finite: INVALID_VALUE.
 template <class T, class I>
 int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_result<I> &out)
 {
     using namespace matching_detail;
-    if (!plausible(a, values))
+    if (!plausible(a, values) || !finite_magnitudes(a, values))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     assignment<I> s;
     s.a = a;
@@ -577,11 +588,13 @@ int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_
 // Row and column scaling without a matching: iterative max-norm equilibration, after which no
 // entry of Dr·A·Dc exceeds 1 (to rounding) and every nonempty row's and column's largest is
 // within 1% of 1. Empty rows and columns get the factor 1; a symmetric matrix gets Dr = Dc.
+// A magnitude that is not finite: INVALID_VALUE.
 template <class T, class I>
 int equilibrate(const csr_pattern<I> &a, const T *values, double *row_scaling, double *column_scaling)
 {
     using namespace matching_detail;
-    if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)))
+    if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)) ||
+        !finite_magnitudes(a, values))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     scratch_array<double> row_max, col_max;
     if (!allocate(row_max, a.n) || !allocate(col_max, a.n))

@@ -621,6 +621,51 @@ TYPED_TEST(SolverMatching, EquilibrationKeepsSymmetry)
     }
 }
 
+// What the functions refuse: arrays missing where entries are stored, a bad base or size, and
+// values whose magnitude is not finite. Nothing is allocated and the result is left alone.
+TYPED_TEST(SolverMatching, RefusesWhatItCannotRead)
+{
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
+    const matrix<T, I> a = from_rows<T, I>(3, {{0, 1}, {1}, {2, 0}}, I(1));
+    const double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> dr(3), dc(3);
+    auto expect_refused = [&](const csr_pattern<I> &view, const T *values, const char *what) {
+        zel::test::allocator_probe probe;
+        matching_result<I> r;
+        r.rank = 7;
+        EXPECT_EQ(maximum_product_matching(view, values, r), ZEL_SPARSE_STATUS_INVALID_VALUE) << what;
+        EXPECT_EQ(equilibrate(view, values, dr.data(), dc.data()), ZEL_SPARSE_STATUS_INVALID_VALUE) << what;
+        EXPECT_EQ(r.rank, I(7)) << what;
+        EXPECT_EQ(probe.requests(), 0) << what;
+    };
+    csr_pattern<I> v = a.view();
+    v.n = -1;
+    expect_refused(v, a.val.data(), "negative size");
+    v = a.view();
+    v.base = 2;
+    expect_refused(v, a.val.data(), "base 2");
+    v = a.view();
+    v.row_ptr = nullptr;
+    expect_refused(v, a.val.data(), "no row pointers");
+    expect_refused(a.view(), nullptr, "no values");
+    {
+        zel::test::allocator_probe probe;
+        EXPECT_EQ(equilibrate(a.view(), a.val.data(), nullptr, dc.data()), ZEL_SPARSE_STATUS_INVALID_VALUE);
+        EXPECT_EQ(equilibrate(a.view(), a.val.data(), dr.data(), nullptr), ZEL_SPARSE_STATUS_INVALID_VALUE);
+        EXPECT_EQ(probe.requests(), 0);
+    }
+    for (double bad : {inf, -inf, nan}) {
+        matrix<T, I> b = a;
+        b.val[2] = to_value<T>(std::complex<double>(bad, 1.0));
+        expect_refused(b.view(), b.val.data(), "a value that is not finite");
+    }
+    v = a.view();
+    v.col_idx = nullptr;
+    matching_result<I> r;
+    EXPECT_EQ(structural_matching(v, r), ZEL_SPARSE_STATUS_INVALID_VALUE);
+}
+
 // Every allocation failed in turn: ALLOC_FAILED and nothing left allocated, for a matrix with
 // a perfect matching and for one without (which takes the structural fallback).
 TYPED_TEST(SolverMatching, EveryFailedAllocationReportsTwoAndLeaksNothing)
