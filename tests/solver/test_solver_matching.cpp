@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <numeric>
@@ -393,8 +394,9 @@ template <class T, class I> std::optional<double> dense_assignment(const matrix<
     return sum;
 }
 
-// Larger random matrices with a perfect matching: the product against the dense solver, and the
-// scaling's bounds (a certificate of the optimum on their own) up to a few thousand rows.
+// Larger random matrices with a perfect matching: the product against the dense solver, the
+// scaling's bounds (a certificate of the optimum on their own) up to a few thousand rows, and
+// the same result from a second run.
 TYPED_TEST(SolverMatching, LargerMatricesAgainstDenseAssignmentAndBounds)
 {
     using T = typename TypeParam::T;
@@ -410,6 +412,11 @@ TYPED_TEST(SolverMatching, LargerMatricesAgainstDenseAssignmentAndBounds)
         ASSERT_EQ(maximum_product_matching(a.view(), a.val.data(), r), ZEL_SPARSE_STATUS_SUCCESS);
         ASSERT_NO_FATAL_FAILURE(expect_matching(a, r, true));
         ASSERT_NO_FATAL_FAILURE(expect_scaling_bounds(a, r));
+        matching_result<I> again; // the same result bit for bit
+        ASSERT_EQ(maximum_product_matching(a.view(), a.val.data(), again), ZEL_SPARSE_STATUS_SUCCESS);
+        EXPECT_TRUE(std::equal(r.row_of_column.get(), r.row_of_column.get() + n, again.row_of_column.get()));
+        EXPECT_EQ(0, std::memcmp(r.row_scaling.get(), again.row_scaling.get(), size_t(n) * sizeof(double)));
+        EXPECT_EQ(0, std::memcmp(r.column_scaling.get(), again.column_scaling.get(), size_t(n) * sizeof(double)));
         if (n <= 200) {
             const std::optional<double> best = dense_assignment(a);
             ASSERT_TRUE(best.has_value());
