@@ -1,5 +1,6 @@
-// `zel bench solver`: the sparse Cholesky solver's phases against CHOLMOD's. zel runs here through
-// the public phase interface; CHOLMOD runs in zel-bench-cholmod, a process of its own, on the same
+// `zel bench solver`: the sparse Cholesky solver's phases against CHOLMOD's, and the list of the
+// suite's sections (the LU and L·D·Lᵀ ones are in bench_solver_lu.cpp). zel runs here through the
+// public phase interface; CHOLMOD runs in zel-bench-cholmod, a process of its own, on the same
 // matrix, once with its own ordering and once with the ordering zel chose (so that the factors'
 // sizes compare like for like).
 #include <algorithm>
@@ -14,8 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "bench_solver_common.hpp"
 #include "bench_solver_peer.hpp"
-#include "matrix_market.hpp"
+#include "solver_problems.hpp"
 #include "suite.hpp"
 #include "zel/pds.h"
 
@@ -25,110 +27,13 @@ namespace {
 constexpr int64_t block_rhs = 16;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-// ---- the matrices
-
-// The Laplacian of a grid of nx × ny × nz points (Dirichlet boundary): 2·dimensions on the
-// diagonal, -1 to each neighbour. Row i's upper entries are itself and its +x, +y, +z neighbours.
-upper_csr grid_laplacian(int64_t nx, int64_t ny, int64_t nz)
-{
-    upper_csr a;
-    a.n = nx * ny * nz;
-    const double diagonal = 2.0 * ((nx > 1) + (ny > 1) + (nz > 1));
-    a.col.reserve(size_t(4 * a.n));
-    a.value.reserve(size_t(4 * a.n));
-    for (int64_t z = 0; z < nz; ++z)
-        for (int64_t y = 0; y < ny; ++y)
-            for (int64_t x = 0; x < nx; ++x) {
-                const int64_t i = (z * ny + y) * nx + x;
-                const int64_t neighbours[] = {i, x + 1 < nx ? i + 1 : -1, y + 1 < ny ? i + nx : -1,
-                                              z + 1 < nz ? i + nx * ny : -1};
-                for (int64_t j : neighbours)
-                    if (j >= 0) {
-                        a.col.push_back(j);
-                        a.value.push_back(j == i ? diagonal : -1.0);
-                    }
-                a.row_ptr.push_back(int64_t(a.col.size()));
-            }
-    return a;
-}
-
-// The upper triangle of a real symmetric Matrix Market file (the reader mirrors a stored
-// triangle, sorts the rows and sums duplicates); false with the reader's message otherwise.
-bool read_upper(const std::string &path, upper_csr &a, std::string &error)
-{
-    zel::tool::mm_matrix m;
-    if (!zel::tool::read_matrix_market(path.c_str(), m, error))
-        return false;
-    if (m.is_complex() || m.header.rows != m.header.cols) {
-        error = path + ": not a real square matrix";
-        return false;
-    }
-    a.n = m.header.rows;
-    for (int64_t i = 0; i < a.n; ++i) {
-        for (int64_t p = m.row_ptr[i]; p < m.row_ptr[i + 1]; ++p)
-            if (m.col_idx[p] >= i) {
-                a.col.push_back(m.col_idx[p]);
-                a.value.push_back(m.real_values[p]);
-            }
-        a.row_ptr.push_back(int64_t(a.col.size()));
-    }
-    return true;
-}
-
-// y = A·x for the symmetric matrix whose upper triangle `a` holds.
-void multiply(const upper_csr &a, const double *x, double *y)
-{
-    std::fill(y, y + a.n, 0.0);
-    for (int64_t i = 0; i < a.n; ++i)
-        for (int64_t p = a.row_ptr[i]; p < a.row_ptr[i + 1]; ++p) {
-            const int64_t j = a.col[p];
-            y[i] += a.value[p] * x[j];
-            if (j != i)
-                y[j] += a.value[p] * x[i];
-        }
-}
-
-double norm_inf(const std::vector<double> &v)
-{
-    double norm = 0;
-    for (double value : v)
-        norm = std::max(norm, std::abs(value));
-    return norm;
-}
-
 // ‖b − A·x‖∞ / (‖A‖∞·‖x‖∞ + ‖b‖∞), as the peer computes its own.
 double residual(const upper_csr &a, const std::vector<double> &x, const std::vector<double> &b)
 {
-    std::vector<double> r(size_t(a.n)), row_sum(size_t(a.n), 0.0);
-    multiply(a, x.data(), r.data());
-    for (int64_t i = 0; i < a.n; ++i) {
-        r[i] = b[i] - r[i];
-        for (int64_t p = a.row_ptr[i]; p < a.row_ptr[i + 1]; ++p) {
-            row_sum[i] += std::abs(a.value[p]);
-            if (a.col[p] != i)
-                row_sum[a.col[p]] += std::abs(a.value[p]);
-        }
-    }
-    const double scale = norm_inf(row_sum) * norm_inf(x) + norm_inf(b);
-    return scale > 0 ? norm_inf(r) / scale : norm_inf(r);
+    return error_of(a, x, b).normwise;
 }
 
 // ---- zel's side
-
-double seconds_of(const std::function<void()> &body)
-{
-    const auto start = std::chrono::steady_clock::now();
-    body();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double best_of(int repeats, const std::function<void()> &body)
-{
-    double best = 1e300;
-    for (int r = 0; r < repeats; ++r)
-        best = std::min(best, seconds_of(body));
-    return best;
-}
 
 struct zel_result {
     std::string failure; // the phase that failed and its status, or empty
@@ -168,9 +73,6 @@ template <class F> int export_perm(const zel_pds_solver *s, std::vector<int64_t>
     return status;
 }
 
-// The first failure of a series of calls is the one worth naming.
-void keep_first(int &status, int next) { status = status != ZEL_PDS_STATUS_SUCCESS ? status : next; }
-
 bool failed(int status, const char *phase, zel_result &out)
 {
     if (status != ZEL_PDS_STATUS_SUCCESS)
@@ -190,8 +92,8 @@ double best_solve(zel_pds_solver *s, int64_t n, int64_t nrhs, const std::vector<
 void solve_phase(zel_pds_solver *s, const upper_csr &a, int repeats, zel_result &out)
 {
     const int64_t n = a.n;
-    std::vector<double> ones(static_cast<size_t>(n), 1.0), b(ones.size()), x(ones.size());
-    multiply(a, ones.data(), b.data());
+    const std::vector<double> b = ones_rhs(a);
+    std::vector<double> x(b.size());
     int status = 0;
     out.solve1 = best_solve(s, n, 1, b, x, repeats, status);
     if (failed(status, "solve", out))
@@ -231,28 +133,6 @@ template <class I, class F> zel_result measure_zel(const upper_csr &a, int repea
 }
 
 // ---- the table
-
-const char *ordering_name(int ordering)
-{
-    switch (ordering) {
-    case ZEL_PDS_ORDERING_AMD: return "amd";
-    case ZEL_PDS_ORDERING_NESTED_DISSECTION: return "nd";
-    case ZEL_PDS_ORDERING_GIVEN: return "given";
-    case ZEL_PDS_ORDERING_NATURAL: return "natural";
-    default: return "?";
-    }
-}
-
-std::string figure(double value, const char *format)
-{
-    if (!std::isfinite(value))
-        return "-";
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
-std::string ms(double seconds) { return figure(1e3 * seconds, seconds < 0.01 ? "%.3f" : "%.1f"); }
 
 void print_header()
 {
@@ -397,12 +277,6 @@ int laplace2d(int repeats)
     return run_case("5-point Laplacian, 1000^2 grid", grid_laplacian(1000, 1000, 1), repeats, true);
 }
 
-std::string matrix_folder()
-{
-    const char *dir = std::getenv("ZEL_TEST_MATRICES");
-    return dir != nullptr && *dir != '\0' ? dir : ZEL_BENCH_MATRICES;
-}
-
 // The real positive definite matrices of the test folder (494_bus is one too, though its notes say
 // only symmetric); small, so ten times the rounds.
 int matrices(int repeats)
@@ -414,7 +288,7 @@ int matrices(int repeats)
         const std::string path = folder + "/" + name + ".mtx";
         upper_csr a;
         std::string error;
-        if (!read_upper(path, a, error)) {
+        if (!read_matrix(path, true, a, error)) {
             std::printf("%s: skipped: %s (ZEL_TEST_MATRICES names the folder)\n\n", name, error.c_str());
             continue;
         }
@@ -424,46 +298,40 @@ int matrices(int repeats)
     return status;
 }
 
+void print_cholesky_legend(int repeats)
+{
+    std::printf("Cholesky sections, zel against CHOLMOD's supernodal factorisation: milliseconds, best of %d\n"
+                "rounds (10x on the test matrices); solves without refinement; GFLOP/s = each factor's own\n"
+                "flops / its factorisation time; L entries count the explicit zeros of each side's supernodes.\n"
+                "Ratios zel / cholmod: times below 1 and GFLOP/s above 1 mean zel is faster.\n\n",
+                repeats);
+}
+
 struct solver_section {
     const char *name;
     int (*run)(int repeats);
+    void (*legend)(int repeats); // printed before the first section of its kind
 };
-const solver_section sections[] = {{"laplace3d", laplace3d}, {"laplace2d", laplace2d}, {"matrices", matrices}};
-
-const char *processor_isa()
-{
-    return __builtin_cpu_supports("avx512f") ? "AVX-512" : __builtin_cpu_supports("avx2") ? "AVX2" : "no AVX2";
-}
-
-std::string processor_name()
-{
-    FILE *info = std::fopen("/proc/cpuinfo", "r");
-    char line[256];
-    std::string name = "unknown processor";
-    while (info != nullptr && std::fgets(line, sizeof line, info) != nullptr)
-        if (std::strncmp(line, "model name", 10) == 0) {
-            const char *colon = std::strchr(line, ':');
-            name = colon != nullptr ? colon + 2 : line;
-            name.erase(name.find_last_not_of(" \n") + 1);
-            break;
-        }
-    if (info != nullptr)
-        std::fclose(info);
-    return name;
-}
+const solver_section sections[] = {
+    {"laplace3d", laplace3d, print_cholesky_legend}, {"laplace2d", laplace2d, print_cholesky_legend},
+    {"matrices", matrices, print_cholesky_legend},   {"unsym3d", unsym3d, print_lu_legend},
+    {"unsym2d", unsym2d, print_lu_legend},           {"unsym_matrices", unsym_matrices, print_lu_legend},
+    {"kkt", kkt, print_lu_legend},                   {"indef_matrices", indef_matrices, print_lu_legend},
+};
 
 int run_solver_bench(const request &what)
 {
-    std::printf("Sparse Cholesky (double): zel against CHOLMOD's supernodal factorisation, one thread each.\n"
-                "Milliseconds, best of %d rounds (10x on the test matrices); solves without refinement;\n"
-                "GFLOP/s = each factor's own flops / its factorisation time; L entries count the explicit\n"
-                "zeros of each side's supernodes. Ratios zel / cholmod: times below 1 and GFLOP/s above 1\n"
-                "mean zel is faster. Processor: %s, %s.\n",
-                what.repeats, processor_name().c_str(), processor_isa());
-    std::printf("\n");
+    std::printf("Sparse direct solver (double), one thread each: zel against CHOLMOD (positive definite),\n"
+                "UMFPACK, SuperLU and MUMPS (unsymmetric) and MUMPS (symmetric indefinite), each peer in a\n"
+                "process of its own. Processor: %s, %s.\n\n",
+                processor_name().c_str(), processor_isa());
     int status = 0;
+    void (*shown)(int) = nullptr;
     for (const solver_section &s : sections)
         if (what.runs(find_section(*what.suite, s.name))) {
+            if (s.legend != shown)
+                s.legend(what.repeats);
+            shown = s.legend;
             std::printf("== %s\n", s.name);
             status |= s.run(what.repeats);
         }

@@ -1,6 +1,7 @@
 // Running a solver peer program and reading what it prints.
 #include "bench_solver_peer.hpp"
 
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,38 +19,13 @@ extern char **environ;
 namespace zel::bench {
 namespace {
 
-// Removes its files and folder when the run is over, whichever way it ends.
-struct scratch_folder {
-    std::string path;
-    std::vector<std::string> files;
-    scratch_folder()
-    {
-        const char *tmp = std::getenv("TMPDIR");
-        std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/zel-bench-XXXXXX";
-        if (mkdtemp(pattern.data()) != nullptr)
-            path = pattern;
-    }
-    ~scratch_folder()
-    {
-        for (const std::string &file : files)
-            std::remove(file.c_str());
-        if (!path.empty())
-            rmdir(path.c_str());
-    }
-    std::string add(const char *name)
-    {
-        files.push_back(path + "/" + name);
-        return files.back();
-    }
-};
-
 template <class T> bool write_all(FILE *file, const T *data, size_t count)
 {
     return std::fwrite(data, sizeof(T), count, file) == count;
 }
 
-// The upper triangle by columns, as the peer reads it: the transpose of the CSR arrays.
-bool write_matrix(const std::string &path, const upper_csr &a)
+// The matrix (or upper triangle) by columns, as the peer reads it: the transpose of the CSR arrays.
+bool write_matrix(const std::string &path, const csr_matrix &a)
 {
     const int64_t n = a.n, nnz = a.entries();
     std::vector<int64_t> col_ptr(n + 1, 0), row(nnz);
@@ -125,6 +101,12 @@ void parse_run(std::istringstream &words, peer_run &run)
         const std::string key = word.substr(0, equals), text = word.substr(equals + 1);
         const double value = std::strtod(text.c_str(), nullptr);
         if (key == "ordering") run.ordering = text;
+        else if (key == "strategy") run.strategy = text;
+        else if (key == "note") run.note = text;
+        else if (key == "berr") run.backward_error = value;
+        else if (key == "refine") run.refine = int(value);
+        else if (key == "memory") run.memory = value;
+        else if (key == "negative_pivots") run.negative_pivots = int64_t(value);
         else if (key == "analyse") run.analyse = value;
         else if (key == "factorise") run.factorise = value;
         else if (key == "solve1") run.solve1 = value;
@@ -151,6 +133,11 @@ void parse_report(const std::string &out, peer_report &report)
             report.blas.push_back(name);
         } else if (kind == "run" && words >> name) {
             parse_run(words, name == "given" ? report.given : report.own);
+        } else if (kind == "fail" && words >> name) {
+            std::string why;
+            std::getline(words >> std::ws, why);
+            report.refused = true;
+            report.failure = name + ": " + why;
         }
     }
     std::sort(report.blas.begin(), report.blas.end()); // the order of the process's mappings varies
@@ -172,19 +159,21 @@ std::string peer_program(const char *name)
     return access(program.c_str(), X_OK) == 0 ? program : "";
 }
 
-peer_report run_cholmod(const std::string &program, const upper_csr &a, const std::vector<int64_t> &perm,
-                        int repeats)
+namespace {
+
+// Runs the program on the input files; the report says how it went.
+peer_report run_path(const std::string &program, const peer_input &input, const std::vector<std::string> &extra,
+                     int repeats)
 {
     peer_report report;
-    scratch_folder folder;
-    const std::string matrix = folder.add("matrix.bin"), order = folder.add("perm.bin");
-    if (folder.path.empty() || !write_matrix(matrix, a) || (!perm.empty() && !write_perm(order, perm))) {
+    if (!input.ok()) {
         report.failure = "cannot write the peer's input files (TMPDIR or /tmp)";
         return report;
     }
-    std::vector<std::string> arguments = {program, matrix, "--repeats", std::to_string(repeats)};
-    if (!perm.empty())
-        arguments.insert(arguments.end(), {"--perm", order});
+    std::vector<std::string> arguments = {program, input.matrix(), "--repeats", std::to_string(repeats)};
+    if (!input.perm().empty())
+        arguments.insert(arguments.end(), {"--perm", input.perm()});
+    arguments.insert(arguments.end(), extra.begin(), extra.end());
     // OpenBLAS takes its thread count from the environment when it loads; the peer also sees to
     // it itself, but a run from here should not depend on that.
     setenv("OPENBLAS_NUM_THREADS", "1", 1);
@@ -192,11 +181,59 @@ peer_report run_cholmod(const std::string &program, const upper_csr &a, const st
     std::string out;
     const int status = run_program(arguments, out);
     parse_report(out, report);
-    report.ran = status == 0 && report.own.done && (perm.empty() || report.given.done);
-    if (!report.ran)
-        report.failure = status < 0 ? "could not start " + program
-                                    : program + " failed (exit status " + std::to_string(status) + ")";
+    report.ran = status == 0 && report.own.done && (input.perm().empty() || report.given.done);
+    if (!report.ran && !report.refused)
+        report.failure = status < 0                ? "could not start " + program
+                         : status == 128 + SIGXCPU ? "stopped at its processor-time limit (ZEL_BENCH_PEER_MINUTES)"
+                         : status == 128 + SIGKILL ? "killed (the processor-time limit, or the kernel out of memory)"
+                         : status == 128 + SIGSEGV ? "crashed (segmentation fault)"
+                                                   : program + " failed (exit status " + std::to_string(status) + ")";
     return report;
+}
+
+} // namespace
+
+peer_input::peer_input(const csr_matrix &a, const std::vector<int64_t> &perm)
+{
+    const char *tmp = std::getenv("TMPDIR");
+    std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/zel-bench-XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr)
+        return;
+    folder_ = pattern;
+    matrix_ = folder_ + "/matrix.bin";
+    ok_ = write_matrix(matrix_, a);
+    if (ok_ && !perm.empty()) {
+        perm_ = folder_ + "/perm.bin";
+        ok_ = write_perm(perm_, perm);
+    }
+}
+
+peer_input::~peer_input()
+{
+    for (const std::string *file : {&matrix_, &perm_})
+        if (!file->empty())
+            std::remove(file->c_str());
+    if (!folder_.empty())
+        rmdir(folder_.c_str());
+}
+
+peer_report run_cholmod(const std::string &program, const upper_csr &a, const std::vector<int64_t> &perm,
+                        int repeats)
+{
+    const peer_input input(a, perm);
+    return run_path(program, input, {}, repeats);
+}
+
+peer_report run_peer(const char *name, const peer_input &input, const std::vector<std::string> &extra, int repeats)
+{
+    const std::string full_name = std::string("zel-bench-") + name;
+    const std::string program = peer_program(full_name.c_str());
+    if (program.empty()) {
+        peer_report report;
+        report.failure = full_name + " was not built (scripts/install-bench-peers.sh installs its library)";
+        return report;
+    }
+    return run_path(program, input, extra, repeats);
 }
 
 } // namespace zel::bench

@@ -1,10 +1,12 @@
 // Iterative refinement of a solve: residual, its backward error and residual measure, and a
 // correction through the solve phase, until the tolerance is met, the measures stagnate or
-// the step cap is reached. The better of the last two iterates is kept.
+// the step cap is reached. The better of the last two iterates is kept; the backward error of
+// each iterate goes to the frame's history.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 #include "zel/core_imports.h"
 #include "zel_internal/checked.hpp"
@@ -65,10 +67,16 @@ template <class T> void add_correction(const zel_pds_frame &f, const T *d, T *x)
     }
 }
 
-// What a refinement found: steps taken and the measures of the iterate it leaves in x.
+// Entries of the frame's refinement history: the backward error before the first step and
+// after each step.
+inline constexpr int64_t history_entries = int64_t(sizeof(zel_pds_frame::refinement_history) / sizeof(double));
+
+// What a refinement found: steps taken, the measures of the iterate it leaves in x, and the
+// backward error measured before each step and after the last.
 struct refinement_result {
     int64_t error = 0, steps = 0;
     double backward_error = 0, residual_norm = 0;
+    double history[history_entries] = {};
 };
 
 // The loop. x holds a complete iterate throughout: a correction is added only once its solve
@@ -84,6 +92,8 @@ refinement_result refine(const zel_pds_frame &f, const T *b, T *x, double tolera
     for (;;) {
         if ((out.error = measure<Complex>(f, b, x, s.residual.get(), e, m)) != 0)
             return out;
+        if (out.steps < history_entries)
+            out.history[out.steps] = e;
         const bool stagnated =
             out.steps > 0 && e > stagnation_factor * e_previous && m > stagnation_factor * m_previous;
         if (stagnated || (tolerance > 0 && tolerance > e) || out.steps == cap)
@@ -122,6 +132,7 @@ void refinement_entry(zel_pds_frame *frame, const void *b, void *x, int64_t mess
     const double tolerance = k != 0 ? double(zel_serv_libm_powf(10.0f, -float(k))) : 0.0;
     frame->refinement_steps = 0;
     frame->backward_error = frame->residual_norm = 0;
+    std::fill(std::begin(frame->refinement_history), std::end(frame->refinement_history), 0.0);
     if (complex_type(frame->matrix_type) != Complex || frame->n < 0 || frame->nrhs < 0 ||
         (frame->nrhs > 1 && frame->ldx < frame->n)) {
         *error = 2;
@@ -146,6 +157,7 @@ void refinement_entry(zel_pds_frame *frame, const void *b, void *x, int64_t mess
     frame->refinement_steps = out.steps;
     frame->backward_error = out.backward_error;
     frame->residual_norm = out.residual_norm;
+    std::copy(std::begin(out.history), std::end(out.history), frame->refinement_history);
     *error = out.error;
     if (out.error == 0 && message_level == 1 && out.steps > 0) {
         zel_serv_printf_s("Number of iterative refinement steps performed        %d\n", int(out.steps));

@@ -1,11 +1,12 @@
 // The solve-phase driver: the right-hand sides gathered through the permutation into a work
-// block, the core's forward and backward sweeps on it (one column block per partition), and
-// the scatter back with the output scaling.
+// block, the core's forward sweep, diagonal step (L·D·Lᵀ factors) and backward sweep on it
+// (one column block per partition), and the scatter back with the output scaling.
 #pragma once
 
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 
 #include "zel/core_imports.h"
@@ -33,16 +34,31 @@ inline void advise_huge_pages(void *block, size_t bytes)
         madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
 }
 
-// The core's sweep kernels of each value and index type.
+// The factor kinds the driver solves with, each with its pair of sweep kernels.
+enum class factor_kind : int { cholesky, lu, lu_transposed, diagonal_pivots, bunch_kaufman, count, none = count };
+inline constexpr int factor_kinds = int(factor_kind::count);
+
+template <class C> using sweep_kernel = void (*)(const zel_pds_frame *, int64_t, C *, int64_t, int64_t *);
+template <class C> struct kernel_pair {
+    sweep_kernel<C> forward, backward;
+};
+
+// The core's sweep kernels of each value and index type, in factor_kind order.
 template <class T, class I> struct sweep_kernels;
 
+#define ZEL_PDS_KERNEL_PAIR(P, W, K, STEM, MODE)                                                               \
+    {zel_pds_##W##P##pds_##STEM##_fwd_ker##_##MODE##_nrhs_##K, zel_pds_##W##P##pds_##STEM##_bwd_ker##_##MODE##_nrhs_##K}
+#define ZEL_PDS_KERNEL_PAIRS(P, C, W, K, MODE)                                                                 \
+    {{ZEL_PDS_KERNEL_PAIR(P, W, K, sym_pos, MODE),                                                             \
+      ZEL_PDS_KERNEL_PAIR(P, W, K, unsym, MODE),                                                               \
+      {zel_pds_##W##P##pds_unsym_fwd_ker_t_##MODE##_nrhs_##K, zel_pds_##W##P##pds_unsym_bwd_ker_t_##MODE##_nrhs_##K}, \
+      ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_diag, MODE),                                                      \
+      ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_bk, MODE)}}
 #define ZEL_PDS_KERNEL_TABLE(P, C, T, W, I, K)                                                                 \
     template <> struct sweep_kernels<T, I> {                                                                   \
         using c_type = C;                                                                                      \
-        static constexpr auto forward_seq = zel_pds_##W##P##pds_sym_pos_fwd_ker_seq_nrhs_##K;                  \
-        static constexpr auto forward_par = zel_pds_##W##P##pds_sym_pos_fwd_ker_par_nrhs_##K;                  \
-        static constexpr auto backward_seq = zel_pds_##W##P##pds_sym_pos_bwd_ker_seq_nrhs_##K;                 \
-        static constexpr auto backward_par = zel_pds_##W##P##pds_sym_pos_bwd_ker_par_nrhs_##K;                 \
+        static constexpr std::array<kernel_pair<C>, factor_kinds> seq = ZEL_PDS_KERNEL_PAIRS(P, C, W, K, seq);  \
+        static constexpr std::array<kernel_pair<C>, factor_kinds> par = ZEL_PDS_KERNEL_PAIRS(P, C, W, K, par);  \
     };
 #define ZEL_PDS_REAL_KERNEL_TABLE(P, C, T, W, I) ZEL_PDS_KERNEL_TABLE(P, C, T, W, I, real)
 #define ZEL_PDS_CMPLX_KERNEL_TABLE(P, C, T, W, I) ZEL_PDS_KERNEL_TABLE(P, C, T, W, I, cmplx)
@@ -51,19 +67,77 @@ ZEL_PDS_CMPLX_MEMBERS(ZEL_PDS_CMPLX_KERNEL_TABLE)
 #undef ZEL_PDS_REAL_KERNEL_TABLE
 #undef ZEL_PDS_CMPLX_KERNEL_TABLE
 #undef ZEL_PDS_KERNEL_TABLE
+#undef ZEL_PDS_KERNEL_PAIRS
+#undef ZEL_PDS_KERNEL_PAIR
 
-// 0 when the driver of this value kind can solve with the frame, else 2. Only the positive
-// definite types have kernels: 2 for real values, 4 for complex ones.
-inline int64_t solvable(const zel_pds_frame &f, bool complex)
+// The core's D⁻¹ of one Bunch–Kaufman block of each value type: symmetric (Lᵀ) and, for
+// complex values, Hermitian.
+template <class T> struct bk_diagonal_routines;
+#define ZEL_PDS_BK_SYMMETRIC(P, C, T)                                                                          \
+    template <> struct bk_diagonal_routines<T> {                                                               \
+        static constexpr auto symmetric = zel_pds_##P##sytrs_bkl_scal_varisol;                                 \
+    };
+ZEL_DENSE_MEMBERS(ZEL_PDS_BK_SYMMETRIC)
+#undef ZEL_PDS_BK_SYMMETRIC
+template <class T> struct bk_hermitian_routine;
+#define ZEL_PDS_BK_HERMITIAN(P, C, T)                                                                          \
+    template <> struct bk_hermitian_routine<T> {                                                               \
+        static constexpr auto hermitian = zel_pds_##P##hetrs_bkl_scal_varisol;                                 \
+    };
+ZEL_DENSE_COMPLEX_MEMBERS(ZEL_PDS_BK_HERMITIAN)
+#undef ZEL_PDS_BK_HERMITIAN
+
+// The factor kind of the frame's type for the driver of this value kind: 2 and 4 Cholesky;
+// 11 and 1 (real), 13 and 3 (complex) L·U, with Aᵀ (Aᴴ) its transposed sweeps; -2 (real),
+// -4 and 6 (complex) L·D·Lᵀ, with 1×1 pivots exactly when the pivoting mode with bit 1
+// cleared is 0, else Bunch–Kaufman.
+inline factor_kind kind_of(const zel_pds_frame &f, bool complex)
 {
-    const bool type_ok = complex ? f.matrix_type == 4 : f.matrix_type == 2;
-    const bool shape_ok = f.n >= 0 && f.nsuper >= 0 && f.nrhs >= 0 && (f.nrhs <= 1 || (f.ldb >= f.n && f.ldx >= f.n));
-    return type_ok && shape_ok ? 0 : 2;
+    const int64_t t = f.matrix_type;
+    if (t == (complex ? 4 : 2))
+        return factor_kind::cholesky;
+    if (complex ? t == 13 || t == 3 : t == 11 || t == 1)
+        return f.transposed != 0 ? factor_kind::lu_transposed : factor_kind::lu;
+    if (complex ? t == -4 || t == 6 : t == -2)
+        return (f.pivoting & ~int64_t(2)) == 0 ? factor_kind::diagonal_pivots : factor_kind::bunch_kaufman;
+    return factor_kind::none;
 }
 
-// Aᵀ of a Hermitian matrix is conj(A): its solve is the conjugate of a solve with A of the
-// conjugate right-hand side. Aᴴ is A itself, and Aᵀ of a real symmetric matrix too.
-template <class T> bool conjugated_solve(const zel_pds_frame &f) { return is_complex_v<T> && f.transposed == 1; }
+// Whether the frame holds the arrays its kind of factor is solved with.
+inline bool arrays_present(const zel_pds_frame &f, factor_kind kind)
+{
+    if (f.n == 0)
+        return true;
+    if (f.super_ptr == nullptr || f.col_ptr == nullptr || f.row_ptr == nullptr || f.row_index == nullptr ||
+        f.l_values == nullptr)
+        return false;
+    switch (kind) {
+    case factor_kind::lu:
+    case factor_kind::lu_transposed: return f.u_col_ptr != nullptr && f.row_pivots != nullptr;
+    case factor_kind::diagonal_pivots: return f.row_pivots != nullptr && f.diagonal != nullptr;
+    case factor_kind::bunch_kaufman: return f.bk_pivots != nullptr;
+    default: return true;
+    }
+}
+
+// 0 when the driver of this value kind can solve with the frame, else 2.
+inline int64_t solvable(const zel_pds_frame &f, bool complex)
+{
+    const factor_kind kind = kind_of(f, complex);
+    const bool shape_ok = f.n >= 0 && f.nsuper >= 0 && f.nrhs >= 0 && (f.nrhs <= 1 || (f.ldb >= f.n && f.ldx >= f.n));
+    return kind != factor_kind::none && shape_ok && arrays_present(f, kind) ? 0 : 2;
+}
+
+// A solve with the conjugate matrix is the conjugate of a solve with the matrix of the
+// conjugate right-hand side: Aᵀ of a Hermitian type is conj(A), and so is Aᴴ of the complex
+// symmetric type. (Aᴴ of a Hermitian type, Aᵀ of a symmetric one are A; the unsymmetric
+// types conjugate in their transposed sweeps.)
+template <class T> bool conjugated_solve(const zel_pds_frame &f)
+{
+    if constexpr (!is_complex_v<T>)
+        return false;
+    return (hermitian_type(f.matrix_type) && f.transposed == 1) || (f.matrix_type == 6 && f.transposed == 2);
+}
 
 // The entry-wise scaling of the solution, or null: the second vector for an unsymmetric type
 // solved transposed, the first in every other case.
@@ -116,18 +190,100 @@ template <class T, class I> void scatter(const zel_pds_frame &f, const T *work, 
     }
 }
 
-// The sweeps, one block of columns per partition, one block after another.
+// The diagonal step with 1×1 pivots on k right-hand sides of the work block:
+// work(i, c) /= d[i], eight right-hand sides at a time.
+template <class T> void divide_by_diagonal(const zel_pds_frame &f, T *block, int64_t k)
+{
+    const T *d = static_cast<const T *>(f.diagonal);
+    const int64_t n = f.n;
+    int64_t c = 0;
+    for (; c + 8 <= k; c += 8)
+        for (int64_t i = 0; i < n; ++i) {
+            const T di = d[i];
+            T *row = block + c * n + i;
+            for (int q = 0; q < 8; ++q)
+                row[q * n] /= di;
+        }
+    for (; c < k; ++c)
+        for (int64_t i = 0; i < n; ++i)
+            block[c * n + i] /= d[i];
+}
+
+// The core's D⁻¹ of a Bunch–Kaufman block for the frame's type.
+template <class T> auto bk_diagonal_routine(const zel_pds_frame &f)
+{
+    if constexpr (is_complex_v<T>)
+        if (hermitian_type(f.matrix_type))
+            return bk_hermitian_routine<T>::hermitian;
+    return bk_diagonal_routines<T>::symmetric;
+}
+
+// The most columns of a supernode.
+template <class I> int64_t widest_supernode(const zel_pds_frame &f)
+{
+    const I *super = static_cast<const I *>(f.super_ptr);
+    int64_t widest = 1;
+    for (int64_t s = 0; s < f.nsuper; ++s)
+        widest = std::max<int64_t>(widest, int64_t(super[s + 1]) - super[s]);
+    return widest;
+}
+
+// The diagonal step with Bunch–Kaufman blocks on k right-hand sides of the work block: the
+// core's D⁻¹ of each supernode's diagonal block on the supernode's rows, all k at once. The
+// block's 32-bit pivots are widened into `wide` (max block columns), its 64-bit ones passed as
+// they are. Error 2 when the core refuses a block.
+template <class T, class I> int64_t bk_diagonal_step(const zel_pds_frame &f, T *block, int64_t k, int64_t *wide)
+{
+    using C = typename sweep_kernels<T, I>::c_type;
+    const I *super = static_cast<const I *>(f.super_ptr), *col_ptr = static_cast<const I *>(f.col_ptr);
+    const I *pivots = static_cast<const I *>(f.bk_pivots);
+    const T *l = static_cast<const T *>(f.l_values);
+    const auto routine = bk_diagonal_routine<T>(f);
+    for (int64_t s = 0; s < f.nsuper; ++s) {
+        const int64_t first = int64_t(super[s]) - 1, cols = int64_t(super[s + 1]) - 1 - first;
+        const int64_t at = col_ptr[first], rows = int64_t(col_ptr[first + 1]) - at;
+        const int64_t *ipiv;
+        if constexpr (sizeof(I) == sizeof(int64_t)) {
+            ipiv = pivots + first;
+        } else {
+            std::copy(pivots + first, pivots + first + cols, wide);
+            ipiv = wide;
+        }
+        int64_t info = 0;
+        routine("L", &cols, &k, reinterpret_cast<const C *>(l + (at - 1)), &rows, ipiv,
+                reinterpret_cast<C *>(block + first), &f.n, &info);
+        if (info != 0)
+            return 2;
+    }
+    return 0;
+}
+
+// The sweeps (and the diagonal step between them), one block of columns per partition, one
+// block after another.
 template <class T, class I, bool Par> int64_t sweep_partitions(const zel_pds_frame &f, T *work)
 {
     using K = sweep_kernels<T, I>;
+    const factor_kind kind = kind_of(f, is_complex_v<T>);
+    if (kind == factor_kind::none)
+        return 2;
+    const kernel_pair<typename K::c_type> kernels = (Par ? K::par : K::seq)[size_t(kind)];
+    scratch_array<int64_t> wide;
+    if (kind == factor_kind::bunch_kaufman && sizeof(I) != sizeof(int64_t))
+        if (!(wide = scratch_array<int64_t>(size_t(widest_supernode<I>(f)), 64)))
+            return 1;
     const int64_t parts = std::min(std::max<int64_t>(zel_pds_pds_get_num_threads(&f), 1), f.nrhs);
     for (int64_t p = 0, c0 = 0; p < parts; ++p) {
         const int64_t k = f.nrhs / parts + (p < f.nrhs % parts ? 1 : 0);
-        auto *block = reinterpret_cast<typename K::c_type *>(work + c0 * f.n);
+        T *block = work + c0 * f.n;
+        auto *c_block = reinterpret_cast<typename K::c_type *>(block);
         int64_t error = 0;
-        (Par ? K::forward_par : K::forward_seq)(&f, k, block, f.n, &error);
+        kernels.forward(&f, k, c_block, f.n, &error);
+        if (error == 0 && kind == factor_kind::diagonal_pivots)
+            divide_by_diagonal(f, block, k);
+        if (error == 0 && kind == factor_kind::bunch_kaufman)
+            error = bk_diagonal_step<T, I>(f, block, k, wide.get());
         if (error == 0)
-            (Par ? K::backward_par : K::backward_seq)(&f, k, block, f.n, &error);
+            kernels.backward(&f, k, c_block, f.n, &error);
         if (error != 0)
             return error;
         c0 += k;

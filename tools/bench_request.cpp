@@ -27,17 +27,26 @@ const suite_info suites[] = {
      {{"transpose", "transposed record and kernel vs cs_transpose"},
       {"syrk", "A·Aᵀ sparse result vs cs_multiply(A, cs_transpose(A)), dense result vs dsyrk_"},
       {nullptr, nullptr}}},
-    {"solver", "sparse Cholesky: analyse, factorise and solve against CHOLMOD",
-     "Times each phase of the positive definite solver (double) and of CHOLMOD's supernodal Cholesky,\n"
-     "which runs in a program of its own (zel-bench-cholmod, built when libsuitesparse-dev is found) on\n"
-     "the system BLAS: scripts/install-bench-peers.sh installs it and selects single-threaded OpenBLAS.\n"
-     "CHOLMOD runs twice, with its own ordering and with zel's. The test matrices come from\n"
-     "ZEL_TEST_MATRICES (by default the folder configured at build time) and get 10x the rounds.\n",
+    {"solver", "sparse direct solver: analyse, factorise and solve against CHOLMOD, UMFPACK, SuperLU, MUMPS",
+     "Times each phase of the solver (double) against its peers, each in a program of its own on the\n"
+     "system BLAS (zel-bench-cholmod, -umfpack, -superlu, -mumps, built when their libraries are found):\n"
+     "scripts/install-bench-peers.sh installs them and selects single-threaded OpenBLAS. Positive\n"
+     "definite matrices against CHOLMOD's supernodal Cholesky (with its own ordering and with zel's);\n"
+     "unsymmetric ones (LU) against UMFPACK, SuperLU and MUMPS; symmetric indefinite ones (L·D·Lᵀ)\n"
+     "against MUMPS. The test matrices come from ZEL_TEST_MATRICES (by default the folder configured\n"
+     "at build time) and get 10x the rounds. ZEL_BENCH_GRID=K (2 to 400, default 100) sizes the\n"
+     "generated LU and L·D·Lᵀ problems: K^3, (10K)^2 and (5K)^2 grids; at 100 the 3-D LU takes\n"
+     "minutes and several GiB per solver, and runs one round.\n",
      0,
      3,
      {{"laplace3d", "7-point Laplacian on a 60^3 grid"},
       {"laplace2d", "5-point Laplacian on a 1000^2 grid"},
       {"matrices", "the real positive definite test matrices (494_bus, 1138_bus, bcsstk13, ani4)"},
+      {"unsym3d", "LU: convection-diffusion, 7-point upwind, cell Peclet 10, on a 100^3 grid"},
+      {"unsym2d", "LU: convection-diffusion, 5-point upwind, cell Peclet 10, on a 1000^2 grid"},
+      {"unsym_matrices", "LU: the 13 real unsymmetric test matrices (west0479, ..., sherman3)"},
+      {"kkt", "L·D·Lᵀ: saddle point [[H, Bᵀ], [B, 0]], H a 500^2-grid Laplacian, 62,500 constraints"},
+      {"indef_matrices", "L·D·Lᵀ: hangGlider_2, tumorAntiAngiogenesis_2, reorientation_1"},
       {nullptr, nullptr}}},
     {nullptr, nullptr, nullptr, 0, 0, {{nullptr, nullptr}}},
 };
@@ -78,7 +87,7 @@ void print_suite_usage(FILE *out, const suite_info &suite)
 void print_sections(FILE *out, const suite_info &suite, const char *indent)
 {
     for (const section_info *section = suite.sections; section->name != nullptr; ++section)
-        std::fprintf(out, "%s%-10s %s\n", indent, section->name, section->summary);
+        std::fprintf(out, "%s%-14s %s\n", indent, section->name, section->summary);
 }
 
 void print_suite_help(const suite_info &suite)

@@ -9,7 +9,7 @@
 
 namespace zel::bench {
 
-constexpr int max_sections = 8;
+constexpr int max_sections = 12;
 
 struct section_info {
     const char *name;

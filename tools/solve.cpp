@@ -1,65 +1,67 @@
-// `zel solve`: reads a Matrix Market system (or builds a 3-D Laplacian), solves it with the direct
-// solver through its public phase interface, and reports what each phase cost and how accurate
-// the solution is, measured here independently of the solver.
-#include <signal.h>
-#include <sys/time.h>
-#include <unistd.h>
-
+// `zel solve`: reads a Matrix Market system (or builds a 3-D Laplacian), chooses the matrix type
+// from its values, solves it with the direct solver through its public phase interface, and
+// reports what each phase cost, how the factorisation went and how accurate the solution is,
+// measured here independently of the solver.
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>
-#include <complex>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "cli.hpp"
 #include "command.hpp"
 #include "matrix_market.hpp"
 #include "solve_problem.hpp"
+#include "solve_run.hpp"
 #include "zel/pds.h"
 
 namespace {
 
 using namespace zel::tool;
-using zcomplex = std::complex<double>;
-
 constexpr const char *solve_summary = "solve a sparse system from a Matrix Market file, or a built-in one";
 constexpr const char *command_name = "zel solve";
 
 void print_help()
 {
     std::printf(
-        "usage: zel solve [FILE.mtx] [--rhs FILE] [--out FILE] [--type spd|hpd|auto]\n"
+        "usage: zel solve [FILE.mtx] [--rhs FILE] [--out FILE] [--type auto|spd|hpd|sid|hid|csym|unsym]\n"
         "                 [--ordering auto|amd|nd] [--refine N] [--nrhs K] [--size N]\n\n"
-        "Solves A·x = b with the direct solver and prints a report: the matrix, the type chosen, the\n"
-        "ordering, the factor's entries, flops, supernodes and memory, the time and GFLOP/s of each\n"
-        "phase, the refinement steps, the residual measured here and the solver's backward error.\n\n"
+        "Solves A·x = b with the direct solver and prints a report: the matrix, the type chosen and\n"
+        "why, the ordering, the matching, the factor's entries, flops, supernodes and memory, the\n"
+        "pivots replaced (and the inertia of a symmetric or Hermitian indefinite matrix), the time\n"
+        "and GFLOP/s of each phase, the refinement history, the residual measured here, the\n"
+        "solver's backward error and the final status.\n\n"
         "FILE.mtx   a Matrix Market coordinate file (real, integer, complex or pattern). Without it,\n"
         "           the 7-point Laplacian of an N×N×N grid (--size, default 60) is solved.\n"
         "           A pattern file is given values: its graph Laplacian plus the identity.\n"
         "--rhs FILE right-hand sides: a Matrix Market array (or coordinate) file with n rows.\n"
         "           Without it, b = A·1, or with --nrhs K, K columns b_j = A·x_j for fixed x_j.\n"
         "--out FILE writes x as a Matrix Market array.\n"
-        "--type     auto (default): a symmetric real or Hermitian complex matrix with a positive\n"
-        "           real diagonal is factored as positive definite; spd or hpd asks for the real or\n"
-        "           the complex (Hermitian) solver. Other matrices are not supported yet (exit 1).\n"
+        "--type     auto (default): symmetric real or Hermitian complex values with a positive\n"
+        "           diagonal are tried as positive definite first, and factored as indefinite\n"
+        "           when a pivot is not positive; other symmetric or Hermitian values as\n"
+        "           indefinite; complex symmetric values as complex symmetric; anything else as\n"
+        "           unsymmetric (L·U after a matching, and again with the other matching choice\n"
+        "           when refinement misses the accuracy goal). spd, hpd: (Hermitian) positive\n"
+        "           definite; sid, hid: symmetric or Hermitian indefinite; csym: complex\n"
+        "           symmetric; unsym: unsymmetric. hpd, hid and csym solve a real matrix in\n"
+        "           complex arithmetic (as complex right-hand sides do).\n"
         "--ordering auto (default), amd (minimum degree) or nd (nested dissection).\n"
         "--refine N at most N refinement steps, 0 to 10 (default: the solver's, 2).\n\n"
-        "Exit status: 0 solved, 1 the solver failed or the matrix type is not supported,\n"
-        "2 a usage error or a malformed file.\n");
+        "Exit status: 0 solved (backward error below 1e-10, or refinement off); 1 the solver\n"
+        "failed (not accurate, singular, structurally singular, not positive definite when asked\n"
+        "for, out of memory): the report is printed when a solution was found, and the status and\n"
+        "its meaning on standard error; 2 a usage error, a --type that the matrix's values do not\n"
+        "fit, or a malformed file.\n");
 }
-
-enum class type_choice { automatic, spd, hpd };
 
 struct request {
     const char *file = nullptr;
     const char *rhs = nullptr;
     const char *out = nullptr;
-    type_choice type = type_choice::automatic;
+    type_request type = type_request::automatic;
     int ordering = ZEL_PDS_ORDERING_AUTOMATIC;
     int64_t refine = -1; // the solver's default
     int64_t nrhs = 1;
@@ -83,7 +85,7 @@ bool parse_word(const option_parser &parser, const char *const *words, int count
 
 bool parse_option(const option_parser &parser, int code, request &r)
 {
-    static const char *const types[] = {"auto", "spd", "hpd"};
+    static const char *const types[] = {"auto", "spd", "hpd", "sid", "hid", "csym", "unsym"};
     static const char *const orderings[] = {"auto", "amd", "nd"};
     static const int ordering_codes[] = {ZEL_PDS_ORDERING_AUTOMATIC, ZEL_PDS_ORDERING_AMD,
                                          ZEL_PDS_ORDERING_NESTED_DISSECTION};
@@ -92,9 +94,9 @@ bool parse_option(const option_parser &parser, int code, request &r)
     case 'r': r.rhs = parser.value(); return true;
     case 'o': r.out = parser.value(); return true;
     case 't':
-        if (!parse_word(parser, types, 3, index))
+        if (!parse_word(parser, types, 7, index))
             return false;
-        r.type = static_cast<type_choice>(index);
+        r.type = static_cast<type_request>(index);
         return true;
     case 'O':
         if (!parse_word(parser, orderings, 3, index))
@@ -138,51 +140,6 @@ int parse_request(int argc, char **argv, request &r)
     return -1;
 }
 
-// "factorising ..." on a terminal once a phase has run for a second, erased when it ends. The
-// timer's handler only writes the prepared text, which is safe in a signal handler.
-char notice_text[64];
-size_t notice_length = 0;
-volatile sig_atomic_t notice_shown = 0;
-
-void show_notice(int)
-{
-    notice_shown = write(STDERR_FILENO, notice_text, notice_length) > 0;
-}
-
-class phase_notice {
-public:
-    explicit phase_notice(const char *what)
-    {
-        on_ = isatty(STDERR_FILENO) == 1;
-        if (!on_)
-            return;
-        notice_length = static_cast<size_t>(std::snprintf(notice_text, sizeof notice_text, "%s ...", what));
-        notice_shown = 0;
-        struct sigaction action = {};
-        action.sa_handler = show_notice;
-        action.sa_flags = SA_RESTART;
-        sigaction(SIGALRM, &action, nullptr);
-        const itimerval one_second = {{0, 0}, {1, 0}};
-        setitimer(ITIMER_REAL, &one_second, nullptr);
-    }
-    ~phase_notice()
-    {
-        if (!on_)
-            return;
-        const itimerval off = {};
-        setitimer(ITIMER_REAL, &off, nullptr);
-        if (notice_shown) {
-            static const char erase[] = "\r\033[K";
-            [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, erase, sizeof erase - 1);
-        }
-    }
-    phase_notice(const phase_notice &) = delete;
-    phase_notice &operator=(const phase_notice &) = delete;
-
-private:
-    bool on_ = false;
-};
-
 double seconds_since(std::chrono::steady_clock::time_point start)
 {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -193,23 +150,11 @@ struct linear_system {
     mm_matrix a;
     std::string name;       // the file, or the built-in problem
     std::string stored;     // what the file said
-    std::string type_basis; // why the type was chosen
     bool built_in = false;
     bool have_rhs = false;
     mm_dense b;
     double read_seconds = 0;
 };
-
-// The not-supported message: what the matrix is, and what this version solves.
-int not_supported(const linear_system &s, const std::string &why)
-{
-    std::fprintf(stderr,
-                 "zel solve: %s: this matrix type is not supported yet by this version: %s.\n"
-                 "zel solve factors symmetric positive definite (real) and Hermitian positive definite\n"
-                 "(complex) matrices; the next release adds unsymmetric and indefinite ones.\n",
-                 s.name.c_str(), why.c_str());
-    return exit_failure;
-}
 
 std::string describe_file(const mm_header &h)
 {
@@ -275,217 +220,91 @@ int load_rhs(const request &r, linear_system &s)
     return -1;
 }
 
-// Real or complex arithmetic, from the request, the matrix and the right-hand sides; then whether
-// the matrix can be tried as positive definite. Returns -1 or an exit status.
-int choose_type(const request &r, linear_system &s)
+// The matrix type, from the request, the matrix and the right-hand sides; a real matrix solved
+// in complex arithmetic is made complex. Returns -1 or an exit status.
+int choose_type(const request &r, linear_system &s, type_plan &plan)
 {
-    const bool complex_input = s.a.is_complex() || (s.have_rhs && s.b.is_complex());
-    if (r.type == type_choice::spd && complex_input)
-        return usage_error(command_name, "--type spd needs real values, but %s holds complex ones (try --type hpd)",
-                           s.a.is_complex() ? s.name.c_str() : r.rhs);
-    const bool was_real = !s.a.is_complex();
-    if (complex_input || r.type == type_choice::hpd)
-        make_complex(s.a);
-    const definite_candidate c = check_definite_candidate(s.a);
-    if (!c.obstacle.empty())
-        return not_supported(s, c.structural ? c.obstacle : c.obstacle + ", so it is not positive definite");
-    if (r.type != type_choice::automatic)
-        s.type_basis = std::string("asked for with --type ") + (r.type == type_choice::spd ? "spd" : "hpd");
-    else if (s.a.is_complex() && was_real)
-        s.type_basis = "real symmetric values with complex right-hand sides";
-    else
-        s.type_basis = s.a.is_complex() ? "Hermitian values with a positive real diagonal"
-                                        : "symmetric values with a positive diagonal";
-    if (c.asymmetry > 0) {
-        char text[96];
-        std::snprintf(text, sizeof text, " (the triangles differ by up to %.1e relative; the upper one is used)",
-                      c.asymmetry);
-        s.type_basis += text;
+    const bool complex_rhs = s.have_rhs && s.b.is_complex();
+    const bool real_only = r.type == type_request::spd || r.type == type_request::sid;
+    if (real_only && (s.a.is_complex() || complex_rhs))
+        return usage_error(command_name, "--type %s needs real values, but %s holds complex ones (try --type %s)",
+                           r.type == type_request::spd ? "spd" : "sid", s.a.is_complex() ? s.name.c_str() : r.rhs,
+                           r.type == type_request::spd ? "hpd" : "hid or csym");
+    plan = plan_matrix_type(s.a, complex_rhs, r.type);
+    if (plan.refusal_status == exit_usage)
+        return usage_error(command_name, "%s: %s", s.name.c_str(), plan.refusal.c_str());
+    if (!plan.refusal.empty()) {
+        std::fprintf(stderr, "%s: %s: %s\n", command_name, s.name.c_str(), plan.refusal.c_str());
+        return exit_failure;
     }
+    if (plan.complex)
+        make_complex(s.a);
     return -1;
 }
 
-// ---- The solver, through its public interface, for value type T and index type I ----
-
-int create(zel_pds_solver **solver, double) { return zel_pds_d_create(solver, ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE); }
-int create(zel_pds_solver **solver, zcomplex)
+const char *type_name(int type)
 {
-    return zel_pds_z_create(solver, ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE);
-}
-int analyse(zel_pds_solver *solver, int32_t n, const int32_t *row_ptr, const int32_t *col_idx)
-{
-    return zel_pds_analyse_csr_i4(solver, n, row_ptr, col_idx, 0, ZEL_PDS_STORAGE_UPPER);
-}
-int analyse(zel_pds_solver *solver, int64_t n, const int64_t *row_ptr, const int64_t *col_idx)
-{
-    return zel_pds_analyse_csr_i8(solver, n, row_ptr, col_idx, 0, ZEL_PDS_STORAGE_UPPER);
-}
-int factorise(zel_pds_solver *solver, const double *values) { return zel_pds_d_factorise(solver, values); }
-int factorise(zel_pds_solver *solver, const zcomplex *values)
-{
-    return zel_pds_z_factorise(solver, reinterpret_cast<const zel_complex16 *>(values));
-}
-// Blocks of n rows; a leading dimension is at least 1, even for the empty system.
-int solve(zel_pds_solver *solver, int64_t nrhs, const double *b, int64_t n, double *x)
-{
-    const int64_t ld = std::max<int64_t>(n, 1);
-    return zel_pds_d_solve(solver, nrhs, b, ld, x, ld);
-}
-int solve(zel_pds_solver *solver, int64_t nrhs, const zcomplex *b, int64_t n, zcomplex *x)
-{
-    const int64_t ld = std::max<int64_t>(n, 1);
-    return zel_pds_z_solve(solver, nrhs, reinterpret_cast<const zel_complex16 *>(b), ld,
-                           reinterpret_cast<zel_complex16 *>(x), ld);
-}
-
-struct solver_holder {
-    zel_pds_solver *solver = nullptr;
-    ~solver_holder() { zel_pds_destroy(solver); }
-};
-
-// The upper triangle with the diagonal, in the index width the solver is given.
-template <class T, class I> struct upper_csr {
-    std::vector<I> row_ptr, col_idx;
-    std::vector<T> values;
-};
-
-template <class T, class I> upper_csr<T, I> upper_triangle(const mm_matrix &a)
-{
-    const std::vector<T> &values = values_of<T>(a);
-    upper_csr<T, I> u;
-    u.row_ptr.reserve(a.header.rows + 1);
-    u.row_ptr.push_back(0);
-    for (int64_t i = 0; i < a.header.rows; ++i) {
-        for (int64_t k = a.row_ptr[i]; k < a.row_ptr[i + 1]; ++k)
-            if (a.col_idx[k] >= i) {
-                u.col_idx.push_back(static_cast<I>(a.col_idx[k]));
-                u.values.push_back(values[k]);
-            }
-        u.row_ptr.push_back(static_cast<I>(u.col_idx.size()));
+    switch (type) {
+    case ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE: return "real symmetric positive definite";
+    case ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE: return "complex Hermitian positive definite";
+    case ZEL_PDS_REAL_SYMMETRIC_INDEFINITE: return "real symmetric indefinite";
+    case ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE: return "complex Hermitian indefinite";
+    case ZEL_PDS_COMPLEX_SYMMETRIC: return "complex symmetric";
+    case ZEL_PDS_REAL_UNSYMMETRIC: return "real unsymmetric";
+    case ZEL_PDS_COMPLEX_UNSYMMETRIC: return "complex unsymmetric";
+    default: return "of another type";
     }
-    return u;
 }
 
-// What the run measured, for the report.
-struct outcome {
-    int index_bits = 32;
-    int64_t nrhs = 1;
-    zel_pds_statistics statistics = {};
-    double residual = 0;
-    bool refinement_on = true;
-};
-
-// The failure of a solver call: a matrix that is not positive definite is a type this version
-// does not support; anything else is the solver's status and its meaning.
-int solver_failed(const linear_system &s, const char *phase, int status, zel_pds_solver *solver)
+bool definite_type(int type)
 {
-    if (status == ZEL_PDS_STATUS_NOT_POSITIVE_DEFINITE) {
-        zel_pds_statistics st = {};
-        zel_pds_get_statistics(solver, &st);
-        return not_supported(s, "the factorisation met a pivot that is not positive at column " +
-                                    std::to_string(st.failed_column + 1) +
-                                    " (ZEL_PDS_STATUS_NOT_POSITIVE_DEFINITE), so it is not positive definite");
+    return type == ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE || type == ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE;
+}
+bool lu_type(int type) { return !reads_one_triangle(type); }
+
+// What a failed phase's status means for this matrix of order n.
+std::string failure_meaning(const solve_outcome &o, int64_t n)
+{
+    const zel_pds_statistics &st = o.statistics;
+    const long long column = static_cast<long long>(st.failed_column + 1);
+    // Statistics that do not describe this matrix (a solver that kept none) give no rank.
+    const bool rank_known = st.n == n && st.structural_rank >= 0 && st.structural_rank < n;
+    switch (o.status) {
+    case ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR:
+        return (rank_known ? "the structural rank is " + std::to_string(st.structural_rank) + " of "
+                           : std::string("the structural rank is below ")) +
+               std::to_string(n) +
+               ": no permutation puts a nonzero entry on every diagonal position, so the matrix is singular";
+    case ZEL_PDS_STATUS_SINGULAR:
+        return "a zero pivot at column " + std::to_string(column) + ", so the matrix is singular";
+    case ZEL_PDS_STATUS_NOT_POSITIVE_DEFINITE:
+        return "a pivot that is not positive at column " + std::to_string(column) +
+               ", so the matrix is not positive definite (--type sid or hid factors it as indefinite)";
+    case ZEL_PDS_STATUS_ALLOC_FAILED: return "memory could not be obtained";
+    case ZEL_PDS_STATUS_INVALID_VALUE: return "the solver refused the matrix or an argument";
+    case ZEL_PDS_STATUS_NOT_SUPPORTED: return "this library does not support this matrix type yet";
+    case ZEL_PDS_STATUS_TOO_LARGE: return "the factor's sizes do not fit the index width";
+    default: return "the solver failed";
     }
-    const char *meaning = status == ZEL_PDS_STATUS_ALLOC_FAILED    ? "memory could not be obtained"
-                          : status == ZEL_PDS_STATUS_INVALID_VALUE ? "the solver refused the matrix or an argument"
-                          : status == ZEL_PDS_STATUS_NOT_SUPPORTED ? "the solver does not support this matrix type"
-                          : status == ZEL_PDS_STATUS_TOO_LARGE     ? "the factor's sizes do not fit the index width"
-                                                                   : "the solver failed";
-    std::fprintf(stderr, "%s: %s: %s failed: %s (%s)\n", command_name, s.name.c_str(), phase,
-                 zel_pds_status_name(status), meaning);
+}
+
+int solver_failed(const linear_system &s, const solve_outcome &o)
+{
+    std::fprintf(stderr, "%s: %s: %s failed (%s, matrix type %d): %s: %s\n", command_name, s.name.c_str(),
+                 o.failed_phase, type_name(o.type), o.type, zel_pds_status_name(o.status),
+                 failure_meaning(o, s.a.header.rows).c_str());
     return exit_failure;
 }
 
-// The right-hand sides as T: given, or A times the reference solutions.
-template <class T> std::vector<T> right_hand_sides(const linear_system &s, int64_t nrhs)
-{
-    const int64_t n = s.a.header.rows;
-    if (s.have_rhs) {
-        if constexpr (std::is_same_v<T, double>)
-            return s.b.real_values;
-        else if (s.b.is_complex())
-            return s.b.complex_values;
-        else
-            return std::vector<T>(s.b.real_values.begin(), s.b.real_values.end());
-    }
-    const std::vector<double> reference = reference_solutions(n, nrhs);
-    const std::vector<T> x(reference.begin(), reference.end());
-    std::vector<T> b(x.size());
-    multiply(s.a, x.data(), b.data(), nrhs);
-    return b;
-}
-
-bool write_solution(const char *path, int64_t n, int64_t nrhs, const std::vector<double> &x)
+bool write_solution(const char *path, int64_t n, bool complex, const solve_outcome &o)
 {
     std::string error;
-    const bool ok = write_matrix_market_array(path, n, nrhs, x.data(), n, "solution x of zel solve", error);
+    const char *comment = "solution x of zel solve";
+    const bool ok = complex ? write_matrix_market_array(path, n, o.nrhs, o.x_complex.data(), n, comment, error)
+                            : write_matrix_market_array(path, n, o.nrhs, o.x_real.data(), n, comment, error);
     if (!ok)
         std::fprintf(stderr, "%s: %s\n", command_name, error.c_str());
     return ok;
-}
-
-bool write_solution(const char *path, int64_t n, int64_t nrhs, const std::vector<zcomplex> &x)
-{
-    std::string error;
-    const bool ok = write_matrix_market_array(path, n, nrhs, x.data(), n, "solution x of zel solve", error);
-    if (!ok)
-        std::fprintf(stderr, "%s: %s\n", command_name, error.c_str());
-    return ok;
-}
-
-zel_pds_options solver_options(zel_pds_solver *solver, const request &r)
-{
-    zel_pds_options options;
-    zel_pds_get_options(solver, &options);
-    options.ordering = r.ordering;
-    if (r.refine >= 0)
-        options.refinement_max_steps = static_cast<int>(r.refine);
-    return options;
-}
-
-// create, analyse, factorise, solve, statistics; then the residual and --out.
-template <class T, class I> int run_solver(const request &r, const linear_system &s, outcome &o)
-{
-    const int64_t n = s.a.header.rows;
-    const upper_csr<T, I> u = upper_triangle<T, I>(s.a);
-    solver_holder h;
-    int status = create(&h.solver, T());
-    if (status != ZEL_PDS_STATUS_SUCCESS)
-        return solver_failed(s, "create", status, h.solver);
-    const zel_pds_options options = solver_options(h.solver, r);
-    o.refinement_on = options.refinement_max_steps > 0;
-    if ((status = zel_pds_set_options(h.solver, &options)) != ZEL_PDS_STATUS_SUCCESS)
-        return solver_failed(s, "setting the options", status, h.solver);
-    {
-        phase_notice notice("analysing");
-        status = analyse(h.solver, static_cast<I>(n), u.row_ptr.data(), u.col_idx.data());
-    }
-    // The factor may outgrow 32-bit indices when the matrix does not: the caller retries wider.
-    if (status == ZEL_PDS_STATUS_TOO_LARGE && sizeof(I) == 4)
-        return -2;
-    if (status != ZEL_PDS_STATUS_SUCCESS)
-        return solver_failed(s, "the analysis", status, h.solver);
-    {
-        phase_notice notice("factorising");
-        status = factorise(h.solver, u.values.data());
-    }
-    if (status != ZEL_PDS_STATUS_SUCCESS)
-        return solver_failed(s, "the factorisation", status, h.solver);
-    o.nrhs = s.have_rhs ? s.b.header.cols : r.nrhs;
-    const std::vector<T> b = right_hand_sides<T>(s, o.nrhs);
-    std::vector<T> x(b.size());
-    {
-        phase_notice notice("solving");
-        status = solve(h.solver, o.nrhs, b.data(), n, x.data());
-    }
-    if (status != ZEL_PDS_STATUS_SUCCESS)
-        return solver_failed(s, "the solve", status, h.solver);
-    zel_pds_get_statistics(h.solver, &o.statistics);
-    o.index_bits = 8 * sizeof(I);
-    o.residual = relative_residual(s.a, b.data(), x.data(), o.nrhs);
-    if (r.out != nullptr && !write_solution(r.out, n, o.nrhs, x))
-        return exit_failure;
-    return exit_ok;
 }
 
 // ---- The report ----
@@ -549,23 +368,60 @@ std::string duration(double seconds)
 
 double gflops(double flops, double seconds) { return seconds > 0 ? flops / seconds * 1e-9 : 0.0; }
 
-void print_report(const request &r, const linear_system &s, const outcome &o)
+// What the analysis did to the matrix before ordering it.
+std::string matching_text(const solve_outcome &o)
 {
     const zel_pds_statistics &st = o.statistics;
-    const bool complex = s.a.is_complex();
-    line("matrix", "%s", s.name.c_str());
-    line("", "n = %s, %s entries (both triangles); %s", grouped(s.a.header.rows).c_str(),
-         grouped(s.a.entries()).c_str(), s.stored.c_str());
-    line("type", "%s (matrix type %d): %s",
-         complex ? "complex Hermitian positive definite" : "real symmetric positive definite",
-         complex ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE,
-         s.type_basis.c_str());
-    line(s.built_in ? "built" : "read", "%s", duration(s.read_seconds).c_str());
-    line("ordering", "%s%s; %d-bit indices", ordering_name(st.ordering),
-         r.ordering == ZEL_PDS_ORDERING_AUTOMATIC ? ", chosen automatically" : "", o.index_bits);
-    line("factor", "%s entries, %s supernodes (largest %lld × %lld), %.3g flops", grouped(st.factor_entries).c_str(),
-         grouped(st.supernodes).c_str(), static_cast<long long>(st.max_supernode_rows),
-         static_cast<long long>(st.max_supernode_cols), st.factor_flops);
+    if (definite_type(o.type))
+        return "no (a positive definite matrix needs none)";
+    if (!lu_type(o.type))
+        return st.matching_used ? "yes: rows with weak diagonals grouped so that 2×2 pivots can take them" : "no";
+    if (!st.matching_used)
+        return st.scaling_used ? "no; rows and columns scaled" : "no";
+    return std::string("yes: a maximum-product matching put large entries on the diagonal") +
+           (st.scaling_used ? "; rows and columns scaled" : "");
+}
+
+// "1.05e-03 → 4.52e-15 → 2.21e-16": the backward error before refinement and after each step.
+std::string refinement_text(const zel_pds_statistics &st)
+{
+    std::string text;
+    char value[32];
+    const int steps = std::min(st.refinement_steps, 10);
+    for (int k = 0; k <= steps; ++k) {
+        std::snprintf(value, sizeof value, "%s%.2e", k > 0 ? " → " : "", st.refinement_history[k]);
+        text += value;
+    }
+    return text + (steps == 0 ? "  backward error before refinement; no step needed"
+                              : "  backward error before refinement, then after each step");
+}
+
+void print_factor_lines(const solve_outcome &o)
+{
+    const zel_pds_statistics &st = o.statistics;
+    if (st.structural_rank > 0 && st.structural_rank < st.n)
+        line("structural rank", "%lld of %lld", static_cast<long long>(st.structural_rank),
+             static_cast<long long>(st.n));
+    line("factor", "%s entries%s, %s supernodes (largest %lld × %lld), %.3g flops", grouped(st.factor_entries).c_str(),
+         lu_type(o.type) ? " (L and U)" : "", grouped(st.supernodes).c_str(),
+         static_cast<long long>(st.max_supernode_rows), static_cast<long long>(st.max_supernode_cols),
+         st.factor_flops);
+    if (definite_type(o.type))
+        return;
+    const std::string replaced = grouped(st.replaced_pivots) + " replaced" +
+                                 (st.replaced_pivots > 0 ? " (tiny: refinement runs at least 2 steps)" : "");
+    if (lu_type(o.type))
+        line("pivots", "%s", replaced.c_str());
+    else
+        line("pivots", "%s, %s 2×2 blocks", replaced.c_str(), grouped(st.two_by_two_pivots).c_str());
+    if (o.type == ZEL_PDS_REAL_SYMMETRIC_INDEFINITE || o.type == ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE)
+        line("inertia", "%s positive, %s negative, %s zero", grouped(st.positive_pivots).c_str(),
+             grouped(st.negative_pivots).c_str(), grouped(st.zero_pivots).c_str());
+}
+
+void print_phase_lines(const solve_outcome &o)
+{
+    const zel_pds_statistics &st = o.statistics;
     line("memory", "%s estimated by the analysis, %s held after the solve", bytes(st.memory_estimate).c_str(),
          bytes(st.memory_used).c_str());
     line("analyse", "%s", duration(st.analyse_seconds).c_str());
@@ -576,43 +432,82 @@ void print_report(const request &r, const linear_system &s, const outcome &o)
          duration(st.solve_seconds).c_str(), gflops(st.solve_flops * solves, st.solve_seconds),
          static_cast<long long>(o.nrhs), o.nrhs == 1 ? "" : "s", st.refinement_steps,
          st.refinement_steps == 1 ? "" : "s");
+}
+
+void print_accuracy_lines(const solve_outcome &o)
+{
+    const zel_pds_statistics &st = o.statistics;
+    if (o.refinement_on)
+        line("refinement", "%s", refinement_text(st).c_str());
+    else
+        line("refinement", "off");
     line("residual", "%.2e  max ‖b − A·x‖∞ / (‖A‖∞·‖x‖∞ + ‖b‖∞) over the columns, measured by zel solve", o.residual);
     if (o.refinement_on)
         line("backward error", "%.2e  componentwise, from the solver's statistics", st.backward_error);
     else
         line("backward error", "not measured (refinement off)");
-    if (r.out != nullptr)
-        line("solution", "written to %s", r.out);
+    if (o.status == ZEL_PDS_STATUS_NOT_ACCURATE)
+        line("status", "%s: the backward error stayed above %.0e", zel_pds_status_name(o.status),
+             ZEL_PDS_ACCURACY_GOAL);
+    else
+        line("status", "%s%s", zel_pds_status_name(o.status), o.refinement_on ? "" : " (accuracy not measured)");
 }
 
-template <class T> int run_in_width(const request &r, const linear_system &s, outcome &o)
+void print_report(const request &r, const linear_system &s, const type_plan &plan, const solve_outcome &o)
 {
-    constexpr int64_t most = std::numeric_limits<int32_t>::max();
-    // The upper triangle holds at most (entries + n) / 2 entries.
-    const bool narrow = s.a.header.rows <= most && (s.a.entries() + s.a.header.rows) / 2 <= most;
-    if (narrow) {
-        const int status = run_solver<T, int32_t>(r, s, o);
-        if (status != -2)
-            return status;
-    }
-    return run_solver<T, int64_t>(r, s, o);
+    const zel_pds_statistics &st = o.statistics;
+    line("matrix", "%s", s.name.c_str());
+    line("", "n = %s, %s entries (both triangles); %s", grouped(s.a.header.rows).c_str(),
+         grouped(s.a.entries()).c_str(), s.stored.c_str());
+    line("type", "%s (matrix type %d): %s%s%s", type_name(o.type), o.type, plan.why.c_str(),
+         o.not_definite.empty() ? "" : "; ", o.not_definite.c_str());
+    line(s.built_in ? "built" : "read", "%s", duration(s.read_seconds).c_str());
+    line("ordering", "%s%s; %d-bit indices", ordering_name(st.ordering),
+         r.ordering == ZEL_PDS_ORDERING_AUTOMATIC ? ", chosen automatically" : "", o.index_bits);
+    line("matching", "%s", matching_text(o).c_str());
+    for (const std::string &note : o.matching_notes)
+        line("", "%s", note.c_str());
+    print_factor_lines(o);
+    print_phase_lines(o);
+    print_accuracy_lines(o);
+    if (r.out != nullptr)
+        line("solution", "written to %s%s", r.out,
+             o.status == ZEL_PDS_STATUS_NOT_ACCURATE ? " (the best iterate found)" : "");
 }
 
 int run_request(const request &r)
 {
     linear_system s;
+    type_plan plan;
     int status = load_matrix(r, s);
     if (status == -1)
         status = load_rhs(r, s);
     if (status == -1)
-        status = choose_type(r, s);
+        status = choose_type(r, s, plan);
     if (status != -1)
         return status;
-    outcome o;
-    status = s.a.is_complex() ? run_in_width<zcomplex>(r, s, o) : run_in_width<double>(r, s, o);
-    if (status == exit_ok)
-        print_report(r, s, o);
-    return status;
+    const rhs_source rhs{s.have_rhs ? &s.b : nullptr, r.nrhs};
+    solve_settings settings;
+    settings.ordering = r.ordering;
+    settings.refine = r.refine;
+    solve_outcome o;
+    run_plan(s.a, plan, rhs, settings, o);
+    if (o.failed_phase != nullptr)
+        return solver_failed(s, o);
+    if (r.out != nullptr && !write_solution(r.out, s.a.header.rows, plan.complex, o))
+        return exit_failure;
+    print_report(r, s, plan, o);
+    if (o.status != ZEL_PDS_STATUS_NOT_ACCURATE)
+        return exit_ok;
+    std::fflush(stdout);
+    std::fprintf(stderr,
+                 "%s: %s: the solution did not reach a backward error of %.0e (%s): the best iterate's backward "
+                 "error is %.2e after %d refinement step%s; the matrix may be singular or too ill-conditioned "
+                 "for this factorisation\n",
+                 command_name, s.name.c_str(), ZEL_PDS_ACCURACY_GOAL, zel_pds_status_name(o.status),
+                 o.statistics.backward_error, o.statistics.refinement_steps,
+                 o.statistics.refinement_steps == 1 ? "" : "s");
+    return exit_failure;
 }
 
 int run_solve(int argc, char **argv)

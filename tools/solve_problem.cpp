@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "zel/pds.h"
+
 namespace zel::tool {
 namespace {
 
@@ -82,6 +84,7 @@ std::string first_asymmetry(const mm_matrix &a, const std::vector<T> &values, Mi
     return "";
 }
 
+// The first diagonal entry that is missing or not positive and real, described, or "".
 template <class T> std::string diagonal_obstacle(const mm_matrix &a, const std::vector<T> &values)
 {
     for (int64_t i = 0; i < a.header.rows; ++i) {
@@ -90,6 +93,17 @@ template <class T> std::string diagonal_obstacle(const mm_matrix &a, const std::
             return "row " + std::to_string(i + 1) + " has no diagonal entry";
         if (!(std::real(*d) > 0) || std::imag(*d) != 0)
             return "diagonal entry " + std::to_string(i + 1) + " is " + entry_text(*d) + ", not positive";
+    }
+    return "";
+}
+
+// The first diagonal entry with an imaginary part, described, or "".
+std::string complex_diagonal(const mm_matrix &a)
+{
+    for (int64_t i = 0; i < a.header.rows; ++i) {
+        const std::complex<double> *d = find_entry(a, a.complex_values, i, i);
+        if (d != nullptr && d->imag() != 0)
+            return "diagonal entry " + std::to_string(i + 1) + " is " + entry_text(*d) + ", not real";
     }
     return "";
 }
@@ -169,36 +183,127 @@ void make_complex(mm_matrix &matrix)
         matrix.header.symmetry = mm_symmetry::hermitian;
 }
 
-definite_candidate check_definite_candidate(const mm_matrix &a)
+matrix_kind classify_matrix(const mm_matrix &a)
 {
-    definite_candidate c;
-    c.structural = true;
+    matrix_kind k;
     const mm_symmetry s = a.header.symmetry;
     const auto same = [](auto v) { return v; };
     const auto conjugate = [](std::complex<double> v) { return std::conj(v); };
-    if (a.header.rows != a.header.cols) {
-        c.obstacle = "it is not square";
-    } else if (s == mm_symmetry::skew_symmetric) {
-        c.obstacle = "it is skew-symmetric";
-    } else if (a.is_complex() && s != mm_symmetry::hermitian) {
-        const std::string why = first_asymmetry(a, a.complex_values, conjugate, c.asymmetry);
-        double ignored = 0;
-        if (why.empty())
-            ;
-        else if (s == mm_symmetry::symmetric || first_asymmetry(a, a.complex_values, same, ignored).empty())
-            c.obstacle = "it is complex symmetric, not Hermitian: " + why;
-        else
-            c.obstacle = "it is not Hermitian: " + why;
-    } else if (!a.is_complex() && s == mm_symmetry::general) {
-        const std::string why = first_asymmetry(a, a.real_values, same, c.asymmetry);
-        if (!why.empty())
-            c.obstacle = "it is not symmetric: " + why;
+    double &symmetric_gap = k.symmetric_gap, &hermitian_gap = k.hermitian_gap;
+    if (s == mm_symmetry::skew_symmetric) {
+        k.not_symmetric = k.not_hermitian = "the file is skew-symmetric";
+    } else if (!a.is_complex()) {
+        if (s != mm_symmetry::symmetric)
+            k.not_symmetric = first_asymmetry(a, a.real_values, same, symmetric_gap);
+        k.not_hermitian = k.not_symmetric;
+        hermitian_gap = symmetric_gap;
+    } else {
+        if (s != mm_symmetry::symmetric)
+            k.not_symmetric = first_asymmetry(a, a.complex_values, same, symmetric_gap);
+        if (s != mm_symmetry::hermitian)
+            k.not_hermitian = first_asymmetry(a, a.complex_values, conjugate, hermitian_gap);
+        if (k.not_hermitian.empty())
+            k.not_hermitian = complex_diagonal(a);
     }
-    if (!c.obstacle.empty())
-        return c;
-    c.structural = false;
-    c.obstacle = a.is_complex() ? diagonal_obstacle(a, a.complex_values) : diagonal_obstacle(a, a.real_values);
-    return c;
+    k.symmetric = k.not_symmetric.empty();
+    k.hermitian = k.not_hermitian.empty();
+    k.diagonal = a.is_complex() ? diagonal_obstacle(a, a.complex_values) : diagonal_obstacle(a, a.real_values);
+    k.positive_diagonal = k.diagonal.empty();
+    return k;
+}
+
+bool reads_one_triangle(int matrix_type)
+{
+    return matrix_type != ZEL_PDS_REAL_UNSYMMETRIC && matrix_type != ZEL_PDS_COMPLEX_UNSYMMETRIC &&
+           matrix_type != ZEL_PDS_REAL_STRUCTURALLY_SYMMETRIC && matrix_type != ZEL_PDS_COMPLEX_STRUCTURALLY_SYMMETRIC;
+}
+
+namespace {
+
+const char *request_name(type_request request)
+{
+    static const char *const names[] = {"auto", "spd", "hpd", "sid", "hid", "csym", "unsym"};
+    return names[static_cast<int>(request)];
+}
+
+// The automatic choice, as a backslash operator makes it.
+type_plan automatic_type(const matrix_kind &k, bool complex_values, bool complex)
+{
+    type_plan p;
+    const std::string values = complex_values ? "Hermitian values" : "symmetric values";
+    const std::string with = complex && !complex_values ? "; complex right-hand sides" : "";
+    if (complex ? k.hermitian : k.symmetric) {
+        const bool definite = k.positive_diagonal;
+        p.type = complex ? (definite ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE)
+                         : (definite ? ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE);
+        if (definite)
+            p.fallback = complex ? ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE;
+        p.why = values + (definite ? std::string(complex_values ? " with a positive real diagonal"
+                                                                : " with a positive diagonal")
+                                   : ", but " + k.diagonal) +
+                with;
+    } else if (complex && k.symmetric) {
+        p.type = ZEL_PDS_COMPLEX_SYMMETRIC;
+        p.why = "complex symmetric values, not Hermitian: " + k.not_hermitian;
+    } else {
+        p.type = complex ? ZEL_PDS_COMPLEX_UNSYMMETRIC : ZEL_PDS_REAL_UNSYMMETRIC;
+        p.why = (complex_values ? "neither symmetric nor Hermitian: " : "not symmetric: ") + k.not_symmetric + with;
+    }
+    return p;
+}
+
+// The type --type names, or the reason it does not fit.
+type_plan requested_type(const matrix_kind &k, bool complex, type_request request)
+{
+    type_plan p;
+    const std::string option = std::string("--type ") + request_name(request);
+    p.why = "asked for with " + option;
+    const bool hermitian = complex && request != type_request::csym;
+    const bool fits = hermitian ? k.hermitian : k.symmetric;
+    if (request != type_request::unsym && !fits) {
+        p.refusal = option + " asks for " +
+                    (hermitian ? "Hermitian values, but it is not Hermitian: " + k.not_hermitian
+                               : "symmetric values, but it is not symmetric: " + k.not_symmetric);
+        p.refusal_status = 2;
+        return p;
+    }
+    switch (request) {
+    case type_request::spd:
+    case type_request::hpd:
+        if (!k.positive_diagonal) {
+            p.refusal = k.diagonal + ", so it is not positive definite";
+            p.refusal_status = 1;
+        }
+        p.type = complex ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE;
+        return p;
+    case type_request::sid:
+    case type_request::hid:
+        p.type = complex ? ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE;
+        return p;
+    case type_request::csym: p.type = ZEL_PDS_COMPLEX_SYMMETRIC; return p;
+    default: p.type = complex ? ZEL_PDS_COMPLEX_UNSYMMETRIC : ZEL_PDS_REAL_UNSYMMETRIC; return p;
+    }
+}
+
+} // namespace
+
+type_plan plan_matrix_type(const mm_matrix &a, bool complex_rhs, type_request request)
+{
+    const matrix_kind k = classify_matrix(a);
+    const bool complex = a.is_complex() || complex_rhs || request == type_request::hpd ||
+                         request == type_request::hid || request == type_request::csym;
+    type_plan p = request == type_request::automatic ? automatic_type(k, a.is_complex(), complex)
+                                                     : requested_type(k, complex, request);
+    p.complex = complex;
+    const double gap = p.type == ZEL_PDS_COMPLEX_SYMMETRIC ? k.symmetric_gap
+                       : complex                          ? k.hermitian_gap
+                                                          : k.symmetric_gap;
+    if (p.refusal.empty() && reads_one_triangle(p.type) && gap > 0) {
+        char text[96];
+        std::snprintf(text, sizeof text, " (the triangles differ by up to %.1e relative; the upper one is used)", gap);
+        p.why += text;
+    }
+    return p;
 }
 
 template <class T> void multiply(const mm_matrix &a, const T *x, T *y, int64_t nrhs)

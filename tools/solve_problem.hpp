@@ -31,14 +31,37 @@ void make_complex(mm_matrix &matrix);
 // backward error of that size, which the residual (measured against the whole matrix) shows.
 constexpr double symmetry_tolerance = 1e-14;
 
-// Whether the matrix can be tried as (Hermitian) positive definite: symmetric (Hermitian when
-// complex) in its values, to within symmetry_tolerance, with a positive real diagonal.
-struct definite_candidate {
-    std::string obstacle;    // why not, or ""
-    bool structural = false; // the obstacle is the symmetry rather than the diagonal
-    double asymmetry = 0;    // the largest relative difference tolerated
+// What the values of a square matrix are, for the choice of matrix type. Each text names the
+// first entry that breaks the property ("entry (2, 1) is 3 but entry (1, 2) is absent"), or is "".
+struct matrix_kind {
+    bool symmetric = false;         // a_ji = a_ij, to within symmetry_tolerance
+    bool hermitian = false;         // a_ji = conj(a_ij) and a real diagonal; for real values, symmetric
+    bool positive_diagonal = false; // every diagonal entry present, real and positive
+    std::string not_symmetric, not_hermitian, diagonal;
+    double symmetric_gap = 0, hermitian_gap = 0; // the largest relative differences tolerated
 };
-definite_candidate check_definite_candidate(const mm_matrix &matrix);
+matrix_kind classify_matrix(const mm_matrix &matrix);
+
+// What --type asks for.
+enum class type_request { automatic, spd, hpd, sid, hid, csym, unsym };
+
+// The matrix type to factor (the solver's ZEL_PDS_* code) and why. A positive definite type
+// comes with the indefinite one to fall back on when the factorisation finds a pivot that is not
+// positive (automatic choice only). When the request does not fit the matrix, `refusal` says why
+// and `refusal_status` is the exit status (2: the request contradicts the file; 1: the matrix is
+// not positive definite).
+struct type_plan {
+    int type = 0;
+    int fallback = 0;
+    bool complex = false; // solved in complex arithmetic (complex values or right-hand sides)
+    std::string why;
+    std::string refusal;
+    int refusal_status = 0;
+};
+type_plan plan_matrix_type(const mm_matrix &matrix, bool complex_rhs, type_request request);
+
+// Symmetric and Hermitian types read one triangle of the matrix; the others all of it.
+bool reads_one_triangle(int matrix_type);
 
 template <class T> const std::vector<T> &values_of(const mm_matrix &matrix);
 template <> inline const std::vector<double> &values_of(const mm_matrix &m) { return m.real_values; }

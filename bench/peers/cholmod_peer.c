@@ -9,131 +9,55 @@
  *   FILE    "ZELPRM01", n (int64), then the permutation (n, int64, 0-based: perm[k] is the column
  *           eliminated k-th), used for a second run beside CHOLMOD's own ordering
  *
- * Output, one item a line: "peer cholmod X.Y.Z", "blas PATH" for each BLAS or LAPACK object the
- * process mapped, then per run "run NAME key=value ..." with seconds (best of the repeats) for
+ * Output (peer_common.h), one item a line: "peer cholmod X.Y.Z", "blas PATH" for each BLAS or
+ * LAPACK object the process mapped, then per run "run NAME key=value ..." with seconds (best of the repeats) for
  * analyse, factorise, solve1 and solve16, the ordering, supernodes, entries (the supernodal L's
  * lower trapezoids: the explicit zeros of amalgamation included), exact_entries (L without them),
  * flops (Σ count² over the supernodal L's columns) and the one-rhs residual
  * ‖b − A·x‖∞ / (‖A‖∞·‖x‖∞ + ‖b‖∞). Errors go to standard error with exit status 1. */
-#define _GNU_SOURCE
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
-#include <time.h>
-#include <unistd.h>
 
 #include <cholmod.h>
 
+#include "peer_common.h"
+
 typedef SuiteSparse_long idx;
+_Static_assert(sizeof(idx) == sizeof(int64_t), "the files' indices are CHOLMOD's");
 
 #define RHS_BLOCK 16
-
-static void fail(const char *what)
-{
-    fprintf(stderr, "zel-bench-cholmod: %s\n", what);
-    exit(1);
-}
-
-static double now(void)
-{
-    struct timespec t;
-    clock_gettime(CLOCK_MONOTONIC, &t);
-    return (double)t.tv_sec + 1e-9 * (double)t.tv_nsec;
-}
-
-/* OpenBLAS reads its thread count when it loads, before main: set it and start again. */
-static void single_threaded(char **argv)
-{
-    const char *blas = getenv("OPENBLAS_NUM_THREADS"), *omp = getenv("OMP_NUM_THREADS");
-    if (blas != NULL && strcmp(blas, "1") == 0 && omp != NULL && strcmp(omp, "1") == 0)
-        return;
-    setenv("OPENBLAS_NUM_THREADS", "1", 1);
-    setenv("OMP_NUM_THREADS", "1", 1);
-    execv("/proc/self/exe", argv);
-    fail("cannot restart single-threaded (/proc/self/exe)");
-}
-
-/* Every BLAS or LAPACK object in the address space, once each, as the loader resolved it. */
-static void print_blas(void)
-{
-    FILE *maps = fopen("/proc/self/maps", "r");
-    char line[4096], seen[16][512];
-    int count = 0;
-    if (maps == NULL)
-        fail("cannot read /proc/self/maps");
-    while (fgets(line, sizeof line, maps) != NULL) {
-        const char *path = strchr(line, '/');
-        if (path == NULL)
-            continue;
-        line[strcspn(line, "\n")] = '\0';
-        const char *base = strrchr(path, '/') + 1;
-        if (strncmp(base, "libblas", 7) != 0 && strncmp(base, "libopenblas", 11) != 0 &&
-            strncmp(base, "liblapack", 9) != 0)
-            continue;
-        int known = 0;
-        for (int k = 0; k < count; ++k)
-            known |= strcmp(seen[k], path) == 0;
-        if (known || count == 16)
-            continue;
-        snprintf(seen[count++], sizeof seen[0], "%s", path);
-        printf("blas %s\n", path);
-    }
-    fclose(maps);
-}
-
-static void read_exact(FILE *file, void *into, size_t size, size_t count)
-{
-    if (fread(into, size, count, file) != count)
-        fail("the input file is shorter than its header says");
-}
-
-static FILE *open_input(const char *name, const char *magic, idx *n)
-{
-    char header[8];
-    FILE *file = fopen(name, "rb");
-    if (file == NULL)
-        fail("cannot open an input file");
-    read_exact(file, header, 1, sizeof header);
-    if (memcmp(header, magic, sizeof header) != 0)
-        fail("an input file does not start with the expected marker");
-    int64_t value;
-    read_exact(file, &value, sizeof value, 1);
-    *n = (idx)value;
-    return file;
-}
 
 /* The matrix, as CHOLMOD's symmetric upper-triangle form (stype 1). */
 static cholmod_sparse *read_matrix(const char *name, cholmod_common *common)
 {
-    idx n;
-    int64_t nnz;
-    FILE *file = open_input(name, "ZELCSC01", &n);
-    read_exact(file, &nnz, sizeof nnz, 1);
+    int64_t n, nnz;
+    FILE *file = peer_open_input(name, "ZELCSC01", &n);
+    peer_read_exact(file, &nnz, sizeof nnz, 1);
     if (n < 0 || nnz < 0)
-        fail("negative sizes in the matrix file");
+        peer_fail("negative sizes in the matrix file");
     cholmod_sparse *a = cholmod_l_allocate_sparse((size_t)n, (size_t)n, (size_t)nnz, 1, 1, 1, CHOLMOD_REAL, common);
     if (a == NULL)
-        fail("cannot allocate the matrix");
-    read_exact(file, a->p, sizeof(idx), (size_t)n + 1);
-    read_exact(file, a->i, sizeof(idx), (size_t)nnz);
-    read_exact(file, a->x, sizeof(double), (size_t)nnz);
+        peer_fail("cannot allocate the matrix");
+    peer_read_exact(file, a->p, sizeof(idx), (size_t)n + 1);
+    peer_read_exact(file, a->i, sizeof(idx), (size_t)nnz);
+    peer_read_exact(file, a->x, sizeof(double), (size_t)nnz);
     fclose(file);
     if (!cholmod_l_check_sparse(a, common))
-        fail("the matrix file does not hold a valid upper triangle by columns");
+        peer_fail("the matrix file does not hold a valid upper triangle by columns");
     return a;
 }
 
 static idx *read_perm(const char *name, idx n)
 {
-    idx m;
-    FILE *file = open_input(name, "ZELPRM01", &m);
+    int64_t m;
+    FILE *file = peer_open_input(name, "ZELPRM01", &m);
     if (m != n)
-        fail("the permutation's size is not the matrix's");
+        peer_fail("the permutation's size is not the matrix's");
     idx *perm = malloc(sizeof(idx) * (size_t)(n > 0 ? n : 1));
     if (perm == NULL)
-        fail("cannot allocate the permutation");
-    read_exact(file, perm, sizeof(idx), (size_t)n);
+        peer_fail("cannot allocate the permutation");
+    peer_read_exact(file, perm, sizeof(idx), (size_t)n);
     fclose(file);
     return perm;
 }
@@ -146,7 +70,7 @@ static cholmod_dense *ones_times(cholmod_sparse *a, cholmod_common *common)
     cholmod_dense *b = cholmod_l_zeros(a->nrow, 1, CHOLMOD_REAL, common);
     double alpha[2] = {1, 0}, beta[2] = {0, 0};
     if (ones == NULL || b == NULL || !cholmod_l_sdmult(a, 0, alpha, beta, ones, b, common))
-        fail("cannot form the right-hand side");
+        peer_fail("cannot form the right-hand side");
     cholmod_l_free_dense(&ones, common);
     return b;
 }
@@ -155,7 +79,7 @@ static cholmod_dense *block_rhs(size_t n, cholmod_common *common)
 {
     cholmod_dense *b = cholmod_l_allocate_dense(n, RHS_BLOCK, n, CHOLMOD_REAL, common);
     if (b == NULL)
-        fail("cannot allocate the right-hand sides");
+        peer_fail("cannot allocate the right-hand sides");
     double *x = b->x;
     for (size_t j = 0; j < RHS_BLOCK; ++j)
         for (size_t i = 0; i < n; ++i)
@@ -168,7 +92,7 @@ static double residual(cholmod_sparse *a, cholmod_dense *x, cholmod_dense *b, ch
     cholmod_dense *r = cholmod_l_copy_dense(b, common);
     double alpha[2] = {-1, 0}, beta[2] = {1, 0};
     if (r == NULL || !cholmod_l_sdmult(a, 0, alpha, beta, x, r, common))
-        fail("cannot form the residual");
+        peer_fail("cannot form the residual");
     const double scale = cholmod_l_norm_sparse(a, 0, common) * cholmod_l_norm_dense(x, 0, common) +
                          cholmod_l_norm_dense(b, 0, common);
     const double norm = cholmod_l_norm_dense(r, 0, common);
@@ -205,11 +129,11 @@ static cholmod_factor *analyse(cholmod_sparse *a, idx *perm, int repeats, struct
     out->analyse = 1e300;
     for (int r = 0; r < repeats; ++r) {
         cholmod_l_free_factor(&l, common);
-        const double start = now();
+        const double start = peer_now();
         l = perm != NULL ? cholmod_l_analyze_p(a, perm, NULL, 0, common) : cholmod_l_analyze(a, common);
-        const double seconds = now() - start;
+        const double seconds = peer_now() - start;
         if (l == NULL)
-            fail("cholmod_analyze failed");
+            peer_fail("cholmod_analyze failed");
         out->analyse = seconds < out->analyse ? seconds : out->analyse;
     }
     out->ordering = l->ordering;
@@ -222,15 +146,15 @@ static void factorise(cholmod_sparse *a, cholmod_factor *l, int repeats, struct 
 {
     out->factorise = 1e300;
     for (int r = 0; r < repeats; ++r) {
-        const double start = now();
+        const double start = peer_now();
         const int ok = cholmod_l_factorize(a, l, common);
-        const double seconds = now() - start;
+        const double seconds = peer_now() - start;
         if (!ok || common->status != CHOLMOD_OK || l->minor != l->n)
-            fail("cholmod_factorize failed: the matrix is not positive definite or memory ran out");
+            peer_fail("cholmod_factorize failed: the matrix is not positive definite or memory ran out");
         out->factorise = seconds < out->factorise ? seconds : out->factorise;
     }
     if (!l->is_super)
-        fail("CHOLMOD made a simplicial factor although a supernodal one was asked for");
+        peer_fail("CHOLMOD made a simplicial factor although a supernodal one was asked for");
     count_factor(l, out);
 }
 
@@ -240,11 +164,11 @@ static double best_solve(cholmod_factor *l, cholmod_dense *b, int repeats, cholm
     cholmod_dense *y = NULL, *e = NULL;
     double best = 1e300;
     for (int r = 0; r <= repeats; ++r) { /* the first call sizes the workspace, untimed */
-        const double start = now();
+        const double start = peer_now();
         const int ok = cholmod_l_solve2(CHOLMOD_A, l, b, NULL, x, NULL, &y, &e, common);
-        const double seconds = now() - start;
+        const double seconds = peer_now() - start;
         if (!ok)
-            fail("cholmod_solve2 failed");
+            peer_fail("cholmod_solve2 failed");
         if (r > 0)
             best = seconds < best ? seconds : best;
     }
@@ -295,21 +219,11 @@ static void run(const char *name, cholmod_sparse *a, idx *perm, int repeats, cho
 
 int main(int argc, char **argv)
 {
-    single_threaded(argv);
-    const char *matrix = NULL, *perm_file = NULL;
-    int repeats = 3;
-    for (int k = 1; k < argc; ++k) {
-        if (strcmp(argv[k], "--perm") == 0 && k + 1 < argc)
-            perm_file = argv[++k];
-        else if (strcmp(argv[k], "--repeats") == 0 && k + 1 < argc)
-            repeats = atoi(argv[++k]);
-        else if (argv[k][0] != '-' && matrix == NULL)
-            matrix = argv[k];
-        else
-            fail("usage: zel-bench-cholmod MATRIX [--perm FILE] [--repeats N]");
-    }
-    if (matrix == NULL || repeats < 1)
-        fail("usage: zel-bench-cholmod MATRIX [--perm FILE] [--repeats N]");
+    peer_start("zel-bench-cholmod", argv);
+    struct peer_arguments arguments;
+    peer_parse_arguments(argc, argv, "usage: zel-bench-cholmod MATRIX [--perm FILE] [--repeats N]", &arguments);
+    const char *matrix = arguments.matrix, *perm_file = arguments.perm;
+    const int repeats = arguments.repeats;
 
     cholmod_common common;
     cholmod_l_start(&common);
@@ -317,8 +231,7 @@ int main(int argc, char **argv)
     int version[3];
     cholmod_l_version(version);
     printf("peer cholmod %d.%d.%d\n", version[0], version[1], version[2]);
-    print_blas();
-    fflush(stdout);
+    peer_print_blas();
 
     cholmod_sparse *a = read_matrix(matrix, &common);
     run("default", a, NULL, repeats, &common);

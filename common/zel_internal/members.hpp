@@ -12,6 +12,10 @@
     X(d, double, double)                                                                                  \
     X(c, zel_complex8, std::complex<float>)                                                               \
     X(z, zel_complex16, std::complex<double>)
+// The complex rows alone, for the families that exist only for complex values (Hermitian ones).
+#define ZEL_DENSE_COMPLEX_MEMBERS(X)                                                                      \
+    X(c, zel_complex8, std::complex<float>)                                                               \
+    X(z, zel_complex16, std::complex<double>)
 
 // Sparse families, one row a precision and index width:
 // letter, C value type, C++ value type, width suffix, index type.

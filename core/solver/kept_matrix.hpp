@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <complex>
 #include <cstdint>
 
 #include "pattern.hpp"
@@ -120,6 +121,79 @@ template <class I> int map_values(const symbolic_factor<I> &f, kept_matrix<I> &m
             const I r = f.inv_perm[i], c = f.inv_perm[j];
             m.destination[size_t(p)] = r >= c ? detail::panel_position(f, of_column.get(), r, c)
                                               : -(detail::panel_position(f, of_column.get(), c, r) + 2);
+        }
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+// Whether every diagonal value among the caller's (kept entries) is real.
+template <class T, class I> bool real_diagonal(const kept_matrix<I> &m, const T *values)
+{
+    for (I i = 0; i < m.n; ++i)
+        for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p)
+            if (m.col_idx[size_t(p)] == i && std::imag(values[size_t(m.source[size_t(p)])]) != 0)
+                return false;
+    return true;
+}
+
+// Whether a full CSR's pattern is symmetric: its union with its transpose (sym, without the
+// diagonal) has as many entries as it has entries off the diagonal.
+template <class I> bool pattern_is_symmetric(const csr_pattern<I> &a, const sym_pattern<I> &sym)
+{
+    int64_t off_diagonal = 0;
+    for (I i = 0; i < a.n; ++i)
+        for (I p = a.row_ptr[i] - a.base; p < a.row_ptr[i + 1] - a.base; ++p)
+            off_diagonal += a.col_idx[p] - a.base != i;
+    return off_diagonal == int64_t(sym.entries());
+}
+
+// Positions of U12ᵀ: column j of supernode s starts (j − first)·(rows − cols) after the start of
+// s's block, the blocks one after another; returns the value count, or -1 when a position does
+// not fit I.
+template <class I> int64_t unsymmetric_layout(const symbolic_factor<I> &f, I *u_col_ptr)
+{
+    int64_t at = 0;
+    for (I s = 0; s < f.nsuper; ++s) {
+        const I first = f.super_ptr[s] - 1, cols = f.super_ptr[s + 1] - 1 - first;
+        const int64_t below = int64_t(f.col_ptr[size_t(first) + 1] - f.col_ptr[size_t(first)]) - cols;
+        for (I j = 0; j < cols; ++j) {
+            if (!fits_in<I>(at + 1))
+                return -1;
+            u_col_ptr[first + j] = I(at + 1);
+            at += below;
+        }
+    }
+    if (!fits_in<I>(at + 1))
+        return -1;
+    u_col_ptr[f.n] = I(at + 1);
+    return at;
+}
+
+// Destinations of an unsymmetric matrix's entries: entry (i, j) of A is entry (c_row[i], j) of C
+// (the matched matrix) and lands, after the ordering, in a panel (p ≥ 0: l_values[p]) or in a
+// block of U12ᵀ (-(p + 2): u_values[p]).
+template <class I>
+int map_unsymmetric_values(const symbolic_factor<I> &f, const I *u_col_ptr, const I *c_row, kept_matrix<I> &m)
+{
+    scratch_array<I> of_column;
+    if (!allocate(of_column, f.n) || !allocate(m.destination, m.entries()))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    for (I s = 0; s < f.nsuper; ++s)
+        for (I j = f.super_ptr[s] - 1; j < f.super_ptr[s + 1] - 1; ++j)
+            of_column[j] = s;
+    for (I i = 0; i < m.n; ++i)
+        for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
+            const I r = f.inv_perm[c_row ? c_row[i] : i], c = f.inv_perm[m.col_idx[size_t(p)]];
+            const I s = of_column[r];
+            if (r >= c || c < f.super_ptr[s + 1] - 1) {
+                m.destination[size_t(p)] = r >= c ? detail::panel_position(f, of_column.get(), r, c)
+                                                  : int64_t(f.col_ptr[size_t(c)]) - 1 + (r - (f.super_ptr[s] - 1));
+                continue;
+            }
+            const I first = f.super_ptr[s] - 1, cols = f.super_ptr[s + 1] - 1 - first;
+            const I *rows = f.row_index.get() + (f.row_ptr[s] - 1);
+            const I count = f.col_ptr[size_t(first) + 1] - f.col_ptr[size_t(first)];
+            const I at = I(std::lower_bound(rows + cols, rows + count, c + 1) - (rows + cols));
+            m.destination[size_t(p)] = -(int64_t(u_col_ptr[r]) - 1 + at + 2);
         }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }

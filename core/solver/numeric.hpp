@@ -30,18 +30,35 @@ template <class T, class I> supernode_view<T, I> supernode_at(const symbolic_fac
             f.row_index.get() + (f.row_ptr[s] - 1)};
 }
 
+// Where the kept values go: the panels, and the blocks of U12ᵀ of an LU (u null otherwise, when
+// a negative destination is a mirrored panel position, conjugated for Hermitian values).
+template <class T> struct value_targets {
+    T *l;
+    int64_t l_count;
+    T *u;
+    int64_t u_count;
+    bool conjugate_mirror;
+    const double *row_scale, *col_scale; // D_r·A·D_c by the kept numbering, or null
+};
+
 // The factor's values before factorising: zero, then each kept value at its destination.
-template <class T, class I> void scatter_values(const kept_matrix<I> &m, const T *values, T *l_values, int64_t stored)
+template <class T, class I> void scatter_values(const kept_matrix<I> &m, const T *values, const value_targets<T> &to)
 {
-    std::fill(l_values, l_values + stored, T(0));
-    for (I p = 0; p < m.entries(); ++p) {
-        const int64_t to = m.destination[size_t(p)];
-        const T v = values[size_t(p)];
-        if (to >= 0)
-            l_values[to] += v;
-        else if (to < -1)
-            l_values[-(to + 2)] += conj_if(v, true);
-    }
+    std::fill(to.l, to.l + to.l_count, T(0));
+    if (to.u)
+        std::fill(to.u, to.u + to.u_count, T(0));
+    for (I i = 0; i < m.n; ++i)
+        for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
+            const int64_t at = m.destination[size_t(p)];
+            const T v = to.row_scale ? values[size_t(p)] * real_t<T>(to.row_scale[i] * to.col_scale[m.col_idx[size_t(p)]])
+                                     : values[size_t(p)];
+            if (at >= 0)
+                to.l[at] += v;
+            else if (at < -1 && to.u)
+                to.u[-(at + 2)] += v;
+            else if (at < -1)
+                to.l[-(at + 2)] += conj_if(v, to.conjugate_mirror);
+        }
 }
 
 // Bookkeeping of the left-looking sweep: for each finished supernode d, the position in its
@@ -109,10 +126,12 @@ void scatter_update(const supernode_view<T, I> &s, const supernode_view<T, I> &d
     }
 }
 
-// Applies every pending descendant update to supernode s (id), refiling each descendant.
-template <class T, class I>
-void gather_updates(const symbolic_factor<I> &f, T *values, update_links<I> &u, const supernode_view<T, I> &s, I id,
-                    T *buffer)
+// Calls apply(d, at, end) for every descendant d waiting for supernode s (id), where rows
+// at … end−1 of d lie in s's columns, with u.relative mapping each row of s to its position;
+// then refiles d under the supernode of its next row.
+template <class T, class I, class Apply>
+void for_each_descendant(const symbolic_factor<I> &f, T *values, update_links<I> &u, const supernode_view<T, I> &s,
+                         I id, Apply apply)
 {
     for (I r = 0; r < s.rows; ++r)
         u.relative[s.index[r] - 1] = r;
@@ -126,12 +145,22 @@ void gather_updates(const symbolic_factor<I> &f, T *values, update_links<I> &u, 
         I end = at;
         while (end < d.rows && d.index[end] - 1 < last)
             ++end;
-        descendant_product(d, at, end - at, buffer);
-        scatter_update(s, d, at, end - at, buffer, u.relative.get());
+        apply(d, d_id, at, end);
         u.next_row[d_id] = end;
         link_forward(u, d, d_id);
         d_id = following;
     }
+}
+
+// Applies every pending descendant update to supernode s (id).
+template <class T, class I>
+void gather_updates(const symbolic_factor<I> &f, T *values, update_links<I> &u, const supernode_view<T, I> &s, I id,
+                    T *buffer)
+{
+    for_each_descendant(f, values, u, s, id, [&](const supernode_view<T, I> &d, I, I at, I end) {
+        descendant_product(d, at, end - at, buffer);
+        scatter_update(s, d, at, end - at, buffer, u.relative.get());
+    });
 }
 
 // Factors s's diagonal block, solves for its rows below and mirrors L11ᴴ above the diagonal.

@@ -46,8 +46,6 @@ template <class T> int create(zel_pds_solver **solver, int matrix_type)
     *solver = nullptr;
     if (is_complex_v<T> ? !is_complex_type(matrix_type) : !is_real_type(matrix_type))
         return ZEL_PDS_STATUS_INVALID_VALUE;
-    if (matrix_type != 2 && matrix_type != 4)
-        return ZEL_PDS_STATUS_NOT_SUPPORTED;
     void *memory = zel_serv_malloc(sizeof(solver_impl<T>), alignof(solver_impl<T>) > 64 ? 128 : 64);
     if (memory == nullptr)
         return ZEL_PDS_STATUS_ALLOC_FAILED;

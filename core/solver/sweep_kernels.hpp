@@ -2,10 +2,11 @@
 // ZEL_SWEEP_ISA (the namespace of its copy), ZEL_SWEEP_VECTOR_BYTES and ZEL_SWEEP_REGISTERS
 // (its vector width and vector register count) before including this.
 //
-// Every panel is read once per sweep, a few columns at a time. One right-hand side is updated
-// in place (the rows below the diagonal block through a short work vector); several are first
-// gathered row by row into a work block of KC values a row, so that each entry of the panel
-// meets all of them in one vector operation.
+// Every panel is read once per sweep, a few columns at a time. One right-hand side of an L·Lᴴ
+// factor is updated in place (the rows below the diagonal block through a short work vector);
+// otherwise the right-hand sides are first gathered row by row into a work block of KC values
+// a row, so that each entry of the panel meets all of them in one vector operation (the
+// Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below).
 #pragma once
 
 #include <algorithm>
@@ -237,8 +238,9 @@ template <class T, int KC> ZEL_SWEEP_INLINE lanes<T, KC> zero_row()
     return a;
 }
 
-// Add: a += conj(l)·b; otherwise a −= l·b.
-template <bool Add, class T, int KC> ZEL_SWEEP_INLINE void update(lanes<T, KC> &a, T l, const lanes<T, KC> &b)
+// a += op(l)·b (Add) or a −= op(l)·b, op conjugating when Conj.
+template <bool Add, bool Conj = Add, class T, int KC>
+ZEL_SWEEP_INLINE void update(lanes<T, KC> &a, T l, const lanes<T, KC> &b)
 {
 #pragma GCC unroll 16
     for (int k = 0; k < lanes<T, KC>::count; ++k) {
@@ -247,12 +249,15 @@ template <bool Add, class T, int KC> ZEL_SWEEP_INLINE void update(lanes<T, KC> &
                 a.v[0][k] += l * b.v[0][k];
             else
                 a.v[0][k] -= l * b.v[0][k];
-        } else if constexpr (Add) {
-            a.v[0][k] += l.real() * b.v[0][k] + l.imag() * b.v[1][k];
-            a.v[1][k] += l.real() * b.v[1][k] - l.imag() * b.v[0][k];
         } else {
-            a.v[0][k] -= l.real() * b.v[0][k] - l.imag() * b.v[1][k];
-            a.v[1][k] -= l.real() * b.v[1][k] + l.imag() * b.v[0][k];
+            const real_t<T> lr = l.real(), li = Conj ? -l.imag() : l.imag();
+            if constexpr (Add) {
+                a.v[0][k] += lr * b.v[0][k] - li * b.v[1][k];
+                a.v[1][k] += lr * b.v[1][k] + li * b.v[0][k];
+            } else {
+                a.v[0][k] -= lr * b.v[0][k] - li * b.v[1][k];
+                a.v[1][k] -= lr * b.v[1][k] + li * b.v[0][k];
+            }
         }
     }
 }
@@ -340,8 +345,8 @@ void scatter_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
     }
 }
 
-// Rows i0 … i1−1 of the work block minus Σ_q L(i, j0 + q)·row(j0 + q), Q columns at once.
-template <int Q, class T, int KC>
+// Rows i0 … i1−1 of the work block minus Σ_q op(c[q][i])·pivot[q], Q columns at once.
+template <int Q, bool Conj = false, class T, int KC>
 ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *pivot, real_t<T> *t, int64_t i0,
                                         int64_t i1)
 {
@@ -350,14 +355,14 @@ ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *p
         lanes<T, KC> a = load_row<T, KC>(t + i * W);
 #pragma GCC unroll 4
         for (int q = 0; q < Q; ++q)
-            update<false>(a, c[q][i], pivot[q]);
+            update<false, Conj>(a, c[q][i], pivot[q]);
         store_row(t + i * W, a);
     }
 }
 
-// out[q] = Σ_i conj(L(i, j0 + q))·row(i) over rows i0 … i1−1, Q columns at once; the sums
-// stay in registers.
-template <int Q, class T, int KC>
+// out[q] = Σ_i op(c[q][i])·row(i) over rows i0 … i1−1, Q columns at once, op conjugating
+// when Conj; the sums stay in registers.
+template <int Q, bool Conj = true, class T, int KC>
 ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, const real_t<T> *t, int64_t i0, int64_t i1, lanes<T, KC> *out)
 {
     constexpr int W = lanes<T, KC>::reals;
@@ -369,27 +374,31 @@ ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, const real_t<T> *t, int6
         const lanes<T, KC> row = load_row<T, KC>(t + i * W);
 #pragma GCC unroll 4
         for (int q = 0; q < Q; ++q)
-            update<true>(s[q], c[q][i], row);
+            update<true, Conj>(s[q], c[q][i], row);
     }
 #pragma GCC unroll 4
     for (int q = 0; q < Q; ++q)
         out[q] = s[q];
 }
 
-// Forward over a gathered panel: each block of columns is solved in its diagonal square, then
-// updates every row below it.
-template <class T, class I, int KC> void forward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+// ---- Triangles of a gathered panel ----
+
+// Forward over a gathered panel: each block of columns is solved in its diagonal square (with
+// a unit diagonal for the L11 of an L·U or L·D·Lᵀ factor), then updates every row below it.
+template <bool Unit, class T, class I, int KC> void forward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     for (int64_t j0 = 0; j0 < p.cols; j0 += Q) {
         const int64_t q = std::min<int64_t>(Q, p.cols - j0);
-        const T *c[Q];
+        const T *c[Q] = {};
         lanes<T, KC> pivot[Q];
         for (int64_t jj = 0; jj < q; ++jj) {
             c[jj] = p.l + (j0 + jj) * p.rows;
             pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
-            scale(pivot[jj], inverse(c[jj][j0 + jj]));
-            store_row(t + (j0 + jj) * W, pivot[jj]);
+            if constexpr (!Unit) {
+                scale(pivot[jj], inverse(c[jj][j0 + jj]));
+                store_row(t + (j0 + jj) * W, pivot[jj]);
+            }
             for (int64_t ii = jj + 1; ii < q; ++ii) {
                 lanes<T, KC> a = load_row<T, KC>(t + (j0 + ii) * W);
                 update<false>(a, c[jj][j0 + ii], pivot[jj]);
@@ -404,86 +413,320 @@ template <class T, class I, int KC> void forward_rows(const sweep_panel<T, I> &p
     }
 }
 
-// Backward over a gathered panel, a block of columns at a time from the last.
-template <class T, class I, int KC> void backward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+// Backward over a gathered panel, a block of columns at a time from the last:
+// x1[j] = (x1[j] − Σ_{i>j} op(L(i, j))·row(i)) / op(L(j, j)), op conjugating when Conj; the
+// rows below the diagonal block take part through L21.
+template <bool Unit, bool Conj, class T, class I, int KC> void backward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     for (int64_t j0 = (p.cols - 1) / Q * Q; j0 >= 0; j0 -= Q) {
         const int64_t q = std::min<int64_t>(Q, p.cols - j0);
-        const T *c[Q];
+        const T *c[Q] = {};
         lanes<T, KC> sums[Q];
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = p.l + (j0 + jj) * p.rows;
         if (q == Q)
-            sum_rows_below<Q>(c, t, j0 + q, p.rows, sums);
+            sum_rows_below<Q, Conj>(c, t, j0 + q, p.rows, sums);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1>(c + jj, t, j0 + q, p.rows, sums + jj);
+                sum_rows_below<1, Conj>(c + jj, t, j0 + q, p.rows, sums + jj);
         for (int64_t jj = q - 1; jj >= 0; --jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
             for (int64_t ii = jj + 1; ii < q; ++ii)
-                update<false>(a, conj_if(c[jj][j0 + ii], true), load_row<T, KC>(t + (j0 + ii) * W));
-            scale(a, conj_if(inverse(c[jj][j0 + jj]), true));
+                update<false, Conj>(a, c[jj][j0 + ii], load_row<T, KC>(t + (j0 + ii) * W));
+            if constexpr (!Unit)
+                scale(a, conj_if(inverse(c[jj][j0 + jj]), Conj));
             store_row(t + (j0 + jj) * W, a);
         }
     }
 }
 
-// One sweep over the factor for the block's right-hand sides c0 … c0+kc−1 (kc ≤ KC).
-template <bool Forward, class T, class I, int KC>
-void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
+// x1 ← U11⁻¹·x1, U11 on and above the diagonal block's diagonal: a block of columns at a time
+// from the last, each solved in its square and then updating the rows above it.
+template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
-    for (I k = 0; k < f.nsuper; ++k) {
-        const I s = Forward ? k : f.nsuper - 1 - k;
-        const sweep_panel<T, I> p = panel_of(f, s);
-        gather_rows<T, I, KC>(p, b, c0, kc, t);
-        if constexpr (Forward)
-            forward_rows<T, I, KC>(p, t);
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    for (int64_t j1 = p.cols; j1 > 0; j1 -= Q) {
+        const int64_t j0 = std::max<int64_t>(0, j1 - Q), q = j1 - j0;
+        const T *c[Q] = {};
+        lanes<T, KC> pivot[Q];
+        for (int64_t jj = q - 1; jj >= 0; --jj) {
+            c[jj] = p.l + (j0 + jj) * p.rows;
+            pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
+            scale(pivot[jj], inverse(c[jj][j0 + jj]));
+            store_row(t + (j0 + jj) * W, pivot[jj]);
+            for (int64_t ii = 0; ii < jj; ++ii) {
+                lanes<T, KC> a = load_row<T, KC>(t + (j0 + ii) * W);
+                update<false>(a, c[jj][j0 + ii], pivot[jj]);
+                store_row(t + (j0 + ii) * W, a);
+            }
+        }
+        if (q == Q)
+            update_rows_below<Q>(c, pivot, t, 0, j0);
         else
-            backward_rows<T, I, KC>(p, t);
-        scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
+            for (int64_t jj = 0; jj < q; ++jj)
+                update_rows_below<1>(c + jj, pivot + jj, t, 0, j0);
     }
 }
 
-// A sweep over the whole block: one right-hand side in place, several in chunks of at most
-// sweep_chunk, each padded to the next of 2, 4, 8 or 16.
-template <bool Forward, class T, class I> void sweep(const sweep_factor<T, I> &f, const rhs_block<T> &b, T *t)
+// x1 ← U11⁻ᵀ·x1: a block of rows at a time from the first; row i takes its sum over the rows
+// above it from column i of U11 above the diagonal.
+template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p, real_t<T> *t)
 {
-    if (b.k == 1) {
-        for (I k = 0; k < f.nsuper; ++k) {
-            const I s = Forward ? k : f.nsuper - 1 - k;
-            if constexpr (Forward)
-                forward_one(panel_of(f, s), b.x, t);
-            else
-                backward_one(panel_of(f, s), b.x, t);
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    for (int64_t i0 = 0; i0 < p.cols; i0 += Q) {
+        const int64_t q = std::min<int64_t>(Q, p.cols - i0);
+        const T *c[Q] = {};
+        lanes<T, KC> sums[Q];
+        for (int64_t ii = 0; ii < q; ++ii)
+            c[ii] = p.l + (i0 + ii) * p.rows;
+        if (q == Q)
+            sum_rows_below<Q, false>(c, t, 0, i0, sums);
+        else
+            for (int64_t ii = 0; ii < q; ++ii)
+                sum_rows_below<1, false>(c + ii, t, 0, i0, sums + ii);
+        for (int64_t ii = 0; ii < q; ++ii) {
+            lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
+            subtract(a, sums[ii]);
+            for (int64_t jj = 0; jj < ii; ++jj)
+                update<false>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
+            scale(a, inverse(c[ii][i0 + ii]));
+            store_row(t + (i0 + ii) * W, a);
         }
-        return;
+    }
+}
+
+// ---- The block below the diagonal block ----
+
+// Its columns, entry i of each for the i-th row below: L21 in the panel (leading dimension
+// rows) or U12ᵀ in u_values, each column addressed through u_col_ptr.
+template <class T, class I> struct below_columns {
+    const T *base;
+    int64_t ld;
+    const I *ptr; // U12ᵀ: u_col_ptr from the panel's first column; null for L21
+
+    const T *col(int64_t j) const { return ptr != nullptr ? base + (ptr[j] - 1) : base + j * ld; }
+};
+
+template <class T, class I> below_columns<T, I> lower_columns(const sweep_panel<T, I> &p)
+{
+    return {p.l + p.cols, p.rows, nullptr};
+}
+
+template <class T, class I> below_columns<T, I> upper_columns(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p)
+{
+    return {f.u_values, 0, f.u_col_ptr + p.first};
+}
+
+// x_off −= C·x1 for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
+void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    const int64_t off = p.rows - p.cols;
+    for (int64_t j0 = 0; j0 < p.cols && off > 0; j0 += Q) {
+        const int64_t q = std::min<int64_t>(Q, p.cols - j0);
+        const T *c[Q] = {};
+        lanes<T, KC> pivot[Q];
+        for (int64_t jj = 0; jj < q; ++jj) {
+            c[jj] = below.col(j0 + jj);
+            pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
+        }
+        if (q == Q)
+            update_rows_below<Q>(c, pivot, t + p.cols * W, 0, off);
+        else
+            for (int64_t jj = 0; jj < q; ++jj)
+                update_rows_below<1>(c + jj, pivot + jj, t + p.cols * W, 0, off);
+    }
+}
+
+// x1 −= Cᵀ·x_off for the columns C below, Q columns at a time.
+template <class T, class I, int KC>
+void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    const int64_t off = p.rows - p.cols;
+    for (int64_t j0 = 0; j0 < p.cols && off > 0; j0 += Q) {
+        const int64_t q = std::min<int64_t>(Q, p.cols - j0);
+        const T *c[Q] = {};
+        lanes<T, KC> sums[Q];
+        for (int64_t jj = 0; jj < q; ++jj)
+            c[jj] = below.col(j0 + jj);
+        if (q == Q)
+            sum_rows_below<Q, false>(c, t + p.cols * W, 0, off, sums);
+        else
+            for (int64_t jj = 0; jj < q; ++jj)
+                sum_rows_below<1, false>(c + jj, t + p.cols * W, 0, off, sums + jj);
+        for (int64_t jj = 0; jj < q; ++jj) {
+            lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
+            subtract(a, sums[jj]);
+            store_row(t + (j0 + jj) * W, a);
+        }
+    }
+}
+
+// The block's row interchanges on its gathered rows: in order (Forward) or undone from the last.
+template <bool Forward, class T, class I, int KC>
+void interchange_rows(const sweep_panel<T, I> &p, const I *pivots, real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    for (int64_t k = 0; k < p.cols; ++k) {
+        const int64_t j = Forward ? k : p.cols - 1 - k, r = int64_t(pivots[j]) - 1;
+        if (r != j)
+            std::swap_ranges(t + j * W, t + (j + 1) * W, t + r * W);
+    }
+}
+
+// ---- One panel of each kind of sweep ----
+// Each takes the block's right-hand sides c0 … c0+kc−1 from b and leaves them there.
+
+// The row operations of the Bunch–Kaufman halves (bk_blocks.hpp) on a gathered panel.
+template <class T, int KC> struct gathered_rows {
+    static constexpr int W = lanes<T, KC>::reals;
+    real_t<T> *t;
+
+    void swap(int64_t i, int64_t j) const
+    {
+        if (i != j)
+            std::swap_ranges(t + i * W, t + (i + 1) * W, t + j * W);
+    }
+    void eliminate(const T *const *l, int width, int64_t k, int64_t i0, int64_t i1) const
+    {
+        const lanes<T, KC> pivot[2] = {load_row<T, KC>(t + k * W),
+                                       width == 2 ? load_row<T, KC>(t + (k + 1) * W) : zero_row<T, KC>()};
+        if (width == 2)
+            update_rows_below<2>(l, pivot, t, i0, i1);
+        else
+            update_rows_below<1>(l, pivot, t, i0, i1);
+    }
+    template <bool Conj> void subtract_dot(const T *l, int64_t j, int64_t i0, int64_t i1) const
+    {
+        lanes<T, KC> sum;
+        sum_rows_below<1, Conj>(&l, t, i0, i1, &sum);
+        lanes<T, KC> a = load_row<T, KC>(t + j * W);
+        subtract(a, sum);
+        store_row(t + j * W, a);
+    }
+};
+
+// Bunch–Kaufman: the block's halves on the gathered rows, the update through L21 between them.
+// (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
+template <bool Forward, class T, class I, int KC>
+void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
+              int64_t kc, real_t<T> *t)
+{
+    const bk_block<T, I> block{p.cols, p.l, p.rows, f.bk_pivots + p.first};
+    gather_rows<T, I, KC>(p, b, c0, kc, t);
+    if constexpr (Forward) {
+        bk_forward(block, gathered_rows<T, KC>{t});
+        update_below<T, I, KC>(p, lower_columns(p), t);
+    } else {
+        subtract_below<T, I, KC>(p, lower_columns(p), t);
+        bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{t});
+    }
+    scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
+}
+
+// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back. The
+// conjugate factor of a transposed sweep is the caller's (sweep_entry).
+template <sweep_kind K, class T, class I, int KC>
+int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
+{
+    using k = sweep_kind;
+    if constexpr (K == k::cholesky_forward) {
+        forward_rows<false, T, I, KC>(p, t);
+        return p.rows;
+    } else if constexpr (K == k::cholesky_backward) {
+        backward_rows<false, true, T, I, KC>(p, t);
+    } else if constexpr (K == k::lu_forward) {
+        interchange_rows<true, T, I, KC>(p, f.row_pivots + p.first, t);
+        forward_rows<true, T, I, KC>(p, t);
+        return p.rows;
+    } else if constexpr (K == k::lu_backward) {
+        subtract_below<T, I, KC>(p, upper_columns(f, p), t);
+        upper_rows<T, I, KC>(p, t);
+    } else if constexpr (K == k::lu_forward_t) {
+        upper_t_rows<T, I, KC>(p, t);
+        update_below<T, I, KC>(p, upper_columns(f, p), t);
+        return p.rows;
+    } else {
+        static_assert(K == k::lu_backward_t);
+        backward_rows<true, false, T, I, KC>(p, t);
+        interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, t);
+    }
+    return p.cols;
+}
+
+constexpr bool forward_kind(sweep_kind k)
+{
+    return k == sweep_kind::cholesky_forward || k == sweep_kind::lu_forward || k == sweep_kind::lu_forward_t ||
+           k == sweep_kind::diag_forward || k == sweep_kind::bk_forward;
+}
+
+// One sweep over the factor for the block's right-hand sides c0 … c0+kc−1 (kc ≤ KC).
+template <sweep_kind K, class T, class I, int KC>
+void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
+{
+    constexpr bool forward = forward_kind(K);
+    for (I k = 0; k < f.nsuper; ++k) {
+        const sweep_panel<T, I> p = panel_of(f, forward ? k : f.nsuper - 1 - k);
+        if constexpr (K == sweep_kind::bk_forward || K == sweep_kind::bk_backward) {
+            bk_panel<forward, T, I, KC>(f, p, b, c0, kc, t);
+        } else {
+            gather_rows<T, I, KC>(p, b, c0, kc, t);
+            scatter_rows<T, I, KC>(p, b, c0, kc, t, triangle_panel<K, T, I, KC>(f, p, t));
+        }
+    }
+}
+
+// A sweep over the whole block in chunks of at most sweep_chunk right-hand sides, each padded
+// to the next of 2, 4, 8 or 16; one right-hand side of L·Lᴴ is swept in place.
+template <sweep_kind K, class T, class I> void sweep(const sweep_factor<T, I> &f, const rhs_block<T> &b, T *t)
+{
+    constexpr bool forward = forward_kind(K);
+    if (K == sweep_kind::cholesky_forward || K == sweep_kind::cholesky_backward) {
+        if (b.k == 1) {
+            for (I k = 0; k < f.nsuper; ++k) {
+                const I s = forward ? k : f.nsuper - 1 - k;
+                if (forward)
+                    forward_one(panel_of(f, s), b.x, t);
+                else
+                    backward_one(panel_of(f, s), b.x, t);
+            }
+            return;
+        }
     }
     auto *rows = reinterpret_cast<real_t<T> *>(t);
     for (int64_t c0 = 0; c0 < b.k; c0 += sweep_chunk) {
         const int64_t kc = std::min<int64_t>(sweep_chunk, b.k - c0);
         if (kc > 8)
-            sweep_rows<Forward, T, I, 16>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 16>(f, b, c0, kc, rows);
         else if (kc > 4)
-            sweep_rows<Forward, T, I, 8>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 8>(f, b, c0, kc, rows);
         else if (kc > 2)
-            sweep_rows<Forward, T, I, 4>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 4>(f, b, c0, kc, rows);
         else
-            sweep_rows<Forward, T, I, 2>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 2>(f, b, c0, kc, rows);
     }
 }
 
-template <class T, class I> constexpr sweep_pair<T, I> pair_of()
+// The diagonally pivoted L·D·Lᵀ sweeps are the L·U ones: unit L11 with row interchanges
+// forward, L11ᵀ (L11ᴴ) and the interchanges undone backward.
+template <class T, class I> constexpr sweep_table<T, I> table_of()
 {
-    return {sweep<true, T, I>, sweep<false, T, I>};
+    using k = sweep_kind;
+    return {sweep<k::cholesky_forward, T, I>, sweep<k::cholesky_backward, T, I>, sweep<k::lu_forward, T, I>,
+            sweep<k::lu_backward, T, I>,      sweep<k::lu_forward_t, T, I>,      sweep<k::lu_backward_t, T, I>,
+            sweep<k::lu_forward, T, I>,       sweep<k::lu_backward_t, T, I>,     sweep<k::bk_forward, T, I>,
+            sweep<k::bk_backward, T, I>};
 }
 
 constexpr sweep_set make_sweep_set()
 {
-    return {pair_of<float, int32_t>(), pair_of<double, int32_t>(), pair_of<std::complex<float>, int32_t>(),
-            pair_of<std::complex<double>, int32_t>(), pair_of<float, int64_t>(), pair_of<double, int64_t>(),
-            pair_of<std::complex<float>, int64_t>(), pair_of<std::complex<double>, int64_t>()};
+    return {table_of<float, int32_t>(), table_of<double, int32_t>(), table_of<std::complex<float>, int32_t>(),
+            table_of<std::complex<double>, int32_t>(), table_of<float, int64_t>(), table_of<double, int64_t>(),
+            table_of<std::complex<float>, int64_t>(), table_of<std::complex<double>, int64_t>()};
 }
 
 #undef ZEL_SWEEP_INLINE

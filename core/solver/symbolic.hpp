@@ -249,10 +249,12 @@ template <class I> void renumber_groups(supernode_partition<I> &sn, I *low, cons
 // Relaxed amalgamation in place, bottom-up. The group of s (s and the descendants merged into
 // it, a contiguous range ending at s) absorbs the group just before it while that group's
 // top is a child of s and the rule allows: the merged panel has s's group's rows plus the
-// child's columns. A whole subtree can so become one supernode.
-template <class I> int amalgamate(const amalgamation &relax, supernode_partition<I> &sn)
+// child's columns. A whole subtree can so become one supernode. A column marked in `joined`
+// always shares the supernode of the column before it (pivots of a pair stay together).
+template <class I>
+int amalgamate(const amalgamation &relax, supernode_partition<I> &sn, const unsigned char *joined = nullptr)
 {
-    if (!relax.enabled || sn.count < 2)
+    if ((!relax.enabled && joined == nullptr) || sn.count < 2)
         return ZEL_SPARSE_STATUS_SUCCESS;
     scratch_array<I> low;
     scratch_array<unsigned char> top;
@@ -267,7 +269,8 @@ template <class I> int amalgamate(const amalgamation &relax, supernode_partition
             const int64_t ct = sn.start[t + 1] - sn.start[low[t]], rt = sn.rows[t];
             const int64_t entries = trapezoid(ct + cs, ct + rs);
             const int64_t zeros = sn.zeros[s] + sn.zeros[t] + entries - trapezoid(ct, rt) - trapezoid(cs, rs);
-            if (!relaxed_enough(relax, ct + cs, zeros, entries))
+            const bool forced = joined != nullptr && joined[sn.start[low[s]]];
+            if (!forced && (!relax.enabled || !relaxed_enough(relax, ct + cs, zeros, entries)))
                 break;
             sn.rows[s] = I(ct + rs);
             sn.zeros[s] = zeros;
@@ -387,10 +390,30 @@ template <class I> int tree_and_counts(const sym_pattern<I> &c, I *parent, I *co
 
 } // namespace detail
 
+namespace detail {
+
+// joined[k] = 1 when column k of the factor follows column k − 1 in its group (next: by the
+// caller's numbering, the member after each, -1 for none).
+template <class I> int joined_columns(const symbolic_factor<I> &f, const I *next, scratch_array<unsigned char> &joined)
+{
+    if (next == nullptr)
+        return ZEL_SPARSE_STATUS_SUCCESS;
+    if (!allocate(joined, f.n))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    for (I k = 0; k < f.n; ++k)
+        joined[k] = k > 0 && next[f.perm[k - 1]] == f.perm[k];
+    return ZEL_SPARSE_STATUS_SUCCESS;
+}
+
+} // namespace detail
+
 // Symbolic analysis of `a` under the ordering perm (null: the natural order; 0-based, assumed
 // a permutation). The factor's own ordering is perm followed by a postorder of the tree.
+// Groups (optional: next[i] the member after i, a neighbour of i) that perm keeps consecutive
+// end up in one supernode.
 template <class I>
-int symbolic_analysis(const sym_pattern<I> &a, const I *perm, const amalgamation &relax, symbolic_factor<I> &f)
+int symbolic_analysis(const sym_pattern<I> &a, const I *perm, const amalgamation &relax, symbolic_factor<I> &f,
+                      const I *next = nullptr)
 {
     f = symbolic_factor<I>();
     f.n = a.n;
@@ -404,10 +427,13 @@ int symbolic_analysis(const sym_pattern<I> &a, const I *perm, const amalgamation
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
         status = detail::tree_and_counts(c, parent.get(), count.get(), f.stats);
     supernode_partition<I> sn;
+    scratch_array<unsigned char> joined;
+    if (status == ZEL_SPARSE_STATUS_SUCCESS)
+        status = detail::joined_columns(f, next, joined);
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
         status = fundamental_supernodes(a.n, parent.get(), count.get(), sn);
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
-        status = amalgamate(relax, sn);
+        status = amalgamate(relax, sn, joined.get());
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
         status = factor_layout(sn, f);
     if (status == ZEL_SPARSE_STATUS_SUCCESS)

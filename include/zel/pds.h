@@ -37,8 +37,9 @@ ZEL_BEGIN_DECLS
                                                 * ZEL_PDS_ACCURACY_GOAL after refinement; x
                                                 * holds the best iterate found */
 
-/* The backward error below which a solve counts as accurate. */
+/* The backward error below which a solve counts as accurate (double, and single precision). */
 #define ZEL_PDS_ACCURACY_GOAL 1e-10
+#define ZEL_PDS_ACCURACY_GOAL_SINGLE 1e-5
 
 /* The name of a status value ("ZEL_PDS_STATUS_WRONG_PHASE"), or "unknown"; never null. */
 ZEL_API const char *zel_pds_status_name(int status);
@@ -62,7 +63,8 @@ ZEL_API const char *zel_pds_status_name(int status);
 #define ZEL_PDS_ORDERING_NATURAL 4   /* no reordering */
 
 /* Matching and scaling (options.matching, options.scaling). */
-#define ZEL_PDS_AUTOMATIC 0 /* on for the unsymmetric types 11 and 13, off for the others */
+#define ZEL_PDS_AUTOMATIC 0 /* matching: on for 11, 13 and (as grouping) -2, -4, 6; scaling:
+                             * on for every type but 2 and 4 */
 #define ZEL_PDS_ON 1
 #define ZEL_PDS_OFF 2
 
@@ -97,11 +99,12 @@ typedef struct {
     int matching;              /* ZEL_PDS_AUTOMATIC / ON / OFF: a maximum-product matching
                                 * moves large entries to the diagonal before the ordering
                                 * (needs values at analysis; see zel_pds_?_analyse_csr_values_*) */
-    int scaling;               /* ZEL_PDS_AUTOMATIC / ON / OFF: row and column scaling */
+    int scaling;               /* ZEL_PDS_AUTOMATIC / ON / OFF: row and column scaling
+                                * (automatic: on for every type but 2 and 4) */
     int pivoting;              /* ZEL_PDS_PIVOTING_*; default Bunch–Kaufman */
     double pivot_threshold;    /* a pivot smaller than this times the largest entry of the
                                 * scaled matrix is replaced by ±(this times that entry); 0: the
-                                * type's default (1e-13 unsymmetric, 1e-8 symmetric indefinite);
+                                * type's default (1e-10 unsymmetric, 1e-8 symmetric indefinite);
                                 * negative: never replaced (a zero pivot stops factorise with
                                 * ZEL_PDS_STATUS_SINGULAR) */
 } zel_pds_options;

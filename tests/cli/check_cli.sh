@@ -82,7 +82,7 @@ says out 'fast memory manager +off'
 # themselves are tested by test_solve_command).
 run "$zel" solve --help
 status_is 0; says out '^usage: zel solve '; for word in rhs out type ordering refine nrhs size; do says out "--$word"; done
-usage_error "zel solve: --type wants one of auto, spd, hpd, not 'lu'" "$zel" solve --type lu
+usage_error "zel solve: --type wants one of auto, spd, hpd, sid, hid, csym, unsym, not 'lu'" "$zel" solve --type lu
 usage_error "zel solve: --ordering wants one of auto, amd, nd, not 'metis'" "$zel" solve --ordering=metis
 for bad in -1 11 x ''; do
   usage_error "zel solve: --refine wants a whole number from 0 to 10, not '$bad'" "$zel" solve --refine "$bad"
@@ -110,6 +110,11 @@ run "$zel" bench dense --help
 status_is 0; says out '^usage: zel bench dense '; says out '[-]-sizes'; says out '^  getrs '
 run "$zel" bench sparse --help
 status_is 0; says out '^usage: zel bench sparse '; lacks out '[-]-sizes'; says out '^  syrk '
+# The solver suite has the most sections: every one listed, the last one selectable.
+run "$zel" bench solver --help
+status_is 0
+for word in laplace3d laplace2d matrices unsym3d unsym2d unsym_matrices kkt indef_matrices; do says out "^  $word "; done
+usage_error "zel bench solver: unknown section 'nosuch'" "$zel" bench solver --section indef_matrices,nosuch
 for bad in abc 0 -3 4,,8 4, ,4 1025 4x 99999999999999999999 ''; do
   usage_error "zel bench dense: --sizes wants .*, not '$bad'" "$zel" bench dense --sizes "$bad"
 done

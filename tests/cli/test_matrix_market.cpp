@@ -312,6 +312,72 @@ TEST(SolveProblem, LaplacianAndResidual)
     EXPECT_TRUE(std::isnan(zel::tool::relative_residual(corner, zeros.data(), broken.data(), 1)));
 }
 
+// zel solve's choice of matrix type from the values of small files, with and without --type: the
+// type, the indefinite type behind a positive definite one, the arithmetic, and the reason given.
+TEST_F(MatrixMarketFile, MatrixTypeChoice)
+{
+    using zel::tool::type_request;
+    const char *spd = "%%MatrixMarket matrix coordinate real symmetric\n2 2 3\n1 1 4\n2 1 1\n2 2 4\n";
+    const char *unsym = "%%MatrixMarket matrix coordinate real general\n2 2 3\n1 1 4\n1 2 1\n2 2 4\n";
+    const char *csym = "%%MatrixMarket matrix coordinate complex symmetric\n2 2 3\n1 1 4 0\n2 1 0 1\n2 2 4 0\n";
+    const struct {
+        const char *text;
+        bool complex_rhs;
+        type_request request;
+        int type, fallback;
+        bool complex;
+        const char *why; // or the refusal
+        int refusal_status;
+    } cases[] = {
+        {spd, false, type_request::automatic, 2, -2, false, "symmetric values with a positive diagonal", 0},
+        {spd, true, type_request::automatic, 4, -4, true, "symmetric values with a positive diagonal; complex right-hand sides", 0},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 2 3\n1 1 4\n2 1 1\n2 2 -1\n", false,
+         type_request::automatic, -2, 0, false, "symmetric values, but diagonal entry 2 is -1, not positive", 0},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 3\n1 1 4\n1 2 1\n2 1 1\n", false,
+         type_request::automatic, -2, 0, false, "symmetric values, but row 2 has no diagonal entry", 0},
+        {unsym, false, type_request::automatic, 11, 0, false, "not symmetric: entry (1, 2) is 1 but entry (2, 1) is absent", 0},
+        {unsym, true, type_request::automatic, 13, 0, true, "not symmetric: entry (1, 2) is 1 but entry (2, 1) is absent; complex right-hand sides", 0},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 4\n1 1 4\n1 2 0.30000000000000004\n2 1 0.3\n2 2 4\n",
+         false, type_request::automatic, 2, -2, false, "positive diagonal (the triangles differ by up to 1.9e-16", 0},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 4\n1 1 4\n1 2 0.3\n2 1 0.3000000000001\n2 2 4\n", false,
+         type_request::automatic, 11, 0, false, "not symmetric: entry (1, 2) is 0.3 but entry (2, 1) is 0.3000000000001", 0},
+        {"%%MatrixMarket matrix coordinate real skew-symmetric\n2 2 1\n2 1 1\n", false, type_request::automatic, 11, 0,
+         false, "not symmetric: the file is skew-symmetric", 0},
+        {"%%MatrixMarket matrix coordinate complex hermitian\n2 2 3\n1 1 4 0\n2 1 1 1\n2 2 4 0\n", false,
+         type_request::automatic, 4, -4, true, "Hermitian values with a positive real diagonal", 0},
+        {"%%MatrixMarket matrix coordinate complex hermitian\n2 2 3\n1 1 4 0\n2 1 1 1\n2 2 -4 0\n", false,
+         type_request::automatic, -4, 0, true, "Hermitian values, but diagonal entry 2 is (-4, 0), not positive", 0},
+        {csym, false, type_request::automatic, 6, 0, true,
+         "complex symmetric values, not Hermitian: entry (1, 2) is (0, 1) but entry (2, 1) is (0, 1)", 0},
+        // Hermitian off the diagonal, but a diagonal entry with an imaginary part.
+        {"%%MatrixMarket matrix coordinate complex general\n2 2 4\n1 1 4 1\n1 2 1 1\n2 1 1 -1\n2 2 4 0\n", false,
+         type_request::automatic, 13, 0, true, "neither symmetric nor Hermitian: entry (1, 2) is (1, 1) but entry (2, 1) is (1, -1)", 0},
+        {"%%MatrixMarket matrix coordinate complex general\n2 2 4\n1 1 4 0\n1 2 1 0\n2 1 1 0\n2 2 4 0\n", false,
+         type_request::automatic, 4, -4, true, "Hermitian values with a positive real diagonal", 0},
+        {spd, false, type_request::unsym, 11, 0, false, "asked for with --type unsym", 0},
+        {spd, false, type_request::sid, -2, 0, false, "asked for with --type sid", 0},
+        {spd, false, type_request::csym, 6, 0, true, "asked for with --type csym", 0},
+        {spd, false, type_request::hpd, 4, 0, true, "asked for with --type hpd", 0},
+        {csym, false, type_request::unsym, 13, 0, true, "asked for with --type unsym", 0},
+        {unsym, false, type_request::sid, 0, 0, false, "--type sid asks for symmetric values, but it is not symmetric: entry (1, 2)", 2},
+        {csym, false, type_request::hid, 0, 0, true, "--type hid asks for Hermitian values, but it is not Hermitian: entry (1, 2)", 2},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 2 2\n1 1 1\n2 2 -1\n", false, type_request::spd, 2, 0,
+         false, "diagonal entry 2 is -1, not positive, so it is not positive definite", 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.text) + "request " + std::to_string(int(c.request)));
+        const zel::tool::type_plan p = zel::tool::plan_matrix_type(read_ok(write(c.text)), c.complex_rhs, c.request);
+        EXPECT_EQ(p.refusal_status, c.refusal_status);
+        EXPECT_NE((c.refusal_status ? p.refusal : p.why).find(c.why), std::string::npos) << p.why << p.refusal;
+        if (c.refusal_status != 0)
+            continue;
+        EXPECT_EQ(p.type, c.type);
+        EXPECT_EQ(p.fallback, c.fallback);
+        EXPECT_EQ(p.complex, c.complex);
+        EXPECT_EQ(p.refusal, "");
+    }
+}
+
 TEST(MatrixMarketMatrices, SameEntriesAsTheTestReader)
 {
     const auto files = zel::test::test_matrix_files();

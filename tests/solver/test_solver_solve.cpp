@@ -211,6 +211,8 @@ TYPED_TEST(SolvePhase, ScalingMultipliesEachRowOfTheSolution)
     }
 }
 
+// A Cholesky factor lacks the arrays of every other type (and a type of the other value kind
+// is never this driver's): each is refused.
 TYPED_TEST(SolvePhase, RefusesWhatItCannotSolveAndLeavesXAlone)
 {
     using T = typename TestFixture::T;
