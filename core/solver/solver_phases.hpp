@@ -267,8 +267,8 @@ int solver_impl<T>::prepare_scaling(analysis_state<T, I> &state, const T *values
         if ((!state.row_scale && !allocate(state.row_scale, n)) || (!state.col_scale && !allocate(state.col_scale, n)))
             return ZEL_PDS_STATUS_ALLOC_FAILED;
         const csr_pattern<I> kept{n, 0, state.matrix.row_ptr.get(), state.matrix.col_idx.get()};
-        if (equilibrate(kept, state.values.get(), state.row_scale.get(), state.col_scale.get()) != 0)
-            return ZEL_PDS_STATUS_ALLOC_FAILED;
+        if (int status = equilibrate(kept, state.values.get(), state.row_scale.get(), state.col_scale.get()); status != 0)
+            return pds_status(status);
     } else if (!state.scaled_by_analysis) {
         state.row_scale = scratch_array<double>();
         state.col_scale = scratch_array<double>();
@@ -361,8 +361,8 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     if (!allocate_factor(state))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     keep_values(state, values);
-    if (prepare_scaling(state, values) != ZEL_PDS_STATUS_SUCCESS)
-        return ZEL_PDS_STATUS_ALLOC_FAILED;
+    if (int status = prepare_scaling(state, values); status != ZEL_PDS_STATUS_SUCCESS)
+        return status; // a failed allocation, or values that are not finite
     int64_t failed = -1;
     const int status = factor_values(state, failed);
     statistics.memory_used = state.bytes_held();
