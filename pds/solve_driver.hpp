@@ -46,14 +46,13 @@ template <class C> struct kernel_pair {
 // The core's sweep kernels of each value and index type, in factor_kind order.
 template <class T, class I> struct sweep_kernels;
 
-#define ZEL_PDS_KERNEL_PAIR(P, W, K, STEM, MODE)                                                               \
-    {zel_pds_##W##P##pds_##STEM##_fwd_ker##_##MODE##_nrhs_##K, zel_pds_##W##P##pds_##STEM##_bwd_ker##_##MODE##_nrhs_##K}
+#define ZEL_PDS_KERNEL_PAIR(P, W, K, STEM, TRANSPOSED, MODE)                                                   \
+    {zel_pds_##W##P##pds_##STEM##_fwd_ker##TRANSPOSED##_##MODE##_nrhs_##K,                                     \
+     zel_pds_##W##P##pds_##STEM##_bwd_ker##TRANSPOSED##_##MODE##_nrhs_##K}
 #define ZEL_PDS_KERNEL_PAIRS(P, C, W, K, MODE)                                                                 \
-    {{ZEL_PDS_KERNEL_PAIR(P, W, K, sym_pos, MODE),                                                             \
-      ZEL_PDS_KERNEL_PAIR(P, W, K, unsym, MODE),                                                               \
-      {zel_pds_##W##P##pds_unsym_fwd_ker_t_##MODE##_nrhs_##K, zel_pds_##W##P##pds_unsym_bwd_ker_t_##MODE##_nrhs_##K}, \
-      ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_diag, MODE),                                                      \
-      ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_bk, MODE)}}
+    {{ZEL_PDS_KERNEL_PAIR(P, W, K, sym_pos, , MODE), ZEL_PDS_KERNEL_PAIR(P, W, K, unsym, , MODE),             \
+      ZEL_PDS_KERNEL_PAIR(P, W, K, unsym, _t, MODE), ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_diag, , MODE),     \
+      ZEL_PDS_KERNEL_PAIR(P, W, K, sym_indef_bk, , MODE)}}
 #define ZEL_PDS_KERNEL_TABLE(P, C, T, W, I, K)                                                                 \
     template <> struct sweep_kernels<T, I> {                                                                   \
         using c_type = C;                                                                                      \

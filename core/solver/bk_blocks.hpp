@@ -2,7 +2,7 @@
 // reference ?sytrf: D's 1×1 and 2×2 blocks on the diagonal and first subdiagonal, the unit
 // multipliers below them, ipiv 1-based and relative to the block (p > 0: rows k and p
 // exchanged; −p at k and k+1: a 2×2 pivot, rows k+1 and p exchanged). The solve with
-// L·D·Lᵀ (L·D·Lᴴ) comes in three parts so that a supernodal sweep can update the rows below
+// L·D·Lᵀ (L·D·Lᴴ) comes in three steps so that a supernodal sweep can update the rows below
 // the block between them: the forward half L⁻¹ (interchanges included), D⁻¹, and the
 // backward half L⁻ᵀ (L⁻ᴴ). Right-hand sides are column-major.
 #pragma once
@@ -169,10 +169,10 @@ int64_t bk_arguments(const char *uplo, int64_t n, int64_t nrhs, const T *a, int6
     return 0;
 }
 
-// The three parts of the block solve behind the exported routines.
-enum class bk_part { forward, diagonal, backward };
+// The three steps of the block solve behind the exported routines.
+enum class bk_step { forward, diagonal, backward };
 
-template <bk_part Part, bk_symmetry S, class T>
+template <bk_step Step, bk_symmetry S, class T>
 void bk_entry(const char *uplo, const int64_t *n, const int64_t *nrhs, const T *a, const int64_t *lda,
               const int64_t *ipiv, T *b, const int64_t *ldb, int64_t *info)
 {
@@ -186,9 +186,9 @@ void bk_entry(const char *uplo, const int64_t *n, const int64_t *nrhs, const T *
         return;
     const bk_block<T, int64_t> block{*n, a, *lda, ipiv};
     const bk_rhs<T> x{b, *ldb, *nrhs};
-    if constexpr (Part == bk_part::forward)
+    if constexpr (Step == bk_step::forward)
         bk_forward(block, x);
-    else if constexpr (Part == bk_part::diagonal)
+    else if constexpr (Step == bk_step::diagonal)
         bk_diagonal<S>(block, x);
     else
         bk_backward<S>(block, x);

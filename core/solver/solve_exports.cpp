@@ -117,11 +117,11 @@ using zs::sweep_kind;
 #define ZEL_PDS_CMPLX_SWEEP_SHELLS(P, C, T, W, I) ZEL_PDS_SWEEP_SHELLS(P, C, T, W, I, cmplx)
 
 // The Bunch–Kaufman block routines of one name stem (sytrs: Lᵀ; hetrs: Lᴴ, D Hermitian).
-#define ZEL_PDS_BK_SHELL(P, C, T, STEM, PART, SYMMETRY)                                                         \
+#define ZEL_PDS_BK_SHELL(P, C, T, STEM, STEP, SYMMETRY)                                                         \
     ZEL_API void zel_pds_##P##STEM##_varisol(const char *uplo, const int64_t *n, const int64_t *nrhs,           \
                                              const C *a, const int64_t *lda, const int64_t *ipiv, C *b,         \
                                              const int64_t *ldb, int64_t *info)                                 \
-    { zs::bk_entry<zs::bk_part::PART, zs::bk_symmetry::SYMMETRY>(uplo, n, nrhs, zel::as_cpp(a), lda, ipiv,     \
+    { zs::bk_entry<zs::bk_step::STEP, zs::bk_symmetry::SYMMETRY>(uplo, n, nrhs, zel::as_cpp(a), lda, ipiv,     \
                                                                  zel::as_cpp(b), ldb, info); }
 #define ZEL_PDS_BK_SHELLS(P, C, T, TRS, SYMMETRY)                                                               \
     ZEL_PDS_BK_SHELL(P, C, T, TRS##_bklfw_noscal, forward, SYMMETRY)                                           \

@@ -20,9 +20,7 @@
 
 namespace zel::solver {
 
-// The factor as the frame hands it over: 1-based pointers, row numbers and pivots. conj: the
-// sweep applies the conjugate factor (Aᴴ of an unsymmetric matrix, Lᴴ of a Hermitian one), as
-// the conjugate of the plain sweep on the conjugate right-hand sides.
+// The factor as the frame hands it over: 1-based pointers, row numbers and pivots.
 template <class T, class I> struct sweep_factor {
     I nsuper;
     const I *super_ptr, *col_ptr, *row_ptr, *row_index;
@@ -30,7 +28,6 @@ template <class T, class I> struct sweep_factor {
     const I *u_col_ptr;
     const T *u_values;
     const I *row_pivots, *bk_pivots;
-    bool conj;
 };
 
 template <class T, class I> sweep_factor<T, I> factor_of(const zel_pds_frame &frame)
@@ -44,8 +41,7 @@ template <class T, class I> sweep_factor<T, I> factor_of(const zel_pds_frame &fr
             static_cast<const I *>(frame.u_col_ptr),
             static_cast<const T *>(frame.u_values),
             static_cast<const I *>(frame.row_pivots),
-            static_cast<const I *>(frame.bk_pivots),
-            false};
+            static_cast<const I *>(frame.bk_pivots)};
 }
 
 // One supernode: its first column (0-based), columns and rows, its panel (column-major,
@@ -143,11 +139,12 @@ template <sweep_kind K, class T> bool conjugates(const zel_pds_frame &frame)
 {
     if constexpr (!is_complex_v<T>)
         return false;
-    if (K == sweep_kind::lu_forward_t || K == sweep_kind::lu_backward_t)
+    else if constexpr (K == sweep_kind::lu_forward_t || K == sweep_kind::lu_backward_t)
         return frame.transposed == 2;
-    if (K == sweep_kind::diag_backward || K == sweep_kind::bk_backward)
+    else if constexpr (K == sweep_kind::diag_backward || K == sweep_kind::bk_backward)
         return pds::hermitian_type(frame.matrix_type);
-    return false;
+    else
+        return false;
 }
 
 // Row interchanges of every diagonal block within the block (1 … ncols).
@@ -214,8 +211,7 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
     *error = 0;
     if (nrhs == 0 || frame->n == 0 || frame->nsuper <= 0)
         return;
-    sweep_factor<T, I> f = factor_of<T, I>(*frame);
-    f.conj = conjugates<K, T>(*frame);
+    const sweep_factor<T, I> f = factor_of<T, I>(*frame);
     if (!factor_usable<K>(f, frame->n)) {
         *error = 2;
         return;
@@ -229,9 +225,10 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
         return;
     }
     const rhs_block<T> b{work, std::max<int64_t>(ldw, frame->n), nrhs};
-    conjugate_if(b, frame->n, f.conj);
+    const bool conj = conjugates<K, T>(*frame);
+    conjugate_if(b, frame->n, conj);
     sweeps_for<T, I>()[int(K)](f, b, t.get());
-    conjugate_if(b, frame->n, f.conj);
+    conjugate_if(b, frame->n, conj);
 }
 
 } // namespace zel::solver

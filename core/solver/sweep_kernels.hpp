@@ -448,19 +448,20 @@ template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, 
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     for (int64_t j1 = p.cols; j1 > 0; j1 -= Q) {
-        const int64_t j0 = std::max<int64_t>(0, j1 - Q), q = j1 - j0;
+        const int64_t q = std::min<int64_t>(Q, j1), j0 = j1 - q;
         const T *c[Q] = {};
         lanes<T, KC> pivot[Q];
         for (int64_t jj = q - 1; jj >= 0; --jj) {
-            c[jj] = p.l + (j0 + jj) * p.rows;
-            pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
-            scale(pivot[jj], inverse(c[jj][j0 + jj]));
-            store_row(t + (j0 + jj) * W, pivot[jj]);
+            const T *col = c[jj] = p.l + (j0 + jj) * p.rows;
+            lanes<T, KC> y = load_row<T, KC>(t + (j0 + jj) * W);
+            scale(y, inverse(col[j0 + jj]));
+            store_row(t + (j0 + jj) * W, y);
             for (int64_t ii = 0; ii < jj; ++ii) {
                 lanes<T, KC> a = load_row<T, KC>(t + (j0 + ii) * W);
-                update<false>(a, c[jj][j0 + ii], pivot[jj]);
+                update<false>(a, col[j0 + ii], y);
                 store_row(t + (j0 + ii) * W, a);
             }
+            pivot[jj] = y;
         }
         if (q == Q)
             update_rows_below<Q>(c, pivot, t, 0, j0);
@@ -487,11 +488,12 @@ template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p
             for (int64_t ii = 0; ii < q; ++ii)
                 sum_rows_below<1, false>(c + ii, t, 0, i0, sums + ii);
         for (int64_t ii = 0; ii < q; ++ii) {
+            const T *col = c[ii];
             lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
             subtract(a, sums[ii]);
             for (int64_t jj = 0; jj < ii; ++jj)
-                update<false>(a, c[ii][i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
-            scale(a, inverse(c[ii][i0 + ii]));
+                update<false>(a, col[i0 + jj], load_row<T, KC>(t + (i0 + jj) * W));
+            scale(a, inverse(col[i0 + ii]));
             store_row(t + (i0 + ii) * W, a);
         }
     }

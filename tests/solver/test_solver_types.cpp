@@ -393,7 +393,7 @@ ZEL_TEST_LAPACK_BK(z, std::complex<double>, zhetrf_, zhetrs_)
 template <class C> using bk_routine = void (*)(const char *, const int64_t *, const int64_t *, const C *,
                                                const int64_t *, const int64_t *, C *, const int64_t *, int64_t *);
 
-// One member of the block routines: its three parts and the reference pair.
+// One member of the block routines: its three steps and the reference pair.
 template <class V, class C, bool Herm> struct bk_member {
     using T = V;
     using c_type = C;
