@@ -92,7 +92,8 @@ test_matrix saddle_matrix(int n1, int m, bool complex, double epsilon, unsigned 
             a.at(i, j) = h.at(i, j);
     for (int j = 0; j < m; ++j) {
         const double magnitude = 1.5 + 0.5 * value(random);
-        a.at(j, n1 + j) = complex ? std::polar(magnitude, 3 * value(random)) : cplx(value(random) < 0 ? -magnitude : magnitude);
+        a.at(j, n1 + j) =
+            complex ? std::polar(magnitude, 3 * value(random)) : cplx(value(random) < 0 ? -magnitude : magnitude);
         for (int k = 0; k < 2; ++k)
             a.at(below(random), n1 + j) = cplx(value(random), complex ? value(random) : 0.0);
         a.at(n1 + j, n1 + j) = epsilon;
@@ -561,8 +562,7 @@ TEST_F(SolveCommand, SingularSystems)
                                         "2 2 4\n3 3 0\n";
     r = solve(path("unsym.mtx") + " --rhs " + path("b.mtx"));
     EXPECT_EQ(r.status, 1);
-    const bool can_match = r.out.find("\n                with the matching on, the analysis returned "
-                                      "ZEL_PDS_STATUS_NOT_SUPPORTED (this library cannot match yet)") == std::string::npos;
+    const bool can_match = r.out.find("(this library cannot match yet)") == std::string::npos;
     if (r.out.empty()) {
         // A matching that takes explicit zeros for absent entries finds the structural rank.
         EXPECT_TRUE(can_match);
@@ -630,8 +630,8 @@ int reported_type(const run_result &r)
 }
 
 // Every square test matrix is solved as the type its values call for, or fails with a status that
-// says why (exit status 1: a report and NOT_ACCURATE, or a singular status); the positive definite
-// ones are solved. A rectangular one is a usage error. The lines printed are the record.
+// says why (exit status 1: a report and NOT_ACCURATE, or a singular status); all but one are
+// solved. A rectangular one is a usage error. The lines printed are the record.
 TEST(SolveCommandMatrices, RealMatrices)
 {
     const std::vector<std::string> files = zel::test::test_matrix_files();
@@ -643,19 +643,22 @@ TEST(SolveCommandMatrices, RealMatrices)
         bool must_solve;
     } expected[] = {
         {"1138_bus", 2, true},    {"494_bus", 2, true},      {"ani4", 2, true},         {"bcsstk13", 2, true},
-        {"can___24", 2, true},    {"dwt_878", 2, true},      {"mhd1280b", 4, true},     {"hangGlider_2", -2, false},
-        {"reorientation_1", -2, false}, {"tumorAntiAngiogenesis_2", -2, false},         {"young4c", 6, false},
-        {"young1c", 13, false},   {"w156", 13, false},       {"bp_1200", 11, false},    {"cryg2500", 11, false},
-        {"impcol_a", 11, false},  {"nnc1374", 11, false},    {"nontrivial_mc64_example", 11, false},
-        {"nontrivial_mc64_result", 11, false}, {"olm500", 11, false}, {"pts5ldd03", 2, true},
-        {"rajat19", 11, false},   {"sherman3", 11, false},   {"temp", 11, false},       {"watt_2", 11, false},
-        {"west0479", 11, false},  {"west0497", 11, false},   {"lp_e226", 0, false},     {"lp_share1b", 0, false},
+        {"can___24", 2, true},    {"dwt_878", 2, true},      {"mhd1280b", 4, true},     {"pts5ldd03", 2, true},
+        {"hangGlider_2", -2, true},    {"reorientation_1", -2, true},    {"tumorAntiAngiogenesis_2", -2, true},
+        {"young4c", 6, true},     {"young1c", 13, true},     {"w156", 13, true},        {"cryg2500", 11, true},
+        {"impcol_a", 11, true},   {"nnc1374", 11, true},     {"nontrivial_mc64_example", 11, true},
+        {"nontrivial_mc64_result", 11, true},   {"olm500", 11, true},   {"rajat19", 11, true},
+        {"sherman3", 11, true},   {"temp", 11, true},        {"watt_2", 11, true},      {"west0479", 11, true},
+        {"west0497", 11, true},   {"lp_e226", 0, false},     {"lp_share1b", 0, false},
+        // Refinement still converging after the default two steps: NOT_ACCURATE (reached with more).
+        {"bp_1200", 11, false},
     };
     const std::string out = std::filesystem::temp_directory_path() / ("zel_solve_m" + std::to_string(getpid()));
     for (const std::string &file : files) {
         const std::string name = std::filesystem::path(file).stem();
         SCOPED_TRACE(name);
-        const auto *e = std::find_if(std::begin(expected), std::end(expected), [&](const auto &x) { return name == x.name; });
+        const auto *e =
+            std::find_if(std::begin(expected), std::end(expected), [&](const auto &x) { return name == x.name; });
         if (e == std::end(expected)) {
             ADD_FAILURE() << "no expectation for " << file;
             continue;
