@@ -310,8 +310,10 @@ int solver_impl<T>::factor_values(analysis_state<T, I> &state, int64_t &failed)
         largest = std::max(largest, std::abs(state.l_values[size_t(p)]));
     for (int64_t p = 0; p < state.u_stored; ++p)
         largest = std::max(largest, std::abs(state.u_values[size_t(p)]));
+    // 1e-10 for LU: on the unsymmetric test matrices a smaller replacement (1e-13) left bp_1200
+    // at a backward error of 1e-7 after two steps of refinement, 1e-8 spoiled rajat19.
     const double threshold = options.pivot_threshold != 0 ? options.pivot_threshold
-                             : kind == factor_kind::lu    ? 1e-13
+                             : kind == factor_kind::lu    ? 1e-10
                                                           : 1e-8;
     pivot_rule<T> rule;
     rule.replace = threshold > 0;

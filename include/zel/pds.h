@@ -104,7 +104,7 @@ typedef struct {
     int pivoting;              /* ZEL_PDS_PIVOTING_*; default Bunch–Kaufman */
     double pivot_threshold;    /* a pivot smaller than this times the largest entry of the
                                 * scaled matrix is replaced by ±(this times that entry); 0: the
-                                * type's default (1e-13 unsymmetric, 1e-8 symmetric indefinite);
+                                * type's default (1e-10 unsymmetric, 1e-8 symmetric indefinite);
                                 * negative: never replaced (a zero pivot stops factorise with
                                 * ZEL_PDS_STATUS_SINGULAR) */
 } zel_pds_options;
