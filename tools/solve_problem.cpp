@@ -226,7 +226,7 @@ const char *request_name(type_request request)
     return names[static_cast<int>(request)];
 }
 
-// The automatic choice, as a backslash operator makes it.
+// The automatic choice, from the values alone.
 type_plan automatic_type(const matrix_kind &k, bool complex_values, bool complex)
 {
     type_plan p;
