@@ -108,9 +108,7 @@ template <class I> int map_values(const symbolic_factor<I> &f, kept_matrix<I> &m
     scratch_array<I> of_column;
     if (!allocate(of_column, f.n) || !allocate(m.destination, m.entries()))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    for (I s = 0; s < f.nsuper; ++s)
-        for (I j = f.super_ptr[s] - 1; j < f.super_ptr[s + 1] - 1; ++j)
-            of_column[j] = s;
+    supernode_of_columns(f, of_column.get());
     for (I i = 0; i < m.n; ++i)
         for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
             const I j = m.col_idx[size_t(p)];
@@ -177,9 +175,7 @@ int map_unsymmetric_values(const symbolic_factor<I> &f, const I *u_col_ptr, cons
     scratch_array<I> of_column;
     if (!allocate(of_column, f.n) || !allocate(m.destination, m.entries()))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    for (I s = 0; s < f.nsuper; ++s)
-        for (I j = f.super_ptr[s] - 1; j < f.super_ptr[s + 1] - 1; ++j)
-            of_column[j] = s;
+    supernode_of_columns(f, of_column.get());
     for (I i = 0; i < m.n; ++i)
         for (I p = m.row_ptr[i]; p < m.row_ptr[size_t(i) + 1]; ++p) {
             const I r = f.inv_perm[c_row ? c_row[i] : i], c = f.inv_perm[m.col_idx[size_t(p)]];

@@ -24,7 +24,7 @@ namespace zel::solver {
 template <class I> struct matching_result {
     scratch_array<I> row_of_column;                    // n: the row matched to column j, or -1
     scratch_array<double> row_scaling, column_scaling; // n each; empty when not computed
-    I rank = 0;                                        // matched columns: the structural rank
+    I rank = 0; // matched columns: the structural rank (of the nonzero entries, for the product)
 };
 
 namespace matching_detail {
@@ -58,18 +58,21 @@ template <class I> struct sides {
 };
 
 // ---------------------------------------------------------------------------------------------
-// Maximum cardinality: depth-first augmenting paths with lookahead.
+// Maximum cardinality: phases of depth-first searches with lookahead, one from each unmatched
+// row, sharing their visited marks (Pothen–Fan). A phase looks at each entry at most once
+// beyond the lookahead; a phase that augments nothing proves the matching maximum (a failed
+// search leaves behind columns from which no free column can be reached, so the later searches
+// of the phase lose nothing by skipping them). Phases alternate the direction in which rows
+// are scanned, so that a search does not retrace the same long path phase after phase.
 
-// Scratch of the searches. mark[j] is the root row of the last search that reached column j; a
-// search that fails leaves its columns marked with a root that stays unmatched, and those
-// columns are dead for good: no later augmentation can touch them (every edge out of their rows
-// leads back into the set, which holds no free column), so later searches skip them.
 template <class I> struct dfs_work {
-    scratch_array<I> stack, next, cheap, mark;
+    scratch_array<I> stack, next, cheap, mark, pending;
+    I phase = 0;
+    bool backward = false;
 
     bool allocate(const csr_pattern<I> &a)
     {
-        for (scratch_array<I> *array : {&stack, &next, &cheap, &mark})
+        for (scratch_array<I> *array : {&stack, &next, &cheap, &mark, &pending})
             if (!solver::allocate(*array, a.n))
                 return false;
         for (I i = 0; i < a.n; ++i)
@@ -77,6 +80,7 @@ template <class I> struct dfs_work {
         std::fill(mark.get(), mark.get() + a.n, I(-1));
         return true;
     }
+    void start(const csr_pattern<I> &a, I i) { next[size_t(i)] = backward ? row_end(a, i) - 1 : row_begin(a, i); }
 };
 
 // A free usable column of row i, or -1. cheap[i] only moves forward: a matched column never
@@ -90,18 +94,18 @@ I free_column(const csr_pattern<I> &a, const Usable &usable, I i, const sides<I>
     return -1;
 }
 
-// The next column of row i (all matched, since the lookahead failed) that this search has not
-// reached and that is not dead, or -1.
+// The next column of row i (all matched, since the lookahead failed) that this phase has not
+// reached, or -1.
 template <class I, class Usable>
-I unreached_column(const csr_pattern<I> &a, const Usable &usable, I i, I root, const sides<I> &m, dfs_work<I> &w)
+I unreached_column(const csr_pattern<I> &a, const Usable &usable, I i, dfs_work<I> &w)
 {
-    for (I &p = w.next[size_t(i)]; p < row_end(a, i); ++p) {
+    const I step = w.backward ? -1 : 1;
+    for (I &p = w.next[size_t(i)]; p >= row_begin(a, i) && p < row_end(a, i); p += step) {
         const I j = a.col_idx[p] - a.base;
-        const I owner = w.mark[size_t(j)];
-        if (!usable(p) || owner == root || (owner >= 0 && m.col_of_row[size_t(owner)] < 0))
+        if (!usable(p) || w.mark[size_t(j)] == w.phase)
             continue;
-        w.mark[size_t(j)] = root;
-        ++p;
+        w.mark[size_t(j)] = w.phase;
+        p += step;
         return j;
     }
     return -1;
@@ -113,7 +117,7 @@ bool dfs_augment(const csr_pattern<I> &a, const Usable &usable, I root, sides<I>
 {
     I top = 0;
     w.stack[0] = root;
-    w.next[size_t(root)] = row_begin(a, root);
+    w.start(a, root);
     while (top >= 0) {
         const I i = w.stack[size_t(top)];
         if (I j = free_column(a, usable, i, m, w); j >= 0) {
@@ -127,14 +131,14 @@ bool dfs_augment(const csr_pattern<I> &a, const Usable &usable, I root, sides<I>
             ++m.matched;
             return true;
         }
-        const I j = unreached_column(a, usable, i, root, m, w);
+        const I j = unreached_column(a, usable, i, w);
         if (j < 0) {
             --top;
             continue;
         }
         const I r = m.row_of_col[size_t(j)];
         w.stack[size_t(++top)] = r;
-        w.next[size_t(r)] = row_begin(a, r);
+        w.start(a, r);
     }
     return false;
 }
@@ -145,9 +149,24 @@ template <class I, class Usable> int complete_matching(const csr_pattern<I> &a, 
     dfs_work<I> w;
     if (!w.allocate(a))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    I pending = 0;
     for (I i = 0; i < a.n; ++i)
         if (m.col_of_row[size_t(i)] < 0)
-            dfs_augment(a, usable, i, m, w);
+            w.pending[size_t(pending++)] = i;
+    for (bool augmented = true; pending > 0 && augmented;) {
+        ++w.phase;
+        w.backward = !w.backward;
+        augmented = false;
+        I still = 0;
+        for (I t = 0; t < pending; ++t) {
+            const I r = w.pending[size_t(t)];
+            if (dfs_augment(a, usable, r, m, w))
+                augmented = true;
+            else
+                w.pending[size_t(still++)] = r;
+        }
+        pending = still;
+    }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
@@ -156,8 +175,8 @@ template <class I, class Usable> int complete_matching(const csr_pattern<I> &a, 
 // with row duals u and column duals v keeping every reduced cost c_ij − u_i − v_j nonnegative
 // and the matched ones zero.
 
-// What a search reads and writes for each column it reaches, kept together: the searches are
-// bound by memory latency, and one cache line per column beats one per array.
+// What a search reads and writes for each column it reaches, kept together so that reaching a
+// column touches one cache line rather than one per array.
 template <class I> struct column_state {
     double dist; // tentative distance in the current search; +∞ when not reached
     double v;    // dual
@@ -457,8 +476,8 @@ template <class I> bool to_sides(assignment<I> &s, sides<I> &m)
     return true;
 }
 
-// What the functions below check of their input (the caller has validated the rest): the
-// arrays they will read are there. Without entries, the index and value arrays may be null.
+// What the functions below check of their input (the caller has validated the pattern): the
+// arrays they will read are there (without entries, the index and value arrays may be null).
 template <class I> bool plausible(const csr_pattern<I> &a, const void *values)
 {
     if (a.n < 0 || (a.base != 0 && a.base != 1) || (a.n > 0 && a.row_ptr == nullptr))
@@ -466,63 +485,47 @@ template <class I> bool plausible(const csr_pattern<I> &a, const void *values)
     return a.n == 0 || a.row_ptr[a.n] == a.base || (a.col_idx != nullptr && values != nullptr);
 }
 
-// ---------------------------------------------------------------------------------------------
-// Equilibration: simultaneous square-root max-norm sweeps (each moves the logarithms of the
-// row and column maxima halfway towards 0), then one exact pass over rows and one over columns.
-
-inline constexpr int equilibration_sweeps = 30;
-inline constexpr double equilibration_tolerance = 1e-2;
-
-// One sweep from the maxima of the current Dr·A·Dc; true when they were all within the
-// tolerance of 1 already. Empty rows and columns keep their factor.
-template <class T, class I>
-bool equilibration_sweep(const csr_pattern<I> &a, const T *values, double *dr, double *dc, double *col_max)
+// True when every magnitude is a finite double: a NaN or an infinity has no place in a scaling.
+template <class T, class I> bool finite_magnitudes(const csr_pattern<I> &a, const T *values)
 {
-    bool balanced = true;
-    auto near_one = [](double x) { return std::fabs(x - 1) <= equilibration_tolerance; };
-    std::fill(col_max, col_max + a.n, 0.0);
-    for (I i = 0; i < a.n; ++i) {
-        double row_max = 0;
-        for (I p = row_begin(a, i); p < row_end(a, i); ++p) {
-            const I j = a.col_idx[p] - a.base;
-            const double x = dr[i] * magnitude(values[p]) * dc[j];
-            row_max = std::max(row_max, x);
-            col_max[j] = std::max(col_max[j], x);
-        }
-        if (row_max > 0) {
-            balanced = balanced && near_one(row_max);
-            dr[i] /= std::sqrt(row_max);
-        }
-    }
-    for (I j = 0; j < a.n; ++j)
-        if (col_max[j] > 0) {
-            balanced = balanced && near_one(col_max[j]);
-            dc[j] /= std::sqrt(col_max[j]);
-        }
-    return balanced;
+    const I nnz = a.n > 0 ? row_begin(a, a.n) : 0;
+    for (I p = 0; p < nnz; ++p)
+        if (!std::isfinite(magnitude(values[p])))
+            return false;
+    return true;
 }
 
-// The last passes: every nonempty row's maximum becomes 1, then every nonempty column's, which
-// leaves the rows' maxima at most 1 and, after the sweeps, close to it.
+// ---------------------------------------------------------------------------------------------
+// Equilibration by simultaneous square-root max-norm sweeps: a_ij/√(r_i·c_j) with r_i and c_j
+// the maxima of its row and column. No entry exceeds 1 after the first sweep (r_i and c_j are
+// both at least |a_ij|), the maxima only grow from there, and their logarithms move about
+// halfway to 0 each sweep. Scaled entries are |a_ij|·(Dr_i·Dc_j), so that a symmetric matrix
+// keeps Dr = Dc to the bit.
+
+inline constexpr int equilibration_sweeps = 64;
+inline constexpr double equilibration_tolerance = 1e-2; // every nonempty maximum within 1% of 1
+
+// The largest scaled magnitude of every row and column (0 for an empty one); true when each
+// nonempty one is close to 1 already.
 template <class T, class I>
-void equilibration_finish(const csr_pattern<I> &a, const T *values, double *dr, double *dc, double *col_max)
+bool scaled_maxima(const csr_pattern<I> &a, const T *values, const double *dr, const double *dc, double *row_max,
+                   double *col_max)
 {
-    for (I i = 0; i < a.n; ++i) {
-        double row_max = 0;
-        for (I p = row_begin(a, i); p < row_end(a, i); ++p)
-            row_max = std::max(row_max, dr[i] * magnitude(values[p]) * dc[a.col_idx[p] - a.base]);
-        if (row_max > 0)
-            dr[i] /= row_max;
-    }
     std::fill(col_max, col_max + a.n, 0.0);
-    for (I i = 0; i < a.n; ++i)
+    for (I i = 0; i < a.n; ++i) {
+        double largest = 0;
         for (I p = row_begin(a, i); p < row_end(a, i); ++p) {
-            double &m = col_max[a.col_idx[p] - a.base];
-            m = std::max(m, dr[i] * magnitude(values[p]) * dc[a.col_idx[p] - a.base]);
+            const I j = a.col_idx[p] - a.base;
+            const double x = magnitude(values[p]) * (dr[i] * dc[j]);
+            largest = std::max(largest, x);
+            col_max[j] = std::max(col_max[j], x);
         }
-    for (I j = 0; j < a.n; ++j)
-        if (col_max[j] > 0)
-            dc[j] /= col_max[j];
+        row_max[i] = largest;
+    }
+    const auto close = [](double x) {
+        return x == 0 || (x >= 1 - equilibration_tolerance && x <= 1 + 16 * std::numeric_limits<double>::epsilon());
+    };
+    return std::all_of(row_max, row_max + a.n, close) && std::all_of(col_max, col_max + a.n, close);
 }
 
 } // namespace matching_detail
@@ -548,12 +551,13 @@ template <class I> int structural_matching(const csr_pattern<I> &a, matching_res
 // Maximum-product matching of |a_ij| with the scaling from its dual variables, so that
 // |Dr_i·a_ij·Dc_j| ≤ 1 everywhere and = 1 on the matched entries. Zero entries count as absent.
 // When the nonzero entries admit no perfect matching: rank < n, a maximum-cardinality matching
-// of the nonzero entries and no scaling (still SUCCESS).
+// of the nonzero entries and no scaling (still SUCCESS); structural_matching gives the rank of
+// the pattern, stored zeros included. A magnitude that is not finite: INVALID_VALUE.
 template <class T, class I>
 int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_result<I> &out)
 {
     using namespace matching_detail;
-    if (!plausible(a, values))
+    if (!plausible(a, values) || !finite_magnitudes(a, values))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
     assignment<I> s;
     s.a = a;
@@ -581,24 +585,32 @@ int maximum_product_matching(const csr_pattern<I> &a, const T *values, matching_
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// Row and column scaling without a matching: iterative max-norm equilibration, after which every
-// entry of Dr·A·Dc has magnitude at most 1, every nonempty column's largest exactly 1 and every
-// nonempty row's largest close to 1. Empty rows and columns get the factor 1.
+// Row and column scaling without a matching: iterative max-norm equilibration, after which no
+// entry of Dr·A·Dc exceeds 1 (to rounding) and every nonempty row's and column's largest is
+// within 1% of 1. Empty rows and columns get the factor 1; a symmetric matrix gets Dr = Dc.
+// A magnitude that is not finite: INVALID_VALUE.
 template <class T, class I>
 int equilibrate(const csr_pattern<I> &a, const T *values, double *row_scaling, double *column_scaling)
 {
     using namespace matching_detail;
-    if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)))
+    if (!plausible(a, values) || (a.n > 0 && (row_scaling == nullptr || column_scaling == nullptr)) ||
+        !finite_magnitudes(a, values))
         return ZEL_SPARSE_STATUS_INVALID_VALUE;
-    scratch_array<double> col_max;
-    if (!allocate(col_max, a.n))
+    scratch_array<double> row_max, col_max;
+    if (!allocate(row_max, a.n) || !allocate(col_max, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     std::fill(row_scaling, row_scaling + a.n, 1.0);
     std::fill(column_scaling, column_scaling + a.n, 1.0);
-    for (int sweep = 0; sweep < equilibration_sweeps; ++sweep)
-        if (equilibration_sweep(a, values, row_scaling, column_scaling, col_max.get()))
+    for (int sweep = 0; sweep < equilibration_sweeps; ++sweep) {
+        if (scaled_maxima(a, values, row_scaling, column_scaling, row_max.get(), col_max.get()))
             break;
-    equilibration_finish(a, values, row_scaling, column_scaling, col_max.get());
+        for (I k = 0; k < a.n; ++k) {
+            if (row_max[size_t(k)] > 0)
+                row_scaling[k] /= std::sqrt(row_max[size_t(k)]);
+            if (col_max[size_t(k)] > 0)
+                column_scaling[k] /= std::sqrt(col_max[size_t(k)]);
+        }
+    }
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 

@@ -77,9 +77,7 @@ template <class I> int prepare_links(const symbolic_factor<I> &f, update_links<I
         !allocate(u.of_column, f.n) || !allocate(u.relative, f.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     std::fill(u.head.get(), u.head.get() + f.nsuper, I(-1));
-    for (I s = 0; s < f.nsuper; ++s)
-        for (I j = f.super_ptr[s] - 1; j < f.super_ptr[s + 1] - 1; ++j)
-            u.of_column[j] = s;
+    supernode_of_columns(f, u.of_column.get());
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 

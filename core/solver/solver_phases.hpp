@@ -125,9 +125,14 @@ int solver_impl<T>::unsymmetric_pattern(const csr_pattern<I> &a, const T *values
     const int status = wanted && values ? maximum_product_matching(a, values, found) : structural_matching(a, found);
     if (status != ZEL_SPARSE_STATUS_SUCCESS)
         return pds_status(status);
-    next.structural_rank = statistics.structural_rank = found.rank;
-    if (found.rank < a.n)
+    next.structural_rank = found.rank;
+    if (found.rank < a.n) { // the statistics name the matrix whose rank they give
+        statistics = zel_pds_statistics{};
+        statistics.n = a.n;
+        statistics.structural_rank = found.rank;
+        statistics.failed_column = -1;
         return ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR;
+    }
     if (!wanted)
         return pds_status(pattern_from_csr(a, csr_part::full, pattern));
     if (found.row_scaling && scaling_wanted()) {
@@ -262,8 +267,8 @@ int solver_impl<T>::prepare_scaling(analysis_state<T, I> &state, const T *values
         if ((!state.row_scale && !allocate(state.row_scale, n)) || (!state.col_scale && !allocate(state.col_scale, n)))
             return ZEL_PDS_STATUS_ALLOC_FAILED;
         const csr_pattern<I> kept{n, 0, state.matrix.row_ptr.get(), state.matrix.col_idx.get()};
-        if (equilibrate(kept, state.values.get(), state.row_scale.get(), state.col_scale.get()) != 0)
-            return ZEL_PDS_STATUS_ALLOC_FAILED;
+        if (int status = equilibrate(kept, state.values.get(), state.row_scale.get(), state.col_scale.get()); status != 0)
+            return pds_status(status);
     } else if (!state.scaled_by_analysis) {
         state.row_scale = scratch_array<double>();
         state.col_scale = scratch_array<double>();
@@ -356,8 +361,8 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     if (!allocate_factor(state))
         return ZEL_PDS_STATUS_ALLOC_FAILED;
     keep_values(state, values);
-    if (prepare_scaling(state, values) != ZEL_PDS_STATUS_SUCCESS)
-        return ZEL_PDS_STATUS_ALLOC_FAILED;
+    if (int status = prepare_scaling(state, values); status != ZEL_PDS_STATUS_SUCCESS)
+        return status; // a failed allocation, or values that are not finite
     int64_t failed = -1;
     const int status = factor_values(state, failed);
     statistics.memory_used = state.bytes_held();

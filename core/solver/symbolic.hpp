@@ -390,6 +390,14 @@ template <class I> int tree_and_counts(const sym_pattern<I> &c, I *parent, I *co
 
 } // namespace detail
 
+// of_column[j] = the supernode holding column j (0-based both).
+template <class I> void supernode_of_columns(const symbolic_factor<I> &f, I *of_column)
+{
+    for (I s = 0; s < f.nsuper; ++s)
+        for (I j = f.super_ptr[s] - 1; j < f.super_ptr[s + 1] - 1; ++j)
+            of_column[j] = s;
+}
+
 namespace detail {
 
 // joined[k] = 1 when column k of the factor follows column k − 1 in its group (next: by the

@@ -21,21 +21,7 @@ using namespace zel::test;
 
 namespace {
 
-// The exported routines of each value kind and of each value and index type.
-template <bool Complex> struct kind_routines;
-template <> struct kind_routines<false> {
-    static constexpr auto seq = zel_pds_pds_slv_nrhs_seq_real, par = zel_pds_pds_slv_nrhs_par_real;
-    static constexpr auto refine = zel_pds_iter_ref_real;
-    static constexpr auto residual = zel_pds_pds_compute_residual_iter_ref_real;
-    static constexpr auto measure = zel_pds_pds_compute_scaled_norm_real;
-};
-template <> struct kind_routines<true> {
-    static constexpr auto seq = zel_pds_pds_slv_nrhs_seq_cmplx, par = zel_pds_pds_slv_nrhs_par_cmplx;
-    static constexpr auto refine = zel_pds_iter_ref_cmplx;
-    static constexpr auto residual = zel_pds_pds_compute_residual_iter_ref_cmplx;
-    static constexpr auto measure = zel_pds_pds_compute_scaled_norm_cmplx;
-};
-template <class T> using routines = kind_routines<zel::is_complex_v<T>>;
+// The exported kernels of each value and index type.
 
 template <class T, class I> struct kernels;
 #define ZEL_TEST_KERNELS(P, C, T, W, I, K)                                                                    \

@@ -23,20 +23,6 @@ template <class V, class I> struct types {
     using index = I;
 };
 
-template <bool Complex> struct kind_routines;
-template <> struct kind_routines<false> {
-    static constexpr auto seq = zel_pds_pds_slv_nrhs_seq_real, par = zel_pds_pds_slv_nrhs_par_real;
-    static constexpr auto refine = zel_pds_iter_ref_real;
-    static constexpr auto residual = zel_pds_pds_compute_residual_iter_ref_real;
-    static constexpr auto measure = zel_pds_pds_compute_scaled_norm_real;
-};
-template <> struct kind_routines<true> {
-    static constexpr auto seq = zel_pds_pds_slv_nrhs_seq_cmplx, par = zel_pds_pds_slv_nrhs_par_cmplx;
-    static constexpr auto refine = zel_pds_iter_ref_cmplx;
-    static constexpr auto residual = zel_pds_pds_compute_residual_iter_ref_cmplx;
-    static constexpr auto measure = zel_pds_pds_compute_scaled_norm_cmplx;
-};
-template <class T> using routines = kind_routines<zel::is_complex_v<T>>;
 
 // How a solve reaches the factor: the core's solve phase (zel_pds_kernel_dispatch, which wraps
 // the matching and scaling) or one of the layer's drivers directly.
