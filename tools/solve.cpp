@@ -267,8 +267,7 @@ std::string failure_meaning(const solve_outcome &o, int64_t n)
 {
     const zel_pds_statistics &st = o.statistics;
     const long long column = static_cast<long long>(st.failed_column + 1);
-    // Statistics that do not describe this matrix (a solver that kept none) give no rank.
-    const bool rank_known = st.n == n && st.structural_rank >= 0 && st.structural_rank < n;
+    const bool rank_known = st.structural_rank >= 0 && st.structural_rank < n;
     switch (o.status) {
     case ZEL_PDS_STATUS_STRUCTURALLY_SINGULAR:
         return (rank_known ? "the structural rank is " + std::to_string(st.structural_rank) + " of "
@@ -500,13 +499,18 @@ int run_request(const request &r)
     if (o.status != ZEL_PDS_STATUS_NOT_ACCURATE)
         return exit_ok;
     std::fflush(stdout);
+    const zel_pds_statistics &st = o.statistics;
+    // A last step that still halved the backward error: more steps would likely reach the goal.
+    const int steps = std::min(st.refinement_steps, 10);
+    const bool converging =
+        steps >= 1 && steps < 10 && st.refinement_history[steps] < 0.5 * st.refinement_history[steps - 1];
     std::fprintf(stderr,
                  "%s: %s: the solution did not reach a backward error of %.0e (%s): the best iterate's backward "
-                 "error is %.2e after %d refinement step%s; the matrix may be singular or too ill-conditioned "
-                 "for this factorisation\n",
-                 command_name, s.name.c_str(), ZEL_PDS_ACCURACY_GOAL, zel_pds_status_name(o.status),
-                 o.statistics.backward_error, o.statistics.refinement_steps,
-                 o.statistics.refinement_steps == 1 ? "" : "s");
+                 "error is %.2e after %d refinement step%s; %s\n",
+                 command_name, s.name.c_str(), ZEL_PDS_ACCURACY_GOAL, zel_pds_status_name(o.status), st.backward_error,
+                 st.refinement_steps, st.refinement_steps == 1 ? "" : "s",
+                 converging ? "refinement was still converging (try --refine 10)"
+                            : "the matrix may be singular or too ill-conditioned for this factorisation");
     return exit_failure;
 }
 

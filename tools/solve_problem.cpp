@@ -226,7 +226,7 @@ const char *request_name(type_request request)
     return names[static_cast<int>(request)];
 }
 
-// The automatic choice, as a backslash operator makes it.
+// The automatic choice, from the values alone.
 type_plan automatic_type(const matrix_kind &k, bool complex_values, bool complex)
 {
     type_plan p;
@@ -234,8 +234,10 @@ type_plan automatic_type(const matrix_kind &k, bool complex_values, bool complex
     const std::string with = complex && !complex_values ? "; complex right-hand sides" : "";
     if (complex ? k.hermitian : k.symmetric) {
         const bool definite = k.positive_diagonal;
-        p.type = complex ? (definite ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE)
-                         : (definite ? ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE);
+        if (complex)
+            p.type = definite ? ZEL_PDS_COMPLEX_HERMITIAN_POSITIVE_DEFINITE : ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE;
+        else
+            p.type = definite ? ZEL_PDS_REAL_SYMMETRIC_POSITIVE_DEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE;
         if (definite)
             p.fallback = complex ? ZEL_PDS_COMPLEX_HERMITIAN_INDEFINITE : ZEL_PDS_REAL_SYMMETRIC_INDEFINITE;
         p.why = values + (definite ? std::string(complex_values ? " with a positive real diagonal"

@@ -184,17 +184,11 @@ std::string format(const char *pattern, ...)
 const char *on_off(bool on) { return on ? "on" : "off"; }
 
 // An unsymmetric run that missed the accuracy goal is run again with the other matching choice,
-// and the solve with the smaller backward error is kept. A library that cannot match yet
-// (NOT_SUPPORTED at the analysis) is run without, and that is the only choice.
+// and the solve with the smaller backward error is kept.
 template <class T, class I>
 run_result other_matching(const solver_csr<T, I> &m, int type, const solve_settings &settings, const std::vector<T> &b,
                           int64_t nrhs, run_result first, std::vector<T> &x, solve_outcome &o)
 {
-    if (first.status == ZEL_PDS_STATUS_NOT_SUPPORTED && !solved(first)) {
-        o.matching_notes.push_back("with the matching on, the analysis returned ZEL_PDS_STATUS_NOT_SUPPORTED "
-                                   "(this library cannot match yet): analysed again without it");
-        return run_once(m, type, ZEL_PDS_OFF, settings, b, nrhs, x);
-    }
     if (first.status != ZEL_PDS_STATUS_NOT_ACCURATE)
         return first;
     const bool was_on = first.matching_on;

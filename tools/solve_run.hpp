@@ -1,8 +1,7 @@
 // `zel solve`'s runs of the direct solver through its public interface: the planned matrix type;
 // the indefinite type on a fresh solver when the positive definite one meets a pivot that is not
 // positive; for the unsymmetric types, the other matching choice when a solve misses the accuracy
-// goal (and no matching when this library cannot match); 64-bit indices when the factor outgrows
-// 32-bit ones.
+// goal; 64-bit indices when the factor outgrows 32-bit ones.
 #pragma once
 
 #include <complex>
