@@ -1,6 +1,9 @@
 // The pivoted factorisations (LU of the unsymmetric types, L·D·Lᵀ of the indefinite ones) through
 // the exported interface: each exported factor is applied by an independent long-double solve
 // that follows the documented layout, and the result must solve the permuted matrix.
+#include <functional>
+
+#include "alloc_fault.hpp"
 #include "pds_test_support.hpp"
 
 using namespace pds_test;
@@ -300,8 +303,9 @@ TYPED_TEST(PdsPivoted, FactorsSolveThePermutedMatrix)
                     const auto a = from_dense(n, random_dense<T>(n, 4.0 / double(n), 1.0, sym, rng));
                     const zel_pds_statistics st = factor_and_check<M>(a, type, pivoted_options<M>(pivoting, ordering), limit);
                     EXPECT_EQ(st.replaced_pivots, 0);
-                    if (type == -2 || type == -4)
+                    if (type == -2 || type == -4) {
                         EXPECT_EQ(st.positive_pivots + st.negative_pivots + st.zero_pivots, n);
+                    }
                 }
 }
 
@@ -322,10 +326,12 @@ TYPED_TEST(PdsPivoted, EmptyDiagonalNeedsInterchangesAndTwoByTwoPivots)
         const zel_pds_statistics st = factor_and_check<M>(from_dense(n, d), type, o, 2e4 * eps<T>);
         EXPECT_EQ(st.supernodes, 1);
         EXPECT_EQ(st.replaced_pivots, 0);
-        if (sym != symmetry::none)
+        if (sym != symmetry::none) {
             EXPECT_GT(st.two_by_two_pivots, 0);
-        if (type == -2 || type == -4) // a zero diagonal pairs each 2×2 block into one of each sign
+        }
+        if (type == -2 || type == -4) { // a zero diagonal pairs each 2×2 block into one of each sign
             EXPECT_EQ(st.positive_pivots, st.negative_pivots);
+        }
     }
 }
 
@@ -480,14 +486,83 @@ TYPED_TEST(PdsPivoted, ZeroPivotsAreReplacedOrRefused)
             if (threshold == 0.0) {
                 EXPECT_EQ(status, ok);
                 EXPECT_EQ(st.replaced_pivots, 1);
-                if (type == -2 || type == -4)
+                if (type == -2 || type == -4) {
                     EXPECT_EQ(st.zero_pivots, 1);
+                }
             } else {
                 EXPECT_EQ(status, ZEL_PDS_STATUS_SINGULAR);
                 EXPECT_EQ(st.failed_column, 1);
             }
         }
     }
+}
+
+// Every allocation of analyse (matching, grouping, scaling), factorise and solve fails in turn:
+// the phase that made it says ALLOC_FAILED, x is untouched or solved, the same call then succeeds
+// and solves to the accuracy goal, and nothing stays allocated.
+TYPED_TEST(PdsPivoted, EveryFailedAllocationIsReportedAndRecovered)
+{
+    using M = TypeParam;
+    using T = typename M::T;
+    std::mt19937_64 rng(29);
+    for (const auto &[type, sym] : pivoted_types<M>())
+        for (int pivoting : {ZEL_PDS_PIVOTING_BUNCH_KAUFMAN, ZEL_PDS_PIVOTING_DIAGONAL}) {
+            if (pivoting == ZEL_PDS_PIVOTING_DIAGONAL && sym == symmetry::none)
+                continue;
+            SCOPED_TRACE("type " + std::to_string(type) + " pivoting " + std::to_string(pivoting));
+            const int64_t n = 24;
+            auto d = random_dense<T>(n, 5.0 / double(n), 1.0, sym, rng);
+            for (int64_t i = 0; i < n && type != 1 && type != 3; i += 5) // weak where matching is on
+                d[size_t(i * n + i)] = T(0);
+            const auto a = from_dense(n, d);
+            caller_matrix<M> c(a);
+            std::vector<T> b(static_cast<size_t>(n));
+            for (auto &v : b)
+                v = random_value<T>(rng);
+            zel_pds_options o = options_with(ZEL_PDS_ORDERING_AUTOMATIC);
+            o.pivoting = pivoting;
+            int failed_phase = -1;
+            std::vector<T> x;
+            // The phases in order; a failed one is checked, then called again.
+            const auto body = [&] {
+                solver_holder h;
+                failed_phase = -1;
+                x.assign(size_t(n), sentinel<T>());
+                const std::vector<T> unwritten = x;
+                const std::function<int()> phases[] = {
+                    [&] { return M::A::create(&h.s, type); },
+                    [&] { return zel_pds_set_options(h.s, &o); },
+                    [&] {
+                        return typed_api<M>::analyse_values(h.s, typename M::I(n), c.ptr.data(), c.idx.data(),
+                                                            c_ptr(c.val.data()), 0, ZEL_PDS_STORAGE_FULL);
+                    },
+                    [&] { return M::A::factorise(h.s, c_ptr(c.val.data())); },
+                    [&] { return M::A::solve(h.s, 1, c_ptr(b.data()), n, c_ptr(x.data()), n); }};
+                for (int p = 0; p < 5; ++p) {
+                    int status = phases[p]();
+                    if (status == alloc_failed && failed_phase < 0) {
+                        failed_phase = p;
+                        if (p == 4 && x != unwritten) {
+                            EXPECT_LE(double(op_backward_error(a, ZEL_PDS_SOLVE_N, x, b)), 1e-3);
+                        }
+                        status = phases[p]();
+                    }
+                    if (status != ok)
+                        return status;
+                }
+                return ok;
+            };
+            const int64_t total = zel::test::for_each_failing_allocation(
+                body, [&](int64_t k, int status, const zel::test::allocator_probe &probe) {
+                    SCOPED_TRACE("allocation " + std::to_string(k));
+                    EXPECT_EQ(status, ok);
+                    EXPECT_GE(failed_phase, 0) << "a failed allocation went unreported";
+                    EXPECT_EQ(probe.failures(), 1);
+                    EXPECT_EQ(probe.live(), 0) << "blocks left allocated";
+                    EXPECT_LE(double(op_backward_error(a, ZEL_PDS_SOLVE_N, x, b)), 64 * eps<T>);
+                });
+            EXPECT_GT(total, 10);
+        }
 }
 
 } // namespace
