@@ -35,6 +35,8 @@ private:
                             sym_pattern<I> &pattern);
     template <class I> int map_entries(analysis_state<T, I> &next);
     template <class I> int factorise_at(analysis_state<T, I> &state, const T *values);
+    template <class I> int factorise_unmatched(analysis_state<T, I> &state, const T *values);
+    template <class I> int factorise_state(analysis_state<T, I> &state, const T *values);
     template <class I> void keep_values(analysis_state<T, I> &state, const T *values) const;
     template <class I> int prepare_scaling(analysis_state<T, I> &state, const T *values);
     bool scaling_wanted() const
@@ -378,13 +380,59 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
     return ZEL_PDS_STATUS_SUCCESS;
 }
 
+// A matching can leave pivots that elimination inside the supernodes cancels to zero where the
+// unmatched matrix factors cleanly (nnc1374 replaces 15 with it, none without). So when the
+// automatic matching made a factor with replaced pivots, the matrix is analysed and factored again
+// without it, and the factor that replaced fewer pivots is kept. A failed allocation fails the phase.
+template <class T>
+template <class I>
+int solver_impl<T>::factorise_unmatched(analysis_state<T, I> &state, const T *values)
+{
+    const double start = zel_serv_dsecnd();
+    const zel_pds_statistics matched = statistics;
+    const kept_matrix<I> &m = state.matrix;
+    const csr_pattern<I> kept{m.n, 0, m.row_ptr.get(), m.col_idx.get()};
+    analysis_state<T, I> other;
+    options.matching = ZEL_PDS_OFF;
+    int status = analysis_into(kept, csr_part::full, state.values.get(), other);
+    options.matching = ZEL_PDS_AUTOMATIC;
+    if (status == ZEL_PDS_STATUS_SUCCESS) { // the caller's positions of the kept entries
+        std::copy(m.source.get(), m.source.get() + m.entries(), other.matrix.source.get());
+        other.matrix.caller_entries = m.caller_entries;
+        other.base = state.base;
+        status = factorise_at(other, values);
+    }
+    const bool better = status == ZEL_PDS_STATUS_SUCCESS && statistics.replaced_pivots < matched.replaced_pivots;
+    if (status == ZEL_PDS_STATUS_ALLOC_FAILED)
+        state.factored = false;
+    if (better)
+        state = std::move(other);
+    else
+        statistics = matched;
+    statistics.analyse_seconds = matched.analyse_seconds;
+    statistics.factorise_seconds = matched.factorise_seconds + (zel_serv_dsecnd() - start);
+    statistics.memory_used = state.bytes_held();
+    return status == ZEL_PDS_STATUS_ALLOC_FAILED ? status : ZEL_PDS_STATUS_SUCCESS;
+}
+
+template <class T>
+template <class I>
+int solver_impl<T>::factorise_state(analysis_state<T, I> &state, const T *values)
+{
+    const int status = factorise_at(state, values);
+    const bool retry = unsymmetric_type(matrix_type) && options.matching == ZEL_PDS_AUTOMATIC && state.matching;
+    return status == ZEL_PDS_STATUS_SUCCESS && retry && statistics.replaced_pivots > 0
+               ? factorise_unmatched(state, values)
+               : status;
+}
+
 template <class T> int solver_impl<T>::factorise(const void *values)
 {
     const T *v = static_cast<const T *>(values);
     if (index_width == 4)
-        return factorise_at(narrow_, v);
+        return factorise_state(narrow_, v);
     if (index_width == 8)
-        return factorise_at(wide_, v);
+        return factorise_state(wide_, v);
     return ZEL_PDS_STATUS_WRONG_PHASE;
 }
 
