@@ -35,8 +35,9 @@ const suite_info suites[] = {
      "unsymmetric ones (LU) against UMFPACK, SuperLU and MUMPS; symmetric indefinite ones (L·D·Lᵀ)\n"
      "against MUMPS. The test matrices come from ZEL_TEST_MATRICES (by default the folder configured\n"
      "at build time) and get 10x the rounds. ZEL_BENCH_GRID=K (2 to 400, default 100) sizes the\n"
-     "generated LU and L·D·Lᵀ problems: K^3, (10K)^2 and (5K)^2 grids; at 100 the 3-D LU takes\n"
-     "minutes and several GiB per solver, and runs one round.\n",
+     "generated LU and L·D·Lᵀ problems: K^3, (10K)^2 and (5K)^2 grids; at 100 the 3-D LU runs one\n"
+     "round and takes zel about 13 GiB, its peers more (K = 70 fits them on 24 GiB). Each peer may use\n"
+     "85% of the memory free when it starts and ZEL_BENCH_PEER_MINUTES (default 30) of processor time.\n",
      0,
      3,
      {{"laplace3d", "7-point Laplacian on a 60^3 grid"},
