@@ -70,6 +70,7 @@ template <class T, class I> struct analysis_state {
     scratch_array<I> matching, matched_row;
     scratch_array<double> row_scale, col_scale;
     bool scaled_by_analysis = false; // the matching's duals, kept for every factorise
+    bool unmatched_lost = false;     // factoring without the matching was tried and did worse
     scratch_array<real_t<T>> scaling;
 
     int64_t bytes_held() const;

@@ -383,7 +383,8 @@ int solver_impl<T>::factorise_at(analysis_state<T, I> &state, const T *values)
 // A matching can leave pivots that elimination inside the supernodes cancels to zero where the
 // unmatched matrix factors cleanly (nnc1374 replaces 15 with it, none without). So when the
 // automatic matching made a factor with replaced pivots, the matrix is analysed and factored again
-// without it, and the factor that replaced fewer pivots is kept. A failed allocation fails the phase.
+// without it, and the factor that replaced fewer pivots is kept; once the matched one has won, later
+// factorises on the analysis keep it without trying. A failed allocation fails the phase.
 template <class T>
 template <class I>
 int solver_impl<T>::factorise_unmatched(analysis_state<T, I> &state, const T *values)
@@ -405,10 +406,12 @@ int solver_impl<T>::factorise_unmatched(analysis_state<T, I> &state, const T *va
     const bool better = status == ZEL_PDS_STATUS_SUCCESS && statistics.replaced_pivots < matched.replaced_pivots;
     if (status == ZEL_PDS_STATUS_ALLOC_FAILED)
         state.factored = false;
-    if (better)
+    if (better) {
         state = std::move(other);
-    else
+    } else {
         statistics = matched;
+        state.unmatched_lost = status == ZEL_PDS_STATUS_SUCCESS;
+    }
     statistics.analyse_seconds = matched.analyse_seconds;
     statistics.factorise_seconds = matched.factorise_seconds + (zel_serv_dsecnd() - start);
     statistics.memory_used = state.bytes_held();
@@ -420,7 +423,8 @@ template <class I>
 int solver_impl<T>::factorise_state(analysis_state<T, I> &state, const T *values)
 {
     const int status = factorise_at(state, values);
-    const bool retry = unsymmetric_type(matrix_type) && options.matching == ZEL_PDS_AUTOMATIC && state.matching;
+    const bool retry = unsymmetric_type(matrix_type) && options.matching == ZEL_PDS_AUTOMATIC && state.matching &&
+                       !state.unmatched_lost;
     return status == ZEL_PDS_STATUS_SUCCESS && retry && statistics.replaced_pivots > 0
                ? factorise_unmatched(state, values)
                : status;
