@@ -1,13 +1,467 @@
-// Small-matrix kernels for AVX2 with FMA.
+// Small-matrix kernels for AVX2 with FMA, with the real double orders up to 8 held in registers
+// and the larger ones on zero-padded copies of whole vectors.
+#include <immintrin.h>
+
 #define ZEL_SMALL_ISA avx2
 namespace zel::dense::avx2 {
 constexpr bool fixed_orders = true;
 }
 #include "small_impl.hpp"
 
+namespace zel::dense::avx2 {
+namespace {
+
+// Four doubles; without mask registers, lane selections are blends with all-ones lanes.
+struct y4 {
+    static __m256d iota(int r) { return _mm256_setr_pd(4.0 * r, 4.0 * r + 1, 4.0 * r + 2, 4.0 * r + 3); }
+    // Lanes of rows in [first, last) of vector r.
+    static __m256d rows(int first, int last, int r)
+    {
+        const __m256d i = iota(r);
+        return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(first), _CMP_GE_OQ),
+                             _mm256_cmp_pd(i, _mm256_set1_pd(last), _CMP_LT_OQ));
+    }
+    static __m256d lane_of(int row, int r) { return rows(row, row + 1, r); }
+    static __m256i bits(__m256d m) { return _mm256_castpd_si256(m); }
+    static __m256d abs(__m256d v) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), v); }
+    // Element i of the column held in v[0..R), in every lane.
+    template <int R> static __m256d element(const __m256d *v, int i)
+    {
+        const int pair = 2 * (i & 3);
+        const __m256i idx = _mm256_set1_epi64x((static_cast<int64_t>(pair + 1) << 32) | pair);
+        __m256d src = v[0];
+        if constexpr (R == 2)
+            src = _mm256_blendv_pd(v[0], v[1], _mm256_castsi256_pd(_mm256_set1_epi64x(i >= 4 ? -1 : 0)));
+        return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(src), idx));
+    }
+    static __m256d all_max(__m256d v)
+    {
+        v = _mm256_max_pd(v, _mm256_permute2f128_pd(v, v, 0x01));
+        return _mm256_max_pd(v, _mm256_permute_pd(v, 0x5));
+    }
+    template <int N> static void load(const double *p, __m256d *v)
+    {
+        constexpr int R = (N + 3) / 4;
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            v[r] = 4 * (r + 1) <= N ? _mm256_loadu_pd(p + 4 * r) : _mm256_maskload_pd(p + 4 * r, bits(rows(0, N, r)));
+    }
+    // Stores rows [first, N) of the column.
+    template <int N> static void store(double *p, const __m256d *v, int first)
+    {
+        constexpr int R = (N + 3) / 4;
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            if (first <= 4 * r && 4 * (r + 1) <= N)
+                _mm256_storeu_pd(p + 4 * r, v[r]);
+            else if (first < 4 * (r + 1))
+                _mm256_maskstore_pd(p + 4 * r, bits(rows(first, N, r)), v[r]);
+        }
+    }
+};
+
+// LU with partial pivoting of an N x N double matrix (N <= 8), a column in R = 1 or 2
+// registers. Rows are never moved while eliminating: a mask marks the rows not yet chosen as
+// pivots, and one permutation at the end puts the rows in LAPACK's order. The pivot is the
+// first largest |a(i,k)| in the order the interchanges would have left, as LAPACK picks it.
+// The row bookkeeping lives in two words of 4-bit fields, off the vector chain; the multipliers
+// are scaled by 1/|pivot| and take the pivot's sign after (exact), so the division overlaps
+// the pivot's extraction.
+template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int R = (N + 3) / 4;
+    const __m256i iota[2] = {_mm256_setr_epi64x(0, 1, 2, 3), _mm256_setr_epi64x(4, 5, 6, 7)};
+    __m256d col[N][R], open[R];
+    uint64_t order = 0x76543210, where = 0x76543210; // field i: row at position i; position of row i
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        y4::load<N>(a + j * lda, col[j]);
+#pragma GCC unroll 2
+    for (int r = 0; r < R; ++r)
+        open[r] = y4::rows(0, N, r);
+    unsigned open_bits = (1u << N) - 1;
+    auto field = [](uint64_t word, int i) { return static_cast<int>(word >> (4 * i) & 15); };
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        __m256d size[R], largest = _mm256_setzero_pd();
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            size[r] = _mm256_and_pd(y4::abs(col[k][r]), open[r]);
+            largest = _mm256_max_pd(largest, size[r]);
+        }
+        largest = y4::all_max(largest);
+        const __m256d zero = _mm256_cmp_pd(largest, _mm256_setzero_pd(), _CMP_EQ_OQ);
+        const __m256d scale = _mm256_blendv_pd(_mm256_div_pd(_mm256_set1_pd(1.0), largest), _mm256_set1_pd(1.0), zero);
+        unsigned hits = 0;
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            hits |= static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ))) << (4 * r);
+        hits &= open_bits;
+        int p = field(order, k); // a NaN column keeps the row in place, as a scan would
+        if (hits != 0)
+            p = __builtin_ctz(hits);
+        if ((hits & (hits - 1)) != 0) [[unlikely]] // a tie: the first in the interchanged order wins
+            for (int i = N - 1; i >= k; --i)
+                if (hits >> field(order, i) & 1)
+                    p = field(order, i);
+        const int q = field(where, p), held = field(order, k);
+        ipiv[k] = q + 1;
+        order = (order & ~(uint64_t(15) << (4 * q))) | uint64_t(held) << (4 * q);
+        order = (order & ~(uint64_t(15) << (4 * k))) | uint64_t(p) << (4 * k);
+        where = (where & ~(uint64_t(15) << (4 * held))) | uint64_t(q) << (4 * held);
+        where = (where & ~(uint64_t(15) << (4 * p))) | uint64_t(k) << (4 * p);
+        open_bits &= ~(1u << p);
+        const __m256d pivot = y4::element<R>(col[k], p);
+        if (_mm256_cvtsd_f64(pivot) == 0.0 && *info == 0)
+            *info = k + 1;
+        const __m256d sign = _mm256_and_pd(pivot, _mm256_set1_pd(-0.0));
+        const __m256i pv = _mm256_set1_epi64x(p);
+        __m256d l[R];
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            open[r] = _mm256_andnot_pd(_mm256_castsi256_pd(_mm256_cmpeq_epi64(iota[r], pv)), open[r]);
+            l[r] = _mm256_and_pd(_mm256_xor_pd(_mm256_mul_pd(col[k][r], scale), sign), open[r]);
+            col[k][r] = _mm256_blendv_pd(col[k][r], l[r], open[r]);
+        }
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            const __m256d u = y4::element<R>(col[j], p);
+#pragma GCC unroll 2
+            for (int r = 0; r < R; ++r)
+                col[j][r] = _mm256_fnmadd_pd(l[r], u, col[j][r]);
+        }
+    }
+    // Row i of the result is row order[i] of the registers.
+    const __m256i from_all = _mm256_set1_epi64x(static_cast<int64_t>(order));
+#pragma GCC unroll 2
+    for (int r = 0; r < R; ++r) {
+        const __m256i from = _mm256_and_si256(_mm256_srlv_epi64(from_all, _mm256_slli_epi64(iota[r], 2)), _mm256_set1_epi64x(15));
+        const __m256i pair = _mm256_slli_epi64(_mm256_and_si256(from, _mm256_set1_epi64x(3)), 1);
+        const __m256i idx = _mm256_or_si256(pair, _mm256_slli_epi64(_mm256_add_epi64(pair, _mm256_set1_epi64x(1)), 32));
+        const __m256d hi = _mm256_castsi256_pd(_mm256_cmpgt_epi64(from, _mm256_set1_epi64x(3)));
+        __m256d out[N];
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            out[j] = _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][0]), idx));
+            if constexpr (R == 2)
+                out[j] = _mm256_blendv_pd(out[j], _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][1]), idx)), hi);
+        }
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            if (4 * (r + 1) <= N)
+                _mm256_storeu_pd(a + j * lda + 4 * r, out[j]);
+            else
+                _mm256_maskstore_pd(a + j * lda + 4 * r, y4::bits(y4::rows(0, N, r)), out[j]);
+        }
+    }
+}
+
+// Cholesky A = L*L^T of an N x N double matrix (N <= 8), right-looking with a column in R
+// registers. On a non-positive pivot only the finished columns and that pivot are written back,
+// as the unblocked LAPACK routine leaves them.
+template <int N> void potrf_lower_d_registers(double *a, int64_t lda, int64_t *info)
+{
+    constexpr int R = (N + 3) / 4;
+    __m256d col[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        y4::load<N>(a + j * lda, col[j]);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const __m256d dv = y4::element<R>(col[k], k);
+        const double d = _mm256_cvtsd_f64(dv);
+        if (!(d > 0.0)) {
+            for (int j = 0; j < k; ++j)
+                y4::store<N>(a + j * lda, col[j], j);
+            a[k + k * lda] = d;
+            *info = k + 1;
+            return;
+        }
+        const __m256d root = _mm256_sqrt_pd(dv);
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            col[k][r] = _mm256_blendv_pd(_mm256_div_pd(col[k][r], root), root, y4::lane_of(k, r));
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            const __m256d u = y4::element<R>(col[k], j);
+#pragma GCC unroll 2
+            for (int r = 0; r < R; ++r)
+                col[j][r] = _mm256_fnmadd_pd(col[k][r], u, col[j][r]);
+        }
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        y4::store<N>(a + j * lda, col[j], j);
+}
+
+// The inverse U^-1 * L^-1 * P^T of an N x N double LU factor (N <= 8), a column of the result
+// in R registers; the column interchanges become the store addresses.
+template <int N> void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    constexpr int R = (N + 3) / 4;
+    __m256d x[N][R];
+    double d[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) {
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            x[j][r] = _mm256_and_pd(y4::lane_of(j, r), _mm256_set1_pd(1.0));
+        d[j] = 1.0 / a[j + j * lda];
+    }
+#pragma GCC unroll 8
+    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
+        __m256d l[R];
+        y4::load<N>(a + k * lda, l);
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            l[r] = _mm256_and_pd(l[r], y4::rows(k + 1, N, r));
+#pragma GCC unroll 8
+        for (int j = 0; j <= k; ++j) {
+            const __m256d b = y4::element<R>(x[j], k);
+#pragma GCC unroll 2
+            for (int r = 0; r < R; ++r)
+                x[j][r] = _mm256_fnmadd_pd(l[r], b, x[j][r]);
+        }
+    }
+#pragma GCC unroll 8
+    for (int k = N - 1; k >= 0; --k) { // U^-1
+        __m256d u[R], s[R];
+        y4::load<N>(a + k * lda, u);
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r) {
+            u[r] = _mm256_and_pd(u[r], y4::rows(0, k, r));
+            s[r] = _mm256_blendv_pd(_mm256_set1_pd(1.0), _mm256_set1_pd(d[k]), y4::lane_of(k, r));
+        }
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+#pragma GCC unroll 2
+            for (int r = 0; r < R; ++r)
+                x[j][r] = _mm256_mul_pd(x[j][r], s[r]);
+            if (k > 0) {
+                const __m256d b = y4::element<R>(x[j], k);
+#pragma GCC unroll 2
+                for (int r = 0; r < R; ++r)
+                    x[j][r] = _mm256_fnmadd_pd(u[r], b, x[j][r]);
+            }
+        }
+    }
+    int at[N]; // at[c]: the register that ends in column c
+    for (int c = 0; c < N; ++c)
+        at[c] = c;
+    for (int k = N - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    int to[N];
+    for (int c = 0; c < N; ++c)
+        to[at[c]] = c;
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        y4::store<N>(inv + to[j] * ldinv, x[j], 0);
+}
+
+// Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
+void copy_padded(int64_t n, const double *a, int64_t lda, double *work, int64_t ld)
+{
+    for (int64_t j = 0; j < n; ++j) {
+        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, 0.0);
+    }
+}
+
+// Largest order of the padded-copy kernels; their copy lives on the stack.
+constexpr int64_t column_limit = 64;
+
+// target_j -= l * u_j over C vectors from row 4*v for the columns j in [from, to), u_j the
+// factor's row k (LU) or, for Cholesky, l's own row j: the multipliers stay in registers while
+// the columns stream past.
+template <int C, bool Cholesky>
+void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t v, int64_t from, int64_t to)
+{
+    for (int64_t j = from; j < to; ++j) {
+        double *target = work + j * ld + 4 * v;
+        const __m256d u = _mm256_broadcast_sd(Cholesky ? work + k * ld + j : work + j * ld + k);
+#pragma GCC unroll 4
+        for (int c = 0; c < C; ++c)
+            _mm256_store_pd(target + 4 * c, _mm256_fnmadd_pd(l[c], u, _mm256_load_pd(target + 4 * c)));
+    }
+}
+
+// The update of every strip of four vectors from vector first; the first vector's multipliers
+// (lanes above the pivot zeroed) come in lead, the rest from the column. last_row(v_end) bounds
+// the columns a strip ending at vector v_end must reach (n for LU, the strip's end for
+// Cholesky, whose columns need only their rows from the diagonal down).
+template <bool Cholesky, class LastColumn>
+void update_strips(double *work, int64_t ld, int64_t n, int64_t k, int64_t first, __m256d lead, LastColumn last_column)
+{
+    const double *col = work + k * ld;
+    const int64_t vectors = ld / 4;
+    for (int64_t v = first; v < vectors; v += 4) {
+        const int64_t count = std::min<int64_t>(4, vectors - v);
+        __m256d l[4];
+        for (int c = 0; c < 4; ++c)
+            l[c] = c < count ? _mm256_load_pd(col + 4 * (v + c)) : _mm256_setzero_pd();
+        if (v == first)
+            l[0] = lead;
+        const int64_t to = std::min<int64_t>(n, last_column(v + count));
+        switch (count) {
+        case 1: update_strip<1, Cholesky>(l, work, ld, k, v, k + 1, to); break;
+        case 2: update_strip<2, Cholesky>(l, work, ld, k, v, k + 1, to); break;
+        case 3: update_strip<3, Cholesky>(l, work, ld, k, v, k + 1, to); break;
+        default: update_strip<4, Cholesky>(l, work, ld, k, v, k + 1, to); break;
+        }
+    }
+}
+
+// Position of the first largest |col[i]|, k <= i < n, in a padded column (zeros beyond n); k
+// when none compares equal (NaN).
+int64_t first_largest(const double *col, int64_t ld, int64_t k)
+{
+    const int64_t first = k / 4;
+    const __m256d below_k = y4::rows(0, static_cast<int>(k - 4 * first), 0); // rows above k: out of the race
+    const __m256d out = _mm256_set1_pd(-1.0);
+    __m256d largest = _mm256_blendv_pd(y4::abs(_mm256_load_pd(col + 4 * first)), out, below_k);
+    for (int64_t v = first + 1; v < ld / 4; ++v)
+        largest = _mm256_max_pd(largest, y4::abs(_mm256_load_pd(col + 4 * v)));
+    largest = y4::all_max(largest);
+    for (int64_t v = first; v < ld / 4; ++v) {
+        __m256d size = y4::abs(_mm256_load_pd(col + 4 * v));
+        if (v == first)
+            size = _mm256_blendv_pd(size, out, below_k);
+        if (const int hits = _mm256_movemask_pd(_mm256_cmp_pd(size, largest, _CMP_EQ_OQ)))
+            return 4 * v + __builtin_ctz(static_cast<unsigned>(hits));
+    }
+    return k;
+}
+
+// Real double LU with partial pivoting for 8 < n <= column_limit, right-looking on a copy with
+// zero-padded columns of whole aligned vectors; each update skips the vectors above the pivot.
+void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    const int64_t ld = (n + 3) & ~int64_t(3);
+    alignas(32) double work[column_limit * column_limit];
+    copy_padded(n, a, lda, work, ld);
+    for (int64_t k = 0; k < n; ++k) {
+        double *col = work + k * ld;
+        const int64_t p = first_largest(col, ld, k);
+        ipiv[k] = p + 1;
+        if (p != k)
+            for (int64_t j = 0; j < n; ++j)
+                std::swap(work[k + j * ld], work[p + j * ld]);
+        const double pivot = col[k];
+        if (pivot == 0.0 && *info == 0)
+            *info = k + 1;
+        const __m256d scale = _mm256_set1_pd(pivot != 0.0 ? 1.0 / pivot : 1.0);
+        const int64_t first = (k + 1) / 4;
+        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
+        for (int64_t v = first; v < ld / 4; ++v) {
+            const __m256d c = _mm256_load_pd(col + 4 * v);
+            _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
+        }
+        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
+        update_strips<false>(work, ld, n, k, first, lead, [n](int64_t) { return n; });
+    }
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+}
+
+// Cholesky A = L*L^T for 8 < n <= column_limit, right-looking on a padded copy; only the lower
+// triangle goes back, and on a non-positive pivot only the finished columns and that pivot.
+void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
+{
+    const int64_t ld = (n + 3) & ~int64_t(3);
+    alignas(32) double work[column_limit * column_limit];
+    copy_padded(n, a, lda, work, ld);
+    int64_t done = n;
+    for (int64_t k = 0; k < n; ++k) {
+        double *col = work + k * ld;
+        const double d = col[k];
+        if (!(d > 0.0)) {
+            done = k;
+            break;
+        }
+        const double root = std::sqrt(d);
+        const __m256d scale = _mm256_set1_pd(1.0 / root);
+        const int64_t first = (k + 1) / 4;
+        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
+        for (int64_t v = first; v < ld / 4; ++v) {
+            const __m256d c = _mm256_load_pd(col + 4 * v);
+            _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
+        }
+        col[k] = root;
+        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
+        update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; });
+    }
+    for (int64_t j = 0; j < done; ++j)
+        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+    if (done < n) {
+        a[done + done * lda] = work[done + done * ld];
+        *info = done + 1;
+    }
+}
+
+void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    switch (n) {
+    case 1: return getrf_d_registers<1>(a, lda, ipiv, info);
+    case 2: return getrf_d_registers<2>(a, lda, ipiv, info);
+    case 3: return getrf_d_registers<3>(a, lda, ipiv, info);
+    case 4: return getrf_d_registers<4>(a, lda, ipiv, info);
+    case 5: return getrf_d_registers<5>(a, lda, ipiv, info);
+    case 6: return getrf_d_registers<6>(a, lda, ipiv, info);
+    case 7: return getrf_d_registers<7>(a, lda, ipiv, info);
+    case 8: return getrf_d_registers<8>(a, lda, ipiv, info);
+    default: break;
+    }
+    if (n <= column_limit)
+        return getrf_d_columns(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
+{
+    switch (n) {
+    case 1: return potrf_lower_d_registers<1>(a, lda, info);
+    case 2: return potrf_lower_d_registers<2>(a, lda, info);
+    case 3: return potrf_lower_d_registers<3>(a, lda, info);
+    case 4: return potrf_lower_d_registers<4>(a, lda, info);
+    case 5: return potrf_lower_d_registers<5>(a, lda, info);
+    case 6: return potrf_lower_d_registers<6>(a, lda, info);
+    case 7: return potrf_lower_d_registers<7>(a, lda, info);
+    case 8: return potrf_lower_d_registers<8>(a, lda, info);
+    default: break;
+    }
+    if (n <= column_limit)
+        return potrf_lower_d_columns(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    switch (n) {
+    case 1: return inverse_d_registers<1>(a, lda, ipiv, inv, ldinv);
+    case 2: return inverse_d_registers<2>(a, lda, ipiv, inv, ldinv);
+    case 3: return inverse_d_registers<3>(a, lda, ipiv, inv, ldinv);
+    case 4: return inverse_d_registers<4>(a, lda, ipiv, inv, ldinv);
+    case 5: return inverse_d_registers<5>(a, lda, ipiv, inv, ldinv);
+    case 6: return inverse_d_registers<6>(a, lda, ipiv, inv, ldinv);
+    case 7: return inverse_d_registers<7>(a, lda, ipiv, inv, ldinv);
+    case 8: return inverse_d_registers<8>(a, lda, ipiv, inv, ldinv);
+    default: break;
+    }
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
+{
+    return {getrf_d, potrf_lower_d, potrf_upper_loop<double>, getrs_loop<double>, inverse_d,
+            getrf_limit, potrf_limit, inverse_limit};
+}
+
+} // namespace
+} // namespace zel::dense::avx2
+
 namespace zel::dense {
 
-const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::table<double>(32, 16, 32),
+const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 64, 32),
                                   avx2::table<std::complex<float>>(32, 16, 32), avx2::table<std::complex<double>>(32, 16, 32)};
 
 } // namespace zel::dense
