@@ -34,6 +34,15 @@ struct y4 {
             src = _mm256_blendv_pd(v[0], v[1], _mm256_castsi256_pd(_mm256_set1_epi64x(i >= 4 ? -1 : 0)));
         return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(src), idx));
     }
+    // The one lane of the column that pick selects, in every lane (bits copied, by or).
+    template <int R> static __m256d picked(const __m256d *v, const __m256d *pick)
+    {
+        __m256d s = _mm256_and_pd(v[0], pick[0]);
+        if constexpr (R == 2)
+            s = _mm256_or_pd(s, _mm256_and_pd(v[1], pick[1]));
+        s = _mm256_or_pd(s, _mm256_permute2f128_pd(s, s, 0x01));
+        return _mm256_or_pd(s, _mm256_permute_pd(s, 0x5));
+    }
     static __m256d all_max(__m256d v)
     {
         v = _mm256_max_pd(v, _mm256_permute2f128_pd(v, v, 0x01));
@@ -79,7 +88,6 @@ template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, i
 #pragma GCC unroll 2
     for (int r = 0; r < R; ++r)
         open[r] = y4::rows(0, N, r);
-    unsigned open_bits = (1u << N) - 1;
     auto field = [](uint64_t word, int i) { return static_cast<int>(word >> (4 * i) & 15); };
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
@@ -92,40 +100,46 @@ template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, i
         largest = y4::all_max(largest);
         const __m256d zero = _mm256_cmp_pd(largest, _mm256_setzero_pd(), _CMP_EQ_OQ);
         const __m256d scale = _mm256_blendv_pd(_mm256_div_pd(_mm256_set1_pd(1.0), largest), _mm256_set1_pd(1.0), zero);
+        // The pivot's lane as a mask, straight from the comparison when one row holds the
+        // largest: the update never waits for the row number to go through a general register.
+        __m256d pick[R];
         unsigned hits = 0;
 #pragma GCC unroll 2
-        for (int r = 0; r < R; ++r)
-            hits |= static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ))) << (4 * r);
-        hits &= open_bits;
-        int p = field(order, k); // a NaN column keeps the row in place, as a scan would
-        if (hits != 0)
-            p = __builtin_ctz(hits);
-        if ((hits & (hits - 1)) != 0) [[unlikely]] // a tie: the first in the interchanged order wins
+        for (int r = 0; r < R; ++r) {
+            pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), open[r]);
+            hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
+        }
+        int p = __builtin_ctz(hits | (1u << 8));
+        if ((hits & (hits - 1)) != 0 || hits == 0) [[unlikely]] {
+            // A tie: the first in the interchanged order wins. None (NaN): the row in place, as a scan.
+            p = field(order, k);
             for (int i = N - 1; i >= k; --i)
                 if (hits >> field(order, i) & 1)
                     p = field(order, i);
+#pragma GCC unroll 2
+            for (int r = 0; r < R; ++r)
+                pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(iota[r], _mm256_set1_epi64x(p)));
+        }
         const int q = field(where, p), held = field(order, k);
         ipiv[k] = q + 1;
         order = (order & ~(uint64_t(15) << (4 * q))) | uint64_t(held) << (4 * q);
         order = (order & ~(uint64_t(15) << (4 * k))) | uint64_t(p) << (4 * k);
         where = (where & ~(uint64_t(15) << (4 * held))) | uint64_t(q) << (4 * held);
         where = (where & ~(uint64_t(15) << (4 * p))) | uint64_t(k) << (4 * p);
-        open_bits &= ~(1u << p);
-        const __m256d pivot = y4::element<R>(col[k], p);
+        const __m256d pivot = y4::picked<R>(col[k], pick);
         if (_mm256_cvtsd_f64(pivot) == 0.0 && *info == 0)
             *info = k + 1;
         const __m256d sign = _mm256_and_pd(pivot, _mm256_set1_pd(-0.0));
-        const __m256i pv = _mm256_set1_epi64x(p);
         __m256d l[R];
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
-            open[r] = _mm256_andnot_pd(_mm256_castsi256_pd(_mm256_cmpeq_epi64(iota[r], pv)), open[r]);
+            open[r] = _mm256_andnot_pd(pick[r], open[r]);
             l[r] = _mm256_and_pd(_mm256_xor_pd(_mm256_mul_pd(col[k][r], scale), sign), open[r]);
             col[k][r] = _mm256_blendv_pd(col[k][r], l[r], open[r]);
         }
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j) {
-            const __m256d u = y4::element<R>(col[j], p);
+            const __m256d u = y4::picked<R>(col[j], pick);
 #pragma GCC unroll 2
             for (int r = 0; r < R; ++r)
                 col[j][r] = _mm256_fnmadd_pd(l[r], u, col[j][r]);
