@@ -191,17 +191,24 @@ template <int N> void potrf_lower_d_registers(double *a, int64_t lda, int64_t *i
             *info = k + 1;
             return;
         }
-        const __m256d root = _mm256_sqrt_pd(dv);
+        // The update takes a_ik * (a_jk / d) for l_ik * l_jk: the next pivot then waits for one
+        // division, not a square root and a division; the column is scaled off that path.
+        const __m256d inverse = _mm256_div_pd(_mm256_set1_pd(1.0), dv);
+        __m256d t[R];
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r)
-            col[k][r] = _mm256_blendv_pd(_mm256_div_pd(col[k][r], root), root, y4::lane_of(k, r));
+            t[r] = _mm256_mul_pd(col[k][r], inverse);
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j) {
-            const __m256d u = y4::element<R>(col[k], j);
+            const __m256d u = y4::element<R>(t, j);
 #pragma GCC unroll 2
             for (int r = 0; r < R; ++r)
                 col[j][r] = _mm256_fnmadd_pd(col[k][r], u, col[j][r]);
         }
+        const __m256d root = _mm256_sqrt_pd(dv);
+#pragma GCC unroll 2
+        for (int r = 0; r < R; ++r)
+            col[k][r] = _mm256_blendv_pd(_mm256_div_pd(col[k][r], root), root, y4::lane_of(k, r));
     }
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
