@@ -419,6 +419,73 @@ void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
     }
 }
 
+// target_j -= l * target_j[k] on the rows of vectors [v0, v1) for the columns j in [from, to),
+// with l's vectors from load_l(v).
+template <class LoadL>
+void update_rows(double *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from, int64_t to, LoadL load_l)
+{
+    for (int64_t v = v0; v < v1; v += 4) {
+        const int64_t count = std::min<int64_t>(4, v1 - v);
+        __m256d l[4];
+        for (int c = 0; c < 4; ++c)
+            l[c] = c < count ? load_l(v + c) : _mm256_setzero_pd();
+        switch (count) {
+        case 1: update_strip<1, false>(l, work, ld, k, v, from, to); break;
+        case 2: update_strip<2, false>(l, work, ld, k, v, from, to); break;
+        case 3: update_strip<3, false>(l, work, ld, k, v, from, to); break;
+        default: update_strip<4, false>(l, work, ld, k, v, from, to); break;
+        }
+    }
+}
+
+// Largest order of the padded inverse.
+constexpr int64_t inverse_column_limit = 32;
+
+// The inverse U^-1 * L^-1 * P^T for 8 < n <= inverse_column_limit from a padded copy of the
+// factor: X = L^-1 (column j needs rows below j only), then X = D^-1 X and the unit upper
+// triangle D^-1 U solved in place, each step a strip of the factor's column held in registers
+// while X's columns stream past; the column interchanges become the store addresses.
+void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+{
+    const int64_t ld = (n + 3) & ~int64_t(3), vectors = ld / 4;
+    alignas(32) double f[inverse_column_limit * inverse_column_limit], x[inverse_column_limit * inverse_column_limit];
+    alignas(32) double scale[inverse_column_limit] = {};
+    copy_padded(n, a, lda, f, ld);
+    std::fill(x, x + ld * n, 0.0);
+    for (int64_t k = 0; k < n; ++k) {
+        scale[k] = 1.0 / f[k + k * ld];
+        x[k + k * ld] = 1.0;
+    }
+    for (int64_t k = 0; k + 1 < n; ++k) { // L^-1
+        const double *col = f + k * ld;
+        const int64_t first = (k + 1) / 4;
+        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
+        update_rows(x, ld, k, first, vectors, 0, k + 1, [&](int64_t v) {
+            const __m256d l = _mm256_load_pd(col + 4 * v);
+            return v == first ? _mm256_and_pd(l, below) : l;
+        });
+    }
+    for (int64_t j = 0; j < n; ++j)
+        for (int64_t v = 0; v < vectors; ++v)
+            _mm256_store_pd(x + j * ld + 4 * v, _mm256_mul_pd(_mm256_load_pd(x + j * ld + 4 * v), _mm256_load_pd(scale + 4 * v)));
+    for (int64_t k = n - 1; k > 0; --k) { // (D^-1 U)^-1, unit diagonal
+        const double *col = f + k * ld;
+        const int64_t last = (k - 1) / 4; // the vector holding row k - 1
+        const __m256d above = y4::rows(0, static_cast<int>(k - 4 * last), 0);
+        update_rows(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
+            const __m256d u = _mm256_mul_pd(_mm256_load_pd(col + 4 * v), _mm256_load_pd(scale + 4 * v));
+            return v == last ? _mm256_and_pd(u, above) : u;
+        });
+    }
+    int64_t at[inverse_column_limit]; // at[c]: the column of x that ends in column c
+    for (int64_t c = 0; c < n; ++c)
+        at[c] = c;
+    for (int64_t k = n - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    for (int64_t c = 0; c < n; ++c)
+        std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+}
+
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -468,6 +535,8 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
     case 8: return inverse_d_registers<8>(a, lda, ipiv, inv, ldinv);
     default: break;
     }
+    if (n <= inverse_column_limit)
+        return inverse_d_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
