@@ -439,7 +439,7 @@ void update_rows(double *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, in
 }
 
 // Largest order of the padded inverse.
-constexpr int64_t inverse_column_limit = 32;
+constexpr int64_t inverse_column_limit = 64;
 
 // The inverse U^-1 * L^-1 * P^T for 8 < n <= inverse_column_limit from a padded copy of the
 // factor: X = L^-1 (column j needs rows below j only), then X = D^-1 X and the unit upper
@@ -551,7 +551,7 @@ constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_
 
 namespace zel::dense {
 
-const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 64, 32),
+const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 64, 64),
                                   avx2::table<std::complex<float>>(32, 16, 32), avx2::table<std::complex<double>>(32, 16, 32)};
 
 } // namespace zel::dense
