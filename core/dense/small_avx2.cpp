@@ -295,11 +295,12 @@ constexpr int64_t column_limit = 64;
 // factor's row k (LU) or, for Cholesky, l's own row j: the multipliers stay in registers while
 // the columns stream past.
 template <int C, bool Cholesky>
-void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t v, int64_t from, int64_t to)
+void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t v, int64_t from, int64_t to,
+                  double u_scale = 1.0)
 {
     for (int64_t j = from; j < to; ++j) {
         double *target = work + j * ld + 4 * v;
-        const __m256d u = _mm256_broadcast_sd(Cholesky ? work + k * ld + j : work + j * ld + k);
+        const __m256d u = Cholesky ? _mm256_set1_pd(work[k * ld + j] * u_scale) : _mm256_broadcast_sd(work + j * ld + k);
 #pragma GCC unroll 4
         for (int c = 0; c < C; ++c)
             _mm256_store_pd(target + 4 * c, _mm256_fnmadd_pd(l[c], u, _mm256_load_pd(target + 4 * c)));
@@ -311,7 +312,8 @@ void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t
 // the columns a strip ending at vector v_end must reach (n for LU, the strip's end for
 // Cholesky, whose columns need only their rows from the diagonal down).
 template <bool Cholesky, class LastColumn>
-void update_strips(double *work, int64_t ld, int64_t n, int64_t k, int64_t first, __m256d lead, LastColumn last_column)
+void update_strips(double *work, int64_t ld, int64_t n, int64_t k, int64_t first, __m256d lead, LastColumn last_column,
+                   double u_scale = 1.0)
 {
     const double *col = work + k * ld;
     const int64_t vectors = ld / 4;
@@ -324,10 +326,10 @@ void update_strips(double *work, int64_t ld, int64_t n, int64_t k, int64_t first
             l[0] = lead;
         const int64_t to = std::min<int64_t>(n, last_column(v + count));
         switch (count) {
-        case 1: update_strip<1, Cholesky>(l, work, ld, k, v, k + 1, to); break;
-        case 2: update_strip<2, Cholesky>(l, work, ld, k, v, k + 1, to); break;
-        case 3: update_strip<3, Cholesky>(l, work, ld, k, v, k + 1, to); break;
-        default: update_strip<4, Cholesky>(l, work, ld, k, v, k + 1, to); break;
+        case 1: update_strip<1, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
+        case 2: update_strip<2, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
+        case 3: update_strip<3, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
+        default: update_strip<4, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
         }
     }
 }
@@ -399,17 +401,19 @@ void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
             done = k;
             break;
         }
-        const double root = std::sqrt(d);
-        const __m256d scale = _mm256_set1_pd(1.0 / root);
+        // The update takes a_ik * (a_jk / d) for l_ik * l_jk, so the next pivot waits for one
+        // division; the column is scaled by 1/sqrt(d) after.
         const int64_t first = (k + 1) / 4;
         const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
+        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
+        update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; }, 1.0 / d);
+        const double root = std::sqrt(d);
+        const __m256d scale = _mm256_set1_pd(1.0 / root);
         for (int64_t v = first; v < ld / 4; ++v) {
             const __m256d c = _mm256_load_pd(col + 4 * v);
             _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
         }
         col[k] = root;
-        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
-        update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; });
     }
     for (int64_t j = 0; j < done; ++j)
         std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
@@ -540,6 +544,256 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
+// ---- complex double: a vector holds two (re, im) pairs ----
+
+struct z2 {
+    using zd = std::complex<double>;
+    static __m256d swap(__m256d x) { return _mm256_permute_pd(x, 0x5); }
+    // (-im, im) in each pair for a scalar im.
+    static __m256d alternate(double im) { return _mm256_setr_pd(-im, im, -im, im); }
+    // x - l*u for u = (c, d), with l's swapped copy at hand.
+    static __m256d minus_product(__m256d x, __m256d l, __m256d l_swapped, __m256d c, __m256d d_alt)
+    {
+        return _mm256_fnmadd_pd(l_swapped, d_alt, _mm256_fnmadd_pd(l, c, x));
+    }
+    // x * s for a scalar s.
+    static __m256d scale(__m256d x, zd s)
+    {
+        return _mm256_fmadd_pd(swap(x), alternate(s.imag()), _mm256_mul_pd(x, _mm256_set1_pd(s.real())));
+    }
+    // Lanes of complex rows [first, last) of vector r.
+    static __m256d rows(int64_t first, int64_t last, int64_t r)
+    {
+        const __m256d i = _mm256_setr_pd(2.0 * r, 2.0 * r, 2.0 * r + 1, 2.0 * r + 1);
+        return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(first)), _CMP_GE_OQ),
+                             _mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(last)), _CMP_LT_OQ));
+    }
+};
+
+void copy_padded(int64_t n, const std::complex<double> *a, int64_t lda, std::complex<double> *work, int64_t ld)
+{
+    for (int64_t j = 0; j < n; ++j) {
+        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, std::complex<double>(0.0));
+    }
+}
+
+// target_j -= l * u_j on the complex rows of vectors [v, v + C) for the columns j in [from, to),
+// u_j = target_j[k] (LU, the inverse) or conj(l_j) from column k itself (Cholesky).
+template <int C, bool Cholesky>
+void update_strip_z(const __m256d *l, std::complex<double> *work, int64_t ld, int64_t k, int64_t v, int64_t from,
+                    int64_t to, double u_scale)
+{
+    __m256d ls[C];
+#pragma GCC unroll 4
+    for (int c = 0; c < C; ++c)
+        ls[c] = z2::swap(l[c]);
+    for (int64_t j = from; j < to; ++j) {
+        double *target = reinterpret_cast<double *>(work + j * ld) + 4 * v;
+        const std::complex<double> u = Cholesky ? std::conj(work[k * ld + j]) * u_scale : work[j * ld + k];
+        const __m256d c_re = _mm256_set1_pd(u.real()), d_alt = z2::alternate(u.imag());
+#pragma GCC unroll 4
+        for (int c = 0; c < C; ++c)
+            _mm256_store_pd(target + 4 * c, z2::minus_product(_mm256_load_pd(target + 4 * c), l[c], ls[c], c_re, d_alt));
+    }
+}
+
+template <bool Cholesky, class LoadL>
+void update_rows_z(std::complex<double> *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from,
+                   int64_t to, LoadL load_l, double u_scale = 1.0)
+{
+    for (int64_t v = v0; v < v1; v += 4) {
+        const int64_t count = std::min<int64_t>(4, v1 - v);
+        const int64_t last = Cholesky ? std::min<int64_t>(to, 2 * (v + count)) : to; // Cholesky: rows from j down
+        __m256d l[4];
+        for (int c = 0; c < 4; ++c)
+            l[c] = c < count ? load_l(v + c) : _mm256_setzero_pd();
+        switch (count) {
+        case 1: update_strip_z<1, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        case 2: update_strip_z<2, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        case 3: update_strip_z<3, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        default: update_strip_z<4, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        }
+    }
+}
+
+constexpr int64_t complex_limit = 32;
+
+// Complex double LU with partial pivoting for n <= complex_limit on a padded copy: the pivot is
+// the first largest |re|+|im|, the column scaled by its reciprocal, as LAPACK does.
+void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
+    alignas(32) double storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    std::complex<double> *work = reinterpret_cast<std::complex<double> *>(storage);
+    copy_padded(n, a, lda, work, ld);
+    for (int64_t k = 0; k < n; ++k) {
+        std::complex<double> *col = work + k * ld;
+        int64_t p = k;
+        double best = std::abs(col[k].real()) + std::abs(col[k].imag());
+        for (int64_t i = k + 1; i < n; ++i) {
+            const double size = std::abs(col[i].real()) + std::abs(col[i].imag());
+            if (size > best)
+                best = size, p = i;
+        }
+        ipiv[k] = p + 1;
+        if (p != k)
+            for (int64_t j = 0; j < n; ++j)
+                std::swap(work[k + j * ld], work[p + j * ld]);
+        const std::complex<double> pivot = col[k];
+        if (pivot == 0.0 && *info == 0)
+            *info = k + 1;
+        const std::complex<double> r = pivot != 0.0 ? reciprocal(pivot) : std::complex<double>(1.0);
+        const int64_t first = (k + 1) / 2;
+        const __m256d below = z2::rows(k + 1, ld, first);
+        double *cd = reinterpret_cast<double *>(col);
+        for (int64_t v = first; v < vectors; ++v) {
+            const __m256d c = _mm256_load_pd(cd + 4 * v);
+            _mm256_store_pd(cd + 4 * v, v == first ? _mm256_blendv_pd(c, z2::scale(c, r), below) : z2::scale(c, r));
+        }
+        update_rows_z<false>(work, ld, k, first, vectors, k + 1, n, [&](int64_t v) {
+            const __m256d l = _mm256_load_pd(cd + 4 * v);
+            return v == first ? _mm256_and_pd(l, below) : l;
+        });
+    }
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+}
+
+// Complex Cholesky A = L*L^H for n <= complex_limit on a padded copy; only the lower triangle
+// goes back (real diagonal), and on a non-positive pivot only the finished columns and it.
+void potrf_lower_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
+    alignas(32) double storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    std::complex<double> *work = reinterpret_cast<std::complex<double> *>(storage);
+    copy_padded(n, a, lda, work, ld);
+    int64_t done = n;
+    for (int64_t k = 0; k < n; ++k) {
+        std::complex<double> *col = work + k * ld;
+        const double d = col[k].real();
+        if (!(d > 0.0)) {
+            col[k] = d;
+            done = k;
+            break;
+        }
+        // As in the real kernel: the update divides by d, the column is scaled after.
+        const int64_t first = (k + 1) / 2;
+        const __m256d below = z2::rows(k + 1, ld, first);
+        double *cd = reinterpret_cast<double *>(col);
+        update_rows_z<true>(work, ld, k, first, vectors, k + 1, n, [&](int64_t v) {
+            const __m256d l = _mm256_load_pd(cd + 4 * v);
+            return v == first ? _mm256_and_pd(l, below) : l;
+        }, 1.0 / d);
+        const double root = std::sqrt(d);
+        const __m256d scale = _mm256_set1_pd(1.0 / root);
+        for (int64_t v = first; v < vectors; ++v) {
+            const __m256d c = _mm256_load_pd(cd + 4 * v);
+            _mm256_store_pd(cd + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
+        }
+        col[k] = root;
+    }
+    for (int64_t j = 0; j < done; ++j) {
+        work[j + j * ld] = work[j + j * ld].real();
+        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+    }
+    if (done < n) {
+        a[done + done * lda] = work[done + done * ld];
+        *info = done + 1;
+    }
+}
+
+// The complex inverse U^-1 * L^-1 * P^T for n <= complex_limit from a padded copy of the
+// factor, as inverse_d_columns forms it.
+void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv,
+                       std::complex<double> *inv, int64_t ldinv)
+{
+    using zd = std::complex<double>;
+    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
+    alignas(32) double storage[4 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    zd *f = reinterpret_cast<zd *>(storage), *x = f + complex_limit * complex_limit;
+    alignas(32) double scale_re[2 * complex_limit] = {}, scale_alt[2 * complex_limit] = {};
+    copy_padded(n, a, lda, f, ld);
+    std::fill(x, x + ld * n, zd(0.0));
+    for (int64_t k = 0; k < n; ++k) {
+        const zd s = reciprocal(f[k + k * ld]);
+        scale_re[2 * k] = scale_re[2 * k + 1] = s.real();
+        scale_alt[2 * k] = -s.imag(), scale_alt[2 * k + 1] = s.imag();
+        x[k + k * ld] = 1.0;
+    }
+    // x * s row by row, s held as (re, re) and (-im, im) pairs.
+    auto times_scale = [&](__m256d v, int64_t r) {
+        return _mm256_fmadd_pd(z2::swap(v), _mm256_load_pd(scale_alt + 4 * r), _mm256_mul_pd(v, _mm256_load_pd(scale_re + 4 * r)));
+    };
+    for (int64_t k = 0; k + 1 < n; ++k) { // L^-1
+        const double *cd = reinterpret_cast<const double *>(f + k * ld);
+        const int64_t first = (k + 1) / 2;
+        const __m256d below = z2::rows(k + 1, ld, first);
+        update_rows_z<false>(x, ld, k, first, vectors, 0, k + 1, [&](int64_t v) {
+            const __m256d l = _mm256_load_pd(cd + 4 * v);
+            return v == first ? _mm256_and_pd(l, below) : l;
+        });
+    }
+    for (int64_t j = 0; j < n; ++j) {
+        double *xd = reinterpret_cast<double *>(x + j * ld);
+        for (int64_t v = 0; v < vectors; ++v)
+            _mm256_store_pd(xd + 4 * v, times_scale(_mm256_load_pd(xd + 4 * v), v));
+    }
+    for (int64_t k = n - 1; k > 0; --k) { // (D^-1 U)^-1, unit diagonal
+        const double *cd = reinterpret_cast<const double *>(f + k * ld);
+        const int64_t last = (k - 1) / 2;
+        const __m256d above = z2::rows(0, k, last);
+        update_rows_z<false>(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
+            const __m256d u = times_scale(_mm256_load_pd(cd + 4 * v), v);
+            return v == last ? _mm256_and_pd(u, above) : u;
+        });
+    }
+    int64_t at[complex_limit];
+    for (int64_t c = 0; c < n; ++c)
+        at[c] = c;
+    for (int64_t k = n - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    for (int64_t c = 0; c < n; ++c)
+        std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+}
+
+// The padded kernels from the orders where they beat the fixed-order loops (measured on the
+// AMD EPYC this was written on, lowered to AVX2).
+void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    if (n <= 8)
+        return getrf_small(n, a, lda, ipiv, info);
+    if (n <= complex_limit)
+        return getrf_z_columns(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    if (n <= 16)
+        return potrf_lower_small(n, a, lda, info);
+    if (n <= complex_limit)
+        return potrf_lower_z_columns(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
+               int64_t ldinv)
+{
+    if (n <= 4)
+        return inverse_small(n, a, lda, ipiv, inv, ldinv);
+    if (n <= complex_limit)
+        return inverse_z_columns(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<std::complex<double>> complex_double_table(int64_t getrf_limit, int64_t potrf_limit,
+                                                                   int64_t inverse_limit)
+{
+    return {getrf_z, potrf_lower_z, potrf_upper_loop<std::complex<double>>, getrs_loop<std::complex<double>>,
+            inverse_z, getrf_limit, potrf_limit, inverse_limit};
+}
+
 constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
 {
     return {getrf_d, potrf_lower_d, potrf_upper_loop<double>, getrs_loop<double>, inverse_d,
@@ -552,6 +806,6 @@ constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_
 namespace zel::dense {
 
 const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 64, 64),
-                                  avx2::table<std::complex<float>>(32, 16, 32), avx2::table<std::complex<double>>(32, 16, 32)};
+                                  avx2::table<std::complex<float>>(32, 16, 32), avx2::complex_double_table(32, 32, 32)};
 
 } // namespace zel::dense
