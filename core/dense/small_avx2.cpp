@@ -379,6 +379,8 @@ void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *
             const __m256d c = _mm256_load_pd(col + 4 * v);
             _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
         }
+        if (first == ld / 4) // the last row: nothing below
+            break;
         const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
         update_strips<false>(work, ld, n, k, first, lead, [n](int64_t) { return n; });
     }
@@ -405,8 +407,10 @@ void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
         // division; the column is scaled by 1/sqrt(d) after.
         const int64_t first = (k + 1) / 4;
         const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
-        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
-        update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; }, 1.0 / d);
+        if (first < ld / 4) {
+            const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
+            update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; }, 1.0 / d);
+        }
         const double root = std::sqrt(d);
         const __m256d scale = _mm256_set1_pd(1.0 / root);
         for (int64_t v = first; v < ld / 4; ++v) {
