@@ -69,29 +69,96 @@ struct y4 {
     }
 };
 
+// Rows as 4-bit fields of a word: the row held at each position of the interchanged order
+// (order), and the position of each row (where), for at most eight rows.
+struct row_order {
+    uint64_t order = 0x76543210, where = 0x76543210;
+    static int field(uint64_t word, int i) { return static_cast<int>(word >> (4 * i) & 15); }
+    static uint64_t with(uint64_t word, int i, int value)
+    {
+        return (word & ~(uint64_t(15) << (4 * i))) | uint64_t(value) << (4 * i);
+    }
+    int at(int position) const { return field(order, position); }
+    // Row p becomes the pivot of step k; returns the position it came from.
+    int interchange(int k, int p)
+    {
+        const int q = field(where, p), held = at(k);
+        order = with(with(order, q, held), k, p);
+        where = with(with(where, held, q), p, k);
+        return q;
+    }
+};
+
+// Lanes of rows 4r..4r+3 in vector r.
+inline __m256i row_numbers(int r) { return _mm256_setr_epi64x(4 * r, 4 * r + 1, 4 * r + 2, 4 * r + 3); }
+
+// The pivot row of step k among the open rows: the first largest |a(i,k)| in the
+// interchanged order, or the row at position k when none compares equal (NaN). pick gets its
+// lane as a mask, straight from the comparison when one row holds the largest, so the update
+// never waits for the row number to go through a general register.
+template <int N, int R>
+int pivot_row(const __m256d *size, __m256d largest, const __m256d *open, const row_order &rows, int k, __m256d *pick)
+{
+    unsigned hits = 0;
+#pragma GCC unroll 2
+    for (int r = 0; r < R; ++r) {
+        pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), open[r]);
+        hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
+    }
+    if ((hits & (hits - 1)) == 0 && hits != 0) [[likely]]
+        return __builtin_ctz(hits);
+    int p = rows.at(k);
+    for (int i = N - 1; i >= k; --i)
+        if (hits >> rows.at(i) & 1)
+            p = rows.at(i);
+#pragma GCC unroll 2
+    for (int r = 0; r < R; ++r)
+        pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(row_numbers(r), _mm256_set1_epi64x(p)));
+    return p;
+}
+
+// Stores the N columns with row i of the result taken from row rows.at(i) of the registers.
+template <int N, int R> void store_in_order(const __m256d (*col)[R], const row_order &rows, double *a, int64_t lda)
+{
+    const __m256i from_all = _mm256_set1_epi64x(static_cast<int64_t>(rows.order));
+#pragma GCC unroll 2
+    for (int r = 0; r < R; ++r) {
+        const __m256i from = _mm256_and_si256(_mm256_srlv_epi64(from_all, _mm256_slli_epi64(row_numbers(r), 2)), _mm256_set1_epi64x(15));
+        const __m256i pair = _mm256_slli_epi64(_mm256_and_si256(from, _mm256_set1_epi64x(3)), 1);
+        const __m256i idx = _mm256_or_si256(pair, _mm256_slli_epi64(_mm256_add_epi64(pair, _mm256_set1_epi64x(1)), 32));
+        const __m256d high = _mm256_castsi256_pd(_mm256_cmpgt_epi64(from, _mm256_set1_epi64x(3)));
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            __m256d out = _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][0]), idx));
+            if constexpr (R == 2)
+                out = _mm256_blendv_pd(out, _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][1]), idx)), high);
+            if (4 * (r + 1) <= N)
+                _mm256_storeu_pd(a + j * lda + 4 * r, out);
+            else
+                _mm256_maskstore_pd(a + j * lda + 4 * r, y4::bits(y4::rows(0, N, r)), out);
+        }
+    }
+}
+
 // LU with partial pivoting of an N x N double matrix (N <= 8), a column in R = 1 or 2
 // registers. Rows are never moved while eliminating: a mask marks the rows not yet chosen as
-// pivots, and one permutation at the end puts the rows in LAPACK's order. The pivot is the
-// first largest |a(i,k)| in the order the interchanges would have left, as LAPACK picks it.
-// The row bookkeeping lives in two words of 4-bit fields, off the vector chain; the multipliers
-// are scaled by 1/|pivot| and take the pivot's sign after (exact), so the division overlaps
-// the pivot's extraction.
+// pivots, and one permutation at the end puts the rows in LAPACK's order. The multipliers are
+// scaled by 1/|pivot| and take the pivot's sign after (exact), so the division overlaps the
+// pivot's extraction.
 template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 3) / 4;
-    const __m256i iota[2] = {_mm256_setr_epi64x(0, 1, 2, 3), _mm256_setr_epi64x(4, 5, 6, 7)};
     __m256d col[N][R], open[R];
-    uint64_t order = 0x76543210, where = 0x76543210; // field i: row at position i; position of row i
+    row_order rows;
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         y4::load<N>(a + j * lda, col[j]);
 #pragma GCC unroll 2
     for (int r = 0; r < R; ++r)
         open[r] = y4::rows(0, N, r);
-    auto field = [](uint64_t word, int i) { return static_cast<int>(word >> (4 * i) & 15); };
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
-        __m256d size[R], largest = _mm256_setzero_pd();
+        __m256d size[R], largest = _mm256_setzero_pd(), pick[R], l[R];
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
             size[r] = _mm256_and_pd(y4::abs(col[k][r]), open[r]);
@@ -100,37 +167,12 @@ template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, i
         largest = y4::all_max(largest);
         const __m256d zero = _mm256_cmp_pd(largest, _mm256_setzero_pd(), _CMP_EQ_OQ);
         const __m256d scale = _mm256_blendv_pd(_mm256_div_pd(_mm256_set1_pd(1.0), largest), _mm256_set1_pd(1.0), zero);
-        // The pivot's lane as a mask, straight from the comparison when one row holds the
-        // largest: the update never waits for the row number to go through a general register.
-        __m256d pick[R];
-        unsigned hits = 0;
-#pragma GCC unroll 2
-        for (int r = 0; r < R; ++r) {
-            pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), open[r]);
-            hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
-        }
-        int p = __builtin_ctz(hits | (1u << 8));
-        if ((hits & (hits - 1)) != 0 || hits == 0) [[unlikely]] {
-            // A tie: the first in the interchanged order wins. None (NaN): the row in place, as a scan.
-            p = field(order, k);
-            for (int i = N - 1; i >= k; --i)
-                if (hits >> field(order, i) & 1)
-                    p = field(order, i);
-#pragma GCC unroll 2
-            for (int r = 0; r < R; ++r)
-                pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(iota[r], _mm256_set1_epi64x(p)));
-        }
-        const int q = field(where, p), held = field(order, k);
-        ipiv[k] = q + 1;
-        order = (order & ~(uint64_t(15) << (4 * q))) | uint64_t(held) << (4 * q);
-        order = (order & ~(uint64_t(15) << (4 * k))) | uint64_t(p) << (4 * k);
-        where = (where & ~(uint64_t(15) << (4 * held))) | uint64_t(q) << (4 * held);
-        where = (where & ~(uint64_t(15) << (4 * p))) | uint64_t(k) << (4 * p);
+        const int p = pivot_row<N, R>(size, largest, open, rows, k, pick);
+        ipiv[k] = rows.interchange(k, p) + 1;
         const __m256d pivot = y4::picked<R>(col[k], pick);
         if (_mm256_cvtsd_f64(pivot) == 0.0 && *info == 0)
             *info = k + 1;
         const __m256d sign = _mm256_and_pd(pivot, _mm256_set1_pd(-0.0));
-        __m256d l[R];
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
             open[r] = _mm256_andnot_pd(pick[r], open[r]);
@@ -145,29 +187,7 @@ template <int N> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, i
                 col[j][r] = _mm256_fnmadd_pd(l[r], u, col[j][r]);
         }
     }
-    // Row i of the result is row order[i] of the registers.
-    const __m256i from_all = _mm256_set1_epi64x(static_cast<int64_t>(order));
-#pragma GCC unroll 2
-    for (int r = 0; r < R; ++r) {
-        const __m256i from = _mm256_and_si256(_mm256_srlv_epi64(from_all, _mm256_slli_epi64(iota[r], 2)), _mm256_set1_epi64x(15));
-        const __m256i pair = _mm256_slli_epi64(_mm256_and_si256(from, _mm256_set1_epi64x(3)), 1);
-        const __m256i idx = _mm256_or_si256(pair, _mm256_slli_epi64(_mm256_add_epi64(pair, _mm256_set1_epi64x(1)), 32));
-        const __m256d hi = _mm256_castsi256_pd(_mm256_cmpgt_epi64(from, _mm256_set1_epi64x(3)));
-        __m256d out[N];
-#pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            out[j] = _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][0]), idx));
-            if constexpr (R == 2)
-                out[j] = _mm256_blendv_pd(out[j], _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(col[j][1]), idx)), hi);
-        }
-#pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            if (4 * (r + 1) <= N)
-                _mm256_storeu_pd(a + j * lda + 4 * r, out[j]);
-            else
-                _mm256_maskstore_pd(a + j * lda + 4 * r, y4::bits(y4::rows(0, N, r)), out[j]);
-        }
-    }
+    store_in_order<N, R>(col, rows, a, lda);
 }
 
 // Cholesky A = L*L^T of an N x N double matrix (N <= 8), right-looking with a column in R
