@@ -307,16 +307,16 @@ const char *isa_name(zel::isa_level level)
 
 // The peer's kernels lowered with ours, so that a lowered table stands for a processor of that
 // level; left alone on the processor's own level or when the caller chose them.
-const char *peer_core_type(zel::isa_level level, zel::isa_level top)
+const char *peer_core_type(zel::isa_level level)
 {
-    if (level == top || std::getenv("OPENBLAS_CORETYPE") != nullptr)
+    if (level == zel::processor_isa() || std::getenv("OPENBLAS_CORETYPE") != nullptr)
         return nullptr;
     return level == zel::isa_level::avx2 ? "Haswell" : "Nehalem";
 }
 
 // Runs this program again on the same request with the core's kernels lowered to level: the
 // choice is made once per process, so each set needs a process of its own.
-int run_child(const zel::bench::request &what, zel::isa_level level, zel::isa_level top)
+int run_child(const zel::bench::request &what, zel::isa_level level)
 {
     std::string sizes, sections;
     for (int64_t n : what.sizes)
@@ -330,7 +330,7 @@ int run_child(const zel::bench::request &what, zel::isa_level level, zel::isa_le
     if (what.quick)
         args.push_back("--quick");
     args.push_back(nullptr);
-    const char *core_type = peer_core_type(level, top);
+    const char *core_type = peer_core_type(level);
     std::printf("== %s (ZEL_DENSE_ISA=%s; peer: OpenBLAS %s%s)\n", isa_name(level), isa_name(level),
                 core_type ? "OPENBLAS_CORETYPE=" : "on its own choice", core_type ? core_type : "");
     std::fflush(stdout);
@@ -370,7 +370,7 @@ int run(const zel::bench::request &what)
     int status = 0;
     for (zel::isa_level level : {zel::isa_level::avx512, zel::isa_level::avx2, zel::isa_level::baseline})
         if (level <= top)
-            status |= run_child(what, level, top);
+            status |= run_child(what, level);
     return status;
 }
 
