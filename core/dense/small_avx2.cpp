@@ -323,7 +323,8 @@ void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t
         const __m256d u = Cholesky ? _mm256_set1_pd(work[k * ld + j] * u_scale) : _mm256_broadcast_sd(work + j * ld + k);
 #pragma GCC unroll 4
         for (int c = 0; c < C; ++c)
-            _mm256_store_pd(target + 4 * c, _mm256_fnmadd_pd(l[c], u, _mm256_load_pd(target + 4 * c)));
+            if (!Cholesky || 4 * (v + c + 1) > j) // Cholesky: only the vectors that hold rows from j down
+                _mm256_store_pd(target + 4 * c, _mm256_fnmadd_pd(l[c], u, _mm256_load_pd(target + 4 * c)));
     }
 }
 
@@ -618,7 +619,8 @@ void update_strip_z(const __m256d *l, std::complex<double> *work, int64_t ld, in
         const __m256d c_re = _mm256_set1_pd(u.real()), d_alt = z2::alternate(u.imag());
 #pragma GCC unroll 4
         for (int c = 0; c < C; ++c)
-            _mm256_store_pd(target + 4 * c, z2::minus_product(_mm256_load_pd(target + 4 * c), l[c], ls[c], c_re, d_alt));
+            if (!Cholesky || 2 * (v + c + 1) > j) // Cholesky: only the vectors that hold rows from j down
+                _mm256_store_pd(target + 4 * c, z2::minus_product(_mm256_load_pd(target + 4 * c), l[c], ls[c], c_re, d_alt));
     }
 }
 
@@ -831,8 +833,8 @@ namespace zel::dense {
 
 // Orders up to which each kernel beats OpenBLAS (getrf, potrf, inverse), measured with `zel bench
 // dense` on an AMD EPYC lowered to AVX2, the peer on OpenBLAS 0.3.21's Haswell kernels:
-//   d  getrf 64 (1.7x there), potrf 56 (1.1x at 56, 0.8x at 64), inverse 64 (1.6x or more);
-//   z  getrf 32 (1.9x), potrf 32 (1.2x), inverse 32 (1.9x); at 64 the kernels are OpenBLAS's.
+//   d  getrf 64 (1.7x there), potrf 56 (1.25x at 56, 0.9x at 64), inverse 64 (1.6x or more);
+//   z  getrf 32 (1.9x), potrf 32 (1.4x), inverse 32 (1.9x); at 64 the kernels are OpenBLAS's.
 // s and c keep the portable loops' limits.
 const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 56, 64),
                                   avx2::table<std::complex<float>>(32, 16, 32), avx2::complex_double_table(32, 32, 32)};
