@@ -30,8 +30,9 @@ struct y4 {
         const int pair = 2 * (i & 3);
         const __m256i idx = _mm256_set1_epi64x((static_cast<int64_t>(pair + 1) << 32) | pair);
         __m256d src = v[0];
-        if constexpr (R == 2)
-            src = _mm256_blendv_pd(v[0], v[1], _mm256_castsi256_pd(_mm256_set1_epi64x(i >= 4 ? -1 : 0)));
+        if constexpr (R == 2) // a known row picks its vector outright (the loops are unrolled)
+            src = __builtin_constant_p(i) ? v[(i >> 2) & 1]
+                                          : _mm256_blendv_pd(v[0], v[1], _mm256_castsi256_pd(_mm256_set1_epi64x(i >= 4 ? -1 : 0)));
         return _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(src), idx));
     }
     // The one lane of the column that pick selects, in every lane (bits copied, by or).
@@ -211,19 +212,16 @@ template <int N> void potrf_lower_d_registers(double *a, int64_t lda, int64_t *i
             *info = k + 1;
             return;
         }
-        // The update takes a_ik * (a_jk / d) for l_ik * l_jk: the next pivot then waits for one
-        // division, not a square root and a division; the column is scaled off that path.
+        // The update takes (a_ik * a_jk) / d for l_ik * l_jk: the products are formed while the
+        // division runs, so the next pivot waits for one division and one multiply-add, not a
+        // square root too; the column is scaled off that path.
         const __m256d inverse = _mm256_div_pd(_mm256_set1_pd(1.0), dv);
-        __m256d t[R];
-#pragma GCC unroll 2
-        for (int r = 0; r < R; ++r)
-            t[r] = _mm256_mul_pd(col[k][r], inverse);
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j) {
-            const __m256d u = y4::element<R>(t, j);
+            const __m256d u = y4::element<R>(col[k], j);
 #pragma GCC unroll 2
             for (int r = 0; r < R; ++r)
-                col[j][r] = _mm256_fnmadd_pd(col[k][r], u, col[j][r]);
+                col[j][r] = _mm256_fnmadd_pd(_mm256_mul_pd(col[k][r], u), inverse, col[j][r]);
         }
         const __m256d root = _mm256_sqrt_pd(dv);
 #pragma GCC unroll 2
