@@ -1,5 +1,8 @@
 // `zel bench dense`: strided batches of small LU, Cholesky, inverse and solve against a plain
 // loop over OpenBLAS's own one-matrix routines, in one process, on memory already touched.
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <complex>
@@ -15,6 +18,7 @@
 
 #include "suite.hpp"
 #include "zel/lapack.h"
+#include "zel_internal/isa.hpp"
 
 // The peer: OpenBLAS ILP64 from its shared object (the core carries its own private copy).
 extern "C" {
@@ -280,24 +284,94 @@ void run_precision(char letter, const std::vector<int64_t> &sizes, int repeats, 
     }
 }
 
-int run(const zel::bench::request &what)
+// One instruction set's table, in this process (the core chose its kernels at load time).
+int run_one_set(const zel::bench::request &what)
 {
     const std::vector<int64_t> &sizes = what.sizes;
-    const int repeats = what.repeats;
     const double bytes = (what.quick ? 1.0 : 4.0) * 1024 * 1024;
     const routines only(what);
+    std::printf("%-8s %c %4s %7s  %11s %11s  %8s %8s  %7s\n", "routine", 'p', "n", "batch", "ours ns",
+                "peer ns", "ours GF", "peer GF", "ratio");
+    run_precision<double>('d', sizes, what.repeats, bytes, only);
+    run_precision<zcomplex>('z', sizes, what.repeats, bytes, only);
+    return 0;
+}
+
+// Set in the child that measures one instruction set.
+constexpr const char *child_variable = "ZEL_BENCH_DENSE_ONE_SET";
+
+const char *isa_name(zel::isa_level level)
+{
+    return level == zel::isa_level::avx512 ? "avx512" : level == zel::isa_level::avx2 ? "avx2" : "baseline";
+}
+
+// The peer's kernels lowered with ours, so that a lowered table stands for a processor of that
+// level; left alone on the processor's own level or when the caller chose them.
+const char *peer_core_type(zel::isa_level level)
+{
+    if (level == zel::processor_isa() || std::getenv("OPENBLAS_CORETYPE") != nullptr)
+        return nullptr;
+    return level == zel::isa_level::avx2 ? "Haswell" : "Nehalem";
+}
+
+// Runs this program again on the same request with the core's kernels lowered to level: the
+// choice is made once per process, so each set needs a process of its own.
+int run_child(const zel::bench::request &what, zel::isa_level level)
+{
+    std::string sizes, sections;
+    for (int64_t n : what.sizes)
+        sizes.append(sizes.empty() ? "" : ",").append(std::to_string(n));
+    for (const char *name : {"getrf", "potrf", "getri", "getrs"})
+        if (routines::runs(what, name))
+            sections.append(sections.empty() ? "" : ",").append(name);
+    const std::string repeats = std::to_string(what.repeats);
+    std::vector<const char *> args = {"bench", "dense", "--repeats", repeats.c_str(), "--sizes", sizes.c_str(),
+                                      "--section", sections.c_str()};
+    if (what.quick)
+        args.push_back("--quick");
+    args.push_back(nullptr);
+    const char *core_type = peer_core_type(level);
+    std::printf("== %s (ZEL_DENSE_ISA=%s; peer: OpenBLAS %s%s)\n", isa_name(level), isa_name(level),
+                core_type ? "OPENBLAS_CORETYPE=" : "on its own choice", core_type ? core_type : "");
+    std::fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv("ZEL_DENSE_ISA", isa_name(level), 1);
+        setenv(child_variable, "1", 1);
+        if (core_type)
+            setenv("OPENBLAS_CORETYPE", core_type, 1);
+        execv("/proc/self/exe", const_cast<char *const *>(args.data()));
+        std::perror("zel bench dense: /proc/self/exe");
+        _exit(127);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        std::fprintf(stderr, "zel bench dense: the %s run failed\n", isa_name(level));
+        return 1;
+    }
+    std::printf("\n");
+    return 0;
+}
+
+int run(const zel::bench::request &what)
+{
+    if (std::getenv(child_variable) != nullptr)
+        return run_one_set(what);
     std::printf("zel bench dense: per-member time, best of %d passes over a batch of ~%.0f KiB, on\n"
                 "memory already touched (each pass restores its inputs untimed first).\n"
                 "peer: plain loop over OpenBLAS ILP64 dgetrf_/zgetrf_, dpotrf_/zpotrf_ (lower), the\n"
                 "inverse as copy of the LU factor + dgetri_/zgetri_, dgetrs_/zgetrs_ with nrhs = 1.\n"
                 "ours: the layer's strided drivers zel_lapack_?getrf_batch_strided, ?potrf_, ?getri_oop_,\n"
-                "?getrs_ (64-bit integers), over the core's one-matrix kernels.\n\n",
-                repeats, bytes / 1024);
-    std::printf("%-8s %c %4s %7s  %11s %11s  %8s %8s  %7s\n", "routine", 'p', "n", "batch", "ours ns",
-                "peer ns", "ours GF", "peer GF", "ratio");
-    run_precision<double>('d', sizes, repeats, bytes, only);
-    run_precision<zcomplex>('z', sizes, repeats, bytes, only);
-    return 0;
+                "?getrs_ (64-bit integers), over the core's one-matrix kernels.\n"
+                "One table per instruction set this processor runs, each in a process of its own with the\n"
+                "core's kernels lowered to that set (ZEL_DENSE_ISA, as the tests force them).\n\n",
+                what.repeats, (what.quick ? 1.0 : 4.0) * 1024);
+    const zel::isa_level top = zel::choose_isa("ZEL_DENSE_ISA");
+    int status = 0;
+    for (zel::isa_level level : {zel::isa_level::avx512, zel::isa_level::avx2, zel::isa_level::baseline})
+        if (level <= top)
+            status |= run_child(what, level);
+    return status;
 }
 
 } // namespace

@@ -160,7 +160,7 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
         EXPECT_EQ(ipiv, reference_lu(a).first);
     }
     // A zero column k gives info = k+1; the factorisation still reconstructs A.
-    for (int64_t n : {1, 3, 4, 7, 8, 12, 16, 32, 50}) {
+    for (int64_t n : {1, 3, 4, 7, 8, 12, 16, 24, 32, 50, 64}) {
         for (int64_t zero_col : {int64_t(0), n / 2, n - 1}) {
             SCOPED_TRACE("n=" + std::to_string(n) + " zero column " + std::to_string(zero_col));
             matrix<T> a = random_matrix<T>(n, n, 11 + n);
@@ -282,8 +282,9 @@ TYPED_TEST(DenseKernels, PotrfBothTrianglesAndIndefinite)
             EXPECT_LE(max_diff(rebuilt, a), 8 * real<T>(n) * eps<T> * max_abs(a));
         }
     }
-    // A non-positive leading minor of order k gives info = k.
-    for (int64_t n : {1, 3, 4, 8, 16, 40}) {
+    // A non-positive leading minor of order k gives info = k (on every path: 24 and 64 reach the
+    // padded kernels of both precisions).
+    for (int64_t n : {1, 3, 4, 8, 16, 24, 40, 64}) {
         for (int64_t k : {int64_t(1), (n + 1) / 2, n}) {
             for (char uplo : {'L', 'U'}) {
                 matrix<T> a = hpd_matrix<T>(n, 600 + n);
