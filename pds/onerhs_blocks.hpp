@@ -1,0 +1,181 @@
+// The per-supernode steps of the one-right-hand-side kernels: interchanges, the triangular
+// solves of a diagonal block (loops in place for small blocks, the core's solve above the
+// threshold), the update of the rows below it and the gather-product of the backward sweep.
+#pragma once
+
+#include "onerhs_frame.hpp"
+
+namespace zel::pds::onerhs {
+
+// Above this many columns a diagonal block goes to the core's triangular solve.
+inline constexpr int64_t loop_solve_limit = 19;
+// Above this many columns the update of the rows below goes through the core's product.
+inline constexpr int64_t direct_update_limit = 4;
+
+// The right-hand side, its scalar length (the dense kernels' leading dimension), a work vector
+// of at least that length, and the pivots widened for the core.
+template <class T, class I, class G> struct sweep_state {
+    const factor_view<T, I> &f;
+    G g;
+    T *x;
+    int64_t ld;
+    T *work;
+    const wide_pivots<I> *pivots;
+};
+
+// x1 ← L11⁻¹·x1 with unit L11 (lower triangle of the panel), conjugated values when Conj.
+template <bool Conj, class T, class I> void unit_lower_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
+{
+    const int64_t nc = sn.nc;
+    if (nc == 2) {
+        x1[1] -= conj_if(sn.at(1, 0), Conj) * x1[0];
+    } else if (nc > loop_solve_limit && !Conj) {
+        core_trsv('L', 'N', 'U', nc, sn.panel, sn.nr, x1, ld);
+    } else {
+        for (int64_t j = 0; j + 1 < nc; ++j) {
+            const T xj = x1[j];
+            const T *col = sn.panel + j * sn.nr;
+            for (int64_t i = j + 1; i < nc; ++i)
+                x1[i] -= conj_if(col[i], Conj) * xj;
+        }
+    }
+}
+
+// x1 ← L11⁻¹·x1 with the non-unit lower triangle (Cholesky factors).
+template <bool Conj, class T, class I> void lower_solve(const supernode<T, I> &sn, T *x1)
+{
+    for (int64_t j = 0; j < sn.nc; ++j) {
+        const T *col = sn.panel + j * sn.nr;
+        const T xj = x1[j] / conj_if(col[j], Conj);
+        x1[j] = xj;
+        for (int64_t i = j + 1; i < sn.nc; ++i)
+            x1[i] -= conj_if(col[i], Conj) * xj;
+    }
+}
+
+// x1 ← U11⁻ᵀ·x1 (U11⁻ᴴ when Conj): U11 on and above the panel's diagonal.
+template <bool Conj, class T, class I> void upper_transposed_solve(const supernode<T, I> &sn, T *x1)
+{
+    for (int64_t j = 0; j < sn.nc; ++j) {
+        const T *col = sn.panel + j * sn.nr;
+        T s = x1[j];
+        for (int64_t i = 0; i < j; ++i)
+            s -= conj_if(col[i], Conj) * x1[i];
+        x1[j] = s / conj_if(col[j], Conj);
+    }
+}
+
+// x1 ← U11⁻¹·x1: U11 on and above the panel's diagonal.
+template <class T, class I> void upper_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
+{
+    const int64_t nc = sn.nc;
+    if (nc == 1) {
+        x1[0] /= sn.at(0, 0);
+    } else if (nc > loop_solve_limit) {
+        core_trsv('U', 'N', 'N', nc, sn.panel, sn.nr, x1, ld);
+    } else {
+        for (int64_t j = nc - 1; j >= 0; --j) {
+            const T *col = sn.panel + j * sn.nr;
+            const T xj = x1[j] / col[j];
+            x1[j] = xj;
+            for (int64_t i = 0; i < j; ++i)
+                x1[i] -= col[i] * xj;
+        }
+    }
+}
+
+// x1 ← op(L11)⁻¹·x1 with op transposing (and conjugating when Conj): unit or not.
+template <bool Conj, bool Unit, class T, class I> void lower_transposed_solve(const supernode<T, I> &sn, T *x1)
+{
+    for (int64_t j = sn.nc - 1; j >= 0; --j) {
+        const T *col = sn.panel + j * sn.nr;
+        T s = x1[j];
+        for (int64_t i = j + 1; i < sn.nc; ++i)
+            s -= conj_if(col[i], Conj) * x1[i];
+        x1[j] = Unit ? s : s / conj_if(col[j], Conj);
+    }
+}
+
+// The rows below the block: x_off −= A·x1, A the n_off × nc block at a (leading dimension lda),
+// conjugated when Conj. Wide blocks form A·x1 in work with the core's product first.
+template <bool Conj, class T, class I, class G>
+void update_below(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const T *a, int64_t lda)
+{
+    const int64_t m = sn.n_off();
+    if (m <= 0)
+        return;
+    T *x = st.x;
+    const T *x1 = x + sn.x0;
+    if (sn.nc > direct_update_limit && !Conj) {
+        core_gemv('N', m, sn.nc, T(1), a, lda, x1, T(0), st.work);
+        const T *w = st.work;
+        for_off_rows(sn, st.g, [&](int64_t r, int64_t i) { x[r] -= w[i]; });
+        return;
+    }
+    for (int64_t j = 0; j < sn.nc; ++j) {
+        const T xj = x1[j];
+        const T *col = a + j * lda;
+        for_off_rows(sn, st.g, [&](int64_t r, int64_t i) { x[r] -= conj_if(col[i], Conj) * xj; });
+    }
+}
+
+// x1 −= op(A)·x_off: the rows below gathered into work, op transposing (conjugating when
+// Conj); loops in place when Loops, else the core's product.
+template <bool Conj, bool Loops, class T, class I, class G>
+void gather_product(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const T *a, int64_t lda)
+{
+    const int64_t m = sn.n_off();
+    if (m <= 0)
+        return;
+    T *w = st.work, *x1 = st.x + sn.x0;
+    const T *x = st.x;
+    for_off_rows(sn, st.g, [&](int64_t r, int64_t i) { w[i] = x[r]; });
+    if constexpr (!Loops) {
+        core_gemv(Conj && is_complex_v<T> ? 'C' : 'T', m, sn.nc, T(-1), a, lda, w, T(1), x1);
+    } else {
+        for (int64_t j = 0; j < sn.nc; ++j) {
+            const T *col = a + j * lda;
+            T s(0);
+            for (int64_t i = 0; i < m; ++i)
+                s += conj_if(col[i], Conj) * w[i];
+            x1[j] -= s;
+        }
+    }
+}
+
+// The block's interchanges (1 … nc−1) applied to x1 in order.
+template <class T, class I, class G>
+void apply_interchanges(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const I *pivots)
+{
+    if (sn.nc >= 2)
+        core_laswp(st.x + sn.x0, st.ld, sn.nc - 1, st.pivots->of(pivots + sn.x0, sn.nc));
+}
+
+// The block's interchanges undone on x1, the last first.
+template <class T, class I, class G>
+void undo_interchanges(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const I *pivots)
+{
+    if (sn.nc >= 2)
+        luspxm(&sn.nc, st.x + sn.x0, st.pivots->of(pivots + sn.x0, sn.nc));
+}
+
+// One of the core's Bunch–Kaufman block routines on x1; with Conj it works on conj(x1), which
+// applies the conjugated block. The routine's info (0, or a refused block) is returned.
+template <bool Conj, class Routine, class T, class I, class G>
+int64_t bunch_kaufman(Routine routine, const sweep_state<T, I, G> &st, const supernode<T, I> &sn)
+{
+    T *x1 = st.x + sn.x0;
+    if constexpr (Conj && is_complex_v<T>)
+        for (int64_t j = 0; j < sn.nc; ++j)
+            x1[j] = std::conj(x1[j]);
+    const int64_t one = 1;
+    int64_t info = 0;
+    routine("L", &sn.nc, &one, c_of(sn.panel), &sn.nr, st.pivots->of(st.f.row_pivots + sn.x0, sn.nc), c_of(x1),
+            &st.ld, &info);
+    if constexpr (Conj && is_complex_v<T>)
+        for (int64_t j = 0; j < sn.nc; ++j)
+            x1[j] = std::conj(x1[j]);
+    return info;
+}
+
+} // namespace zel::pds::onerhs
