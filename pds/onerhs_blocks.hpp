@@ -13,7 +13,8 @@ inline constexpr int64_t loop_solve_limit = 19;
 inline constexpr int64_t direct_update_limit = 4;
 
 // The right-hand side, its scalar length (the dense kernels' leading dimension), a work vector
-// of at least that length, and the pivots widened for the core.
+// of at least that length, and the pivots widened for the core. With an outside accumulator,
+// updates of block rows from limit on (1-based) go there instead of to x.
 template <class T, class I, class G> struct sweep_state {
     const factor_view<T, I> &f;
     G g;
@@ -21,7 +22,33 @@ template <class T, class I, class G> struct sweep_state {
     int64_t ld;
     T *work;
     const wide_pivots<I> *pivots;
+    T *outside = nullptr;
+    int64_t limit = 0;
 };
+
+// How many of the blocks below the diagonal block lie before the limit (all of them without
+// an outside accumulator). The row list ascends, so the first block at or past it splits.
+template <class T, class I, class G> int64_t inside_blocks(const sweep_state<T, I, G> &st, const supernode<T, I> &sn)
+{
+    if (st.outside == nullptr)
+        return sn.off_blocks;
+    int64_t b = 0;
+    while (b < sn.off_blocks && int64_t(sn.off[b]) < st.limit)
+        ++b;
+    return b;
+}
+
+// target −= w over the rows below the block: x for the blocks before split, outside after.
+template <class T, class I, class G>
+void scatter_below(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, int64_t split, const T *w)
+{
+    for (int64_t b = 0, i = 0; b < sn.off_blocks; ++b) {
+        T *target = b < split ? st.x : st.outside;
+        const int64_t block = int64_t(sn.off[b]) - 1, r = st.g.row(block), size = st.g.size(block);
+        for (int64_t k = 0; k < size; ++k)
+            target[r + k] -= w[i++];
+    }
+}
 
 // x1 ← L11⁻¹·x1 with unit L11 (lower triangle of the panel), conjugated values when Conj.
 template <bool Conj, class T, class I> void unit_lower_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
@@ -106,10 +133,17 @@ void update_below(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, con
         return;
     T *x = st.x;
     const T *x1 = x + sn.x0;
-    if (sn.nc > direct_update_limit && !Conj) {
-        core_gemv('N', m, sn.nc, T(1), a, lda, x1, T(0), st.work);
-        const T *w = st.work;
-        for_off_rows(sn, st.g, [&](int64_t r, int64_t i) { x[r] -= w[i]; });
+    if ((sn.nc > direct_update_limit && !Conj) || st.outside != nullptr) {
+        if constexpr (Conj && is_complex_v<T>) {
+            for (int64_t i = 0; i < m; ++i)
+                st.work[i] = T(0);
+            for (int64_t j = 0; j < sn.nc; ++j)
+                for (int64_t i = 0; i < m; ++i)
+                    st.work[i] += std::conj(a[i + j * lda]) * x1[j];
+        } else {
+            core_gemv('N', m, sn.nc, T(1), a, lda, x1, T(0), st.work);
+        }
+        scatter_below(st, sn, inside_blocks(st, sn), st.work);
         return;
     }
     for (int64_t j = 0; j < sn.nc; ++j) {

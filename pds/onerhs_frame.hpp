@@ -31,6 +31,7 @@ template <class T, class I> struct factor_view {
 // offset(p): the value offset of 0-based position p of col_ptr or u_col_ptr; rows(d, b): the
 // scalar panel rows of a supernode whose first block column b spans d positions.
 struct scalar_blocks {
+    bool valid() const { return true; }
     int64_t row(int64_t b) const { return b; }
     int64_t size(int64_t) const { return 1; }
     int64_t offset(int64_t p) const { return p; }
@@ -38,6 +39,7 @@ struct scalar_blocks {
 };
 struct fixed_blocks {
     int64_t bs;
+    bool valid() const { return bs >= 1; }
     int64_t row(int64_t b) const { return b * bs; }
     int64_t size(int64_t) const { return bs; }
     int64_t offset(int64_t p) const { return p * bs * bs; }
@@ -48,6 +50,7 @@ struct fixed_blocks {
 // w·rows positions.
 template <class I> struct variable_blocks {
     const I *start;
+    bool valid() const { return start != nullptr; }
     int64_t row(int64_t b) const { return int64_t(start[b]) - 1; }
     int64_t size(int64_t b) const { return int64_t(start[b + 1]) - start[b]; }
     int64_t offset(int64_t p) const { return p; }

@@ -2,6 +2,8 @@
 // pass, forward sweep, diagonal step and backward sweep chosen by the step selector.
 #pragma once
 
+#include <cstring>
+
 #include "onerhs_blocks.hpp"
 
 namespace zel::pds::onerhs {
@@ -149,6 +151,8 @@ int64_t blkslv_ll(const factor_view<T, I> &f, const G &g, int64_t first, int64_t
 {
     if (x == nullptr)
         return 1;
+    if (!g.valid())
+        return 2;
     const int64_t rows = scalar_rows(g, f.n);
     scratch_array<T> work(size_t(std::max<int64_t>(rows, 1)), work_alignment);
     if (!work)
@@ -159,6 +163,80 @@ int64_t blkslv_ll(const factor_view<T, I> &f, const G &g, int64_t first, int64_t
         return 1;
     const sweep_state<T, I, G> st{f, g, x, std::max<int64_t>(rows, 1), work.get(), &pivots};
     return ll_steps<K>(st, r, step);
+}
+
+// x += partial (partial cleared) through the core's merge; complex values as pairs of reals.
+template <class T> void merge_partial(int64_t n, T *partial, T *x)
+{
+    using R = real_t<T>;
+    const int64_t count = is_complex_v<T> ? 2 * n : n;
+    R *p = reinterpret_cast<R *>(partial), *y = reinterpret_cast<R *>(x);
+    if constexpr (std::is_same_v<R, double>)
+        zel_pds_copy_rhs_omp_to_rhs_real(&count, p, y);
+    else
+        zel_pds_sp_copy_rhs_omp_to_rhs_real(&count, p, y);
+}
+
+// Supernodes of partition p of parts over the range (0-based, inclusive).
+inline void partition_range(int64_t first, int64_t last, int64_t parts, int64_t p, int64_t &lo, int64_t &hi)
+{
+    const int64_t count = std::max<int64_t>(last - first + 1, 0);
+    int64_t a = 0, b = -1;
+    zel_pds_get_ddist_bounds(&count, &parts, &p, &a, &b);
+    lo = first + a - 1;
+    hi = first + b - 1;
+}
+
+// The partitioned steps: each partition's forward sweep sends the updates of rows beyond its
+// range to a partial vector, merged into x before the next partition runs; the backward sweeps
+// run from the last partition to the first. Partitions run one after another.
+template <class K, class T, class I, class G>
+int64_t tl_steps(sweep_state<T, I, G> st, const ll_ranges &r, int64_t step, int64_t parts, T *partial)
+{
+    int64_t refused = 0, lo, hi;
+    if (step == 0 || step == 1)
+        for (int64_t p = 0; p < parts; ++p) {
+            partition_range(r.forward_first, r.forward_last, parts, p, lo, hi);
+            st.outside = partial;
+            st.limit = hi >= lo ? int64_t(st.f.super_ptr[hi + 1]) : 0;
+            for (int64_t s = lo; s <= hi; ++s)
+                refused |= ll_forward<K>(st, s);
+            merge_partial(st.ld, partial, st.x);
+        }
+    st.outside = nullptr;
+    if constexpr (K::has_diagonal)
+        if (step == 0 || step == 2)
+            for (int64_t s = r.first; s <= r.last; ++s)
+                refused |= ll_diagonal<K>(st, s);
+    if (step == 0 || step == 3)
+        for (int64_t p = parts - 1; p >= 0; --p) {
+            partition_range(r.backward_first, r.backward_last, parts, p, lo, hi);
+            for (int64_t s = hi; s >= lo; --s)
+                refused |= ll_backward<K>(st, s);
+        }
+    return refused != 0 ? 2 : 0;
+}
+
+// The tl kernel: the ll kernel's set-up, and a cleared partial vector of x's length.
+template <class K, class T, class I, class G>
+int64_t blkslv_tl(const factor_view<T, I> &f, const G &g, int64_t first, int64_t last, T *x, const I *control,
+                  int64_t step, int64_t partitions)
+{
+    if (x == nullptr)
+        return 1;
+    if (!g.valid())
+        return 2;
+    const int64_t rows = std::max<int64_t>(scalar_rows(g, f.n), 1);
+    scratch_array<T> work(size_t(rows), work_alignment), partial(size_t(rows), work_alignment);
+    if (!work || !partial)
+        return 1;
+    std::memset(static_cast<void *>(partial.get()), 0, size_t(rows) * sizeof(T));
+    const ll_ranges r = ranges_of(f.nsuper, first, last, control != nullptr ? int64_t(control[1]) : 0);
+    wide_pivots<I> pivots;
+    if (K::pivoted && !pivots.reserve(widest(f, g, 0, f.nsuper - 1)))
+        return 1;
+    const sweep_state<T, I, G> st{f, g, x, rows, work.get(), &pivots};
+    return tl_steps<K>(st, r, step, std::max<int64_t>(partitions, 1), partial.get());
 }
 
 } // namespace zel::pds::onerhs

@@ -230,6 +230,197 @@ ZEL_API void zel_pds_blkslv_ll_vbsr_sym_di_ct_cmplx(int64_t n, const int64_t *bl
     const int64_t *row_index, const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values,
     const int64_t *row_pivots, const int64_t *col_pivots, zel_complex16 *x, const int64_t *control, int64_t step,
     int64_t *error);
+/* blkslv_tl (real stems), 64-bit integers, double values. */
+ZEL_API void zel_pds_blkslv_tl_unsym_n_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_unsym_t_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_posdef_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_undef_bk_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_undef_di_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_bsr_unsym_n_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_bsr_unsym_t_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_bsr_posdef_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_bsr_undef_bk_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_bsr_undef_di_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_vbsr_unsym_n_real(int64_t n, const int64_t *block_start, int64_t nsuper, int64_t first,
+    int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_vbsr_unsym_t_real(int64_t n, const int64_t *block_start, int64_t nsuper, int64_t first,
+    int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_vbsr_posdef_real(int64_t n, const int64_t *block_start, int64_t nsuper, int64_t first,
+    int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_vbsr_undef_bk_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const double *l_values, const int64_t *u_col_ptr, const double *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, double *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_blkslv_tl_vbsr_undef_di_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const double *l_values, const int64_t *u_col_ptr, const double *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, double *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+/* Partitioned sweeps, their driver, nrhs and perm_sol, 64-bit integers. */
+ZEL_API void zel_pds_fwd_omp_mic_real(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const double *l_values,
+    const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots, double *x,
+    double *outside, double *work, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_bwd_omp_mic_real(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const double *l_values,
+    const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots, double *x,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_blkslv_omp_mic_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const double *l_values,
+    const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots, double *x,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions,
+    int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_fwd_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, double *outside, double *work, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_bwd_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_blkslv_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, double *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_real(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const double *l_values, const int64_t *u_col_ptr,
+    const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, double *x,
+    int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine,
+    int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_bsr_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const double *l_values,
+    const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, double *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, double *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_real(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const double *l_values, const int64_t *u_col_ptr,
+    const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, double *x,
+    int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine,
+    int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_bsr_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const double *l_values,
+    const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, double *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const double *l_values, const int64_t *u_col_ptr, const double *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, double *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_fwd_perm_sol_real(int64_t n, int64_t nrhs, const int64_t *perm, const double *b, int64_t ldb,
+    double *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_bwd_perm_sol_real(int64_t n, int64_t nrhs, const int64_t *perm, const double *b, int64_t ldb,
+    double *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_fwd_omp_mic_cmplx(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values,
+    const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    zel_complex16 *x, zel_complex16 *outside, zel_complex16 *work, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_bwd_omp_mic_cmplx(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values,
+    const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    zel_complex16 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_blkslv_omp_mic_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values,
+    const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    zel_complex16 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t partitions, int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_fwd_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex16 *x, zel_complex16 *outside, zel_complex16 *work, int64_t matrix_kind,
+    int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_bwd_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex16 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_blkslv_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex16 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_cmplx(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values, const int64_t *u_col_ptr,
+    const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs,
+    zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_bsr_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values,
+    const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_fwd_nrhs_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_cmplx(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values, const int64_t *u_col_ptr,
+    const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs,
+    zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_bsr_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex16 *l_values,
+    const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_bwd_nrhs_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex16 *l_values, const int64_t *u_col_ptr, const zel_complex16 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, zel_complex16 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_fwd_perm_sol_cmplx(int64_t n, int64_t nrhs, const int64_t *perm, const zel_complex16 *b,
+    int64_t ldb, zel_complex16 *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_bwd_perm_sol_cmplx(int64_t n, int64_t nrhs, const int64_t *perm, const zel_complex16 *b,
+    int64_t ldb, zel_complex16 *x, int64_t ldx, int64_t *error);
 
 /* blkslv_ll, 64-bit integers, float values. */
 ZEL_API void zel_pds_sp_blkslv_ll_unsym_n_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
@@ -440,6 +631,198 @@ ZEL_API void zel_pds_sp_blkslv_ll_vbsr_sym_di_ct_cmplx(int64_t n, const int64_t 
     const int64_t *row_index, const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values,
     const int64_t *row_pivots, const int64_t *col_pivots, zel_complex8 *x, const int64_t *control, int64_t step,
     int64_t *error);
+/* blkslv_tl (real stems), 64-bit integers, float values. */
+ZEL_API void zel_pds_sp_blkslv_tl_unsym_n_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_unsym_t_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_posdef_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_undef_bk_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_undef_di_real(int64_t n, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_bsr_unsym_n_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_bsr_unsym_t_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_bsr_posdef_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_bsr_undef_bk_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first,
+    int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_bsr_undef_di_real(int64_t n, int64_t bs, int64_t nsuper, int64_t first,
+    int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, const int64_t *control, int64_t step, int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_vbsr_unsym_n_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr, const float *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, float *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_vbsr_unsym_t_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr, const float *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, float *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_vbsr_posdef_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr, const float *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, float *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_vbsr_undef_bk_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr, const float *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, float *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_tl_vbsr_undef_di_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    int64_t first, int64_t last, const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr,
+    const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr, const float *u_values,
+    const int64_t *row_pivots, const int64_t *col_pivots, float *x, const int64_t *control, int64_t step,
+    int64_t partitions, int64_t *error);
+/* Partitioned sweeps, their driver, nrhs and perm_sol, 64-bit integers. */
+ZEL_API void zel_pds_sp_fwd_omp_mic_real(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const float *l_values,
+    const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots, float *x,
+    float *outside, float *work, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_sp_bwd_omp_mic_real(int64_t n, int64_t bs, int64_t first, int64_t last, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const float *l_values,
+    const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots, float *x,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_omp_mic_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const float *l_values,
+    const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots, float *x,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions,
+    int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, float *outside, float *work, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_sp_bwd_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_omp_mic_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, float *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t partitions, int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_real(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr,
+    const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, float *x, int64_t ldx,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_bsr_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const float *l_values,
+    const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, float *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, float *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_real(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const float *l_values, const int64_t *u_col_ptr,
+    const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, float *x, int64_t ldx,
+    int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_bsr_real(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const float *l_values,
+    const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, float *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed,
+    int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_vbsr_real(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const float *l_values, const int64_t *u_col_ptr, const float *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, float *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_perm_sol_real(int64_t n, int64_t nrhs, const int64_t *perm, const float *b, int64_t ldb,
+    float *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_perm_sol_real(int64_t n, int64_t nrhs, const int64_t *perm, const float *b, int64_t ldb,
+    float *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_omp_mic_cmplx(int64_t n, int64_t bs, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex8 *x, zel_complex8 *outside, zel_complex8 *work, int64_t matrix_kind,
+    int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_sp_bwd_omp_mic_cmplx(int64_t n, int64_t bs, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex8 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_omp_mic_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex8 *l_values,
+    const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    zel_complex8 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions,
+    int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex8 *x, zel_complex8 *outside, zel_complex8 *work, int64_t matrix_kind,
+    int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t *info);
+ZEL_API void zel_pds_sp_bwd_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t first, int64_t last,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex8 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_blkslv_omp_mic_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, zel_complex8 *x, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t partitions, int64_t bk_routine, int64_t step, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_cmplx(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const zel_complex8 *l_values, const int64_t *u_col_ptr,
+    const zel_complex8 *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, zel_complex8 *x,
+    int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine,
+    int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_bsr_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex8 *l_values,
+    const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, zel_complex8 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_nrhs_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, zel_complex8 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_cmplx(int64_t n, int64_t nsuper, const int64_t *super_ptr, const int64_t *col_ptr,
+    const int64_t *row_ptr, const int64_t *row_index, const zel_complex8 *l_values, const int64_t *u_col_ptr,
+    const zel_complex8 *u_values, const int64_t *row_pivots, const int64_t *col_pivots, int64_t nrhs, zel_complex8 *x,
+    int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym, int64_t transposed, int64_t bk_routine,
+    int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_bsr_cmplx(int64_t n, int64_t bs, int64_t nsuper, const int64_t *super_ptr,
+    const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index, const zel_complex8 *l_values,
+    const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots, const int64_t *col_pivots,
+    int64_t nrhs, zel_complex8 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots, int64_t unsym,
+    int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_nrhs_vbsr_cmplx(int64_t n, const int64_t *block_start, int64_t nsuper,
+    const int64_t *super_ptr, const int64_t *col_ptr, const int64_t *row_ptr, const int64_t *row_index,
+    const zel_complex8 *l_values, const int64_t *u_col_ptr, const zel_complex8 *u_values, const int64_t *row_pivots,
+    const int64_t *col_pivots, int64_t nrhs, zel_complex8 *x, int64_t ldx, int64_t matrix_kind, int64_t plain_pivots,
+    int64_t unsym, int64_t transposed, int64_t bk_routine, int64_t *error);
+ZEL_API void zel_pds_sp_fwd_perm_sol_cmplx(int64_t n, int64_t nrhs, const int64_t *perm, const zel_complex8 *b,
+    int64_t ldb, zel_complex8 *x, int64_t ldx, int64_t *error);
+ZEL_API void zel_pds_sp_bwd_perm_sol_cmplx(int64_t n, int64_t nrhs, const int64_t *perm, const zel_complex8 *b,
+    int64_t ldb, zel_complex8 *x, int64_t ldx, int64_t *error);
 
 /* blkslv_ll, 32-bit integers, double values. */
 ZEL_API void zel_pds_lp64_blkslv_ll_unsym_n_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
@@ -650,6 +1033,201 @@ ZEL_API void zel_pds_lp64_blkslv_ll_vbsr_sym_di_ct_cmplx(int32_t n, const int32_
     const int32_t *row_index, const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values,
     const int32_t *row_pivots, const int32_t *col_pivots, zel_complex16 *x, const int32_t *control, int32_t step,
     int32_t *error);
+/* blkslv_tl (real stems), 32-bit integers, double values. */
+ZEL_API void zel_pds_lp64_blkslv_tl_unsym_n_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_unsym_t_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_posdef_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_undef_bk_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_undef_di_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_bsr_unsym_n_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_bsr_unsym_t_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_bsr_posdef_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_bsr_undef_bk_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_bsr_undef_di_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_vbsr_unsym_n_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr, const double *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, double *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_vbsr_unsym_t_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr, const double *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, double *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_vbsr_posdef_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr, const double *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, double *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_vbsr_undef_bk_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr, const double *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, double *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_tl_vbsr_undef_di_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr, const double *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, double *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+/* Partitioned sweeps, their driver, nrhs and perm_sol, 32-bit integers. */
+ZEL_API void zel_pds_lp64_fwd_omp_mic_real(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, double *outside, double *work, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_bwd_omp_mic_real(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_omp_mic_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const double *l_values,
+    const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots, const int32_t *col_pivots, double *x,
+    int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions,
+    int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, double *outside, double *work, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_bwd_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, double *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_real(int32_t n, int32_t nsuper, const int32_t *super_ptr, const int32_t *col_ptr,
+    const int32_t *row_ptr, const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr,
+    const double *u_values, const int32_t *row_pivots, const int32_t *col_pivots, int32_t nrhs, double *x,
+    int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t bk_routine,
+    int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_bsr_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const double *l_values,
+    const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, double *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, double *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_real(int32_t n, int32_t nsuper, const int32_t *super_ptr, const int32_t *col_ptr,
+    const int32_t *row_ptr, const int32_t *row_index, const double *l_values, const int32_t *u_col_ptr,
+    const double *u_values, const int32_t *row_pivots, const int32_t *col_pivots, int32_t nrhs, double *x,
+    int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t bk_routine,
+    int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_bsr_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const double *l_values,
+    const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, double *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const double *l_values, const int32_t *u_col_ptr, const double *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, double *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_perm_sol_real(int32_t n, int32_t nrhs, const int32_t *perm, const double *b,
+    int32_t ldb, double *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_perm_sol_real(int32_t n, int32_t nrhs, const int32_t *perm, const double *b,
+    int32_t ldb, double *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_omp_mic_cmplx(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex16 *x, zel_complex16 *outside, zel_complex16 *work, int32_t matrix_kind,
+    int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_bwd_omp_mic_cmplx(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex16 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_omp_mic_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex16 *l_values,
+    const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    zel_complex16 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t partitions, int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex16 *x, zel_complex16 *outside, zel_complex16 *work, int32_t matrix_kind,
+    int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_bwd_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex16 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_blkslv_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex16 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_cmplx(int32_t n, int32_t nsuper, const int32_t *super_ptr, const int32_t *col_ptr,
+    const int32_t *row_ptr, const int32_t *row_index, const zel_complex16 *l_values, const int32_t *u_col_ptr,
+    const zel_complex16 *u_values, const int32_t *row_pivots, const int32_t *col_pivots, int32_t nrhs,
+    zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_bsr_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex16 *l_values,
+    const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_nrhs_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_cmplx(int32_t n, int32_t nsuper, const int32_t *super_ptr, const int32_t *col_ptr,
+    const int32_t *row_ptr, const int32_t *row_index, const zel_complex16 *l_values, const int32_t *u_col_ptr,
+    const zel_complex16 *u_values, const int32_t *row_pivots, const int32_t *col_pivots, int32_t nrhs,
+    zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_bsr_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex16 *l_values,
+    const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_nrhs_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex16 *l_values, const int32_t *u_col_ptr, const zel_complex16 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, zel_complex16 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_fwd_perm_sol_cmplx(int32_t n, int32_t nrhs, const int32_t *perm, const zel_complex16 *b,
+    int32_t ldb, zel_complex16 *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_bwd_perm_sol_cmplx(int32_t n, int32_t nrhs, const int32_t *perm, const zel_complex16 *b,
+    int32_t ldb, zel_complex16 *x, int32_t ldx, int32_t *error);
 
 /* blkslv_ll, 32-bit integers, float values. */
 ZEL_API void zel_pds_lp64_sp_blkslv_ll_unsym_n_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
@@ -860,6 +1438,201 @@ ZEL_API void zel_pds_lp64_sp_blkslv_ll_vbsr_sym_di_ct_cmplx(int32_t n, const int
     const int32_t *row_index, const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values,
     const int32_t *row_pivots, const int32_t *col_pivots, zel_complex8 *x, const int32_t *control, int32_t step,
     int32_t *error);
+/* blkslv_tl (real stems), 32-bit integers, float values. */
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_unsym_n_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_unsym_t_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_posdef_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_undef_bk_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_undef_di_real(int32_t n, int32_t nsuper, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_bsr_unsym_n_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_bsr_unsym_t_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_bsr_posdef_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_bsr_undef_bk_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_bsr_undef_di_real(int32_t n, int32_t bs, int32_t nsuper, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, const int32_t *control, int32_t step, int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_vbsr_unsym_n_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const float *l_values, const int32_t *u_col_ptr, const float *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, float *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_vbsr_unsym_t_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const float *l_values, const int32_t *u_col_ptr, const float *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, float *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_vbsr_posdef_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const float *l_values, const int32_t *u_col_ptr, const float *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, float *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_vbsr_undef_bk_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const float *l_values, const int32_t *u_col_ptr, const float *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, float *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_tl_vbsr_undef_di_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    int32_t first, int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr,
+    const int32_t *row_index, const float *l_values, const int32_t *u_col_ptr, const float *u_values,
+    const int32_t *row_pivots, const int32_t *col_pivots, float *x, const int32_t *control, int32_t step,
+    int32_t partitions, int32_t *error);
+/* Partitioned sweeps, their driver, nrhs and perm_sol, 32-bit integers. */
+ZEL_API void zel_pds_lp64_sp_fwd_omp_mic_real(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, float *outside, float *work, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_sp_bwd_omp_mic_real(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_omp_mic_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const float *l_values,
+    const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots, const int32_t *col_pivots, float *x,
+    int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions,
+    int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, float *outside, float *work, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_sp_bwd_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_omp_mic_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, float *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t partitions, int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_real(int32_t n, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const float *l_values,
+    const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_bsr_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const float *l_values,
+    const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_real(int32_t n, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const float *l_values,
+    const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_bsr_real(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const float *l_values,
+    const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed,
+    int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_vbsr_real(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const float *l_values, const int32_t *u_col_ptr, const float *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, float *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_perm_sol_real(int32_t n, int32_t nrhs, const int32_t *perm, const float *b,
+    int32_t ldb, float *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_perm_sol_real(int32_t n, int32_t nrhs, const int32_t *perm, const float *b,
+    int32_t ldb, float *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_omp_mic_cmplx(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex8 *x, zel_complex8 *outside, zel_complex8 *work, int32_t matrix_kind,
+    int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_sp_bwd_omp_mic_cmplx(int32_t n, int32_t bs, int32_t first, int32_t last,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex8 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_omp_mic_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex8 *l_values,
+    const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    zel_complex8 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions,
+    int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex8 *x, zel_complex8 *outside, zel_complex8 *work, int32_t matrix_kind,
+    int32_t plain_pivots, int32_t unsym, int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t *info);
+ZEL_API void zel_pds_lp64_sp_bwd_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t first,
+    int32_t last, const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex8 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_blkslv_omp_mic_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, zel_complex8 *x, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t partitions, int32_t bk_routine, int32_t step, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_cmplx(int32_t n, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex8 *l_values,
+    const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_bsr_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex8 *l_values,
+    const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_nrhs_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_cmplx(int32_t n, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex8 *l_values,
+    const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_bsr_cmplx(int32_t n, int32_t bs, int32_t nsuper, const int32_t *super_ptr,
+    const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index, const zel_complex8 *l_values,
+    const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots, const int32_t *col_pivots,
+    int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots, int32_t unsym,
+    int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_nrhs_vbsr_cmplx(int32_t n, const int32_t *block_start, int32_t nsuper,
+    const int32_t *super_ptr, const int32_t *col_ptr, const int32_t *row_ptr, const int32_t *row_index,
+    const zel_complex8 *l_values, const int32_t *u_col_ptr, const zel_complex8 *u_values, const int32_t *row_pivots,
+    const int32_t *col_pivots, int32_t nrhs, zel_complex8 *x, int32_t ldx, int32_t matrix_kind, int32_t plain_pivots,
+    int32_t unsym, int32_t transposed, int32_t bk_routine, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_fwd_perm_sol_cmplx(int32_t n, int32_t nrhs, const int32_t *perm, const zel_complex8 *b,
+    int32_t ldb, zel_complex8 *x, int32_t ldx, int32_t *error);
+ZEL_API void zel_pds_lp64_sp_bwd_perm_sol_cmplx(int32_t n, int32_t nrhs, const int32_t *perm, const zel_complex8 *b,
+    int32_t ldb, zel_complex8 *x, int32_t ldx, int32_t *error);
 
 /* ---- Core (libzel_core.so.2) ---- */
 
