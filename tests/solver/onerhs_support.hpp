@@ -61,6 +61,86 @@ ZEL_PDS_CMPLX_MEMBERS(ONERHS_FAMILY)
 #undef ONERHS_FAMILY
 #undef ONERHS_LL_ROW
 
+// The partitioned sweeps, their driver, nrhs, perm_sol and (real) tl members of one family.
+template <class C, class I> struct sweep_members {
+    using fwd_fn = void (*)(I, I, I, I, const I *, const I *, const I *, const I *, const C *, const I *, const C *,
+                            const I *, const I *, C *, C *, C *, I, I, I, I, I, I, I *);
+    using fwd_v_fn = void (*)(I, const I *, I, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                              const C *, const I *, const I *, C *, C *, C *, I, I, I, I, I, I, I *);
+    using bwd_fn = void (*)(I, I, I, I, const I *, const I *, const I *, const I *, const C *, const I *, const C *,
+                            const I *, const I *, C *, I, I, I, I, I, I *);
+    using bwd_v_fn = void (*)(I, const I *, I, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                              const C *, const I *, const I *, C *, I, I, I, I, I, I *);
+    using blk_fn = void (*)(I, I, I, const I *, const I *, const I *, const I *, const C *, const I *, const C *,
+                            const I *, const I *, C *, I, I, I, I, I, I, I, I *);
+    using blk_v_fn = void (*)(I, const I *, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                              const C *, const I *, const I *, C *, I, I, I, I, I, I, I, I *);
+    using nrhs_fn = void (*)(I, I, const I *, const I *, const I *, const I *, const C *, const I *, const C *,
+                             const I *, const I *, I, C *, I, I, I, I, I, I, I *);
+    using nrhs_b_fn = void (*)(I, I, I, const I *, const I *, const I *, const I *, const C *, const I *, const C *,
+                               const I *, const I *, I, C *, I, I, I, I, I, I, I *);
+    using nrhs_v_fn = void (*)(I, const I *, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                               const C *, const I *, const I *, I, C *, I, I, I, I, I, I, I *);
+    using perm_fn = void (*)(I, I, const I *, const C *, I, C *, I, I *);
+    fwd_fn fwd;
+    fwd_v_fn fwd_v;
+    bwd_fn bwd;
+    bwd_v_fn bwd_v;
+    blk_fn blk;
+    blk_v_fn blk_v;
+    nrhs_fn fwd_nrhs, bwd_nrhs;
+    nrhs_b_fn fwd_nrhs_bsr, bwd_nrhs_bsr;
+    nrhs_v_fn fwd_nrhs_vbsr, bwd_nrhs_vbsr;
+    perm_fn fwd_perm, bwd_perm;
+};
+template <class T, class I> struct sweeps;
+#define ONERHS_SWEEPS(W, P, K)                                                                                \
+    {zel_pds_##W##P##fwd_omp_mic_##K, zel_pds_##W##P##fwd_omp_mic_vbsr_##K, zel_pds_##W##P##bwd_omp_mic_##K,     \
+     zel_pds_##W##P##bwd_omp_mic_vbsr_##K, zel_pds_##W##P##blkslv_omp_mic_##K,                                 \
+     zel_pds_##W##P##blkslv_omp_mic_vbsr_##K, zel_pds_##W##P##fwd_nrhs_##K, zel_pds_##W##P##bwd_nrhs_##K,      \
+     zel_pds_##W##P##fwd_nrhs_bsr_##K, zel_pds_##W##P##bwd_nrhs_bsr_##K, zel_pds_##W##P##fwd_nrhs_vbsr_##K,    \
+     zel_pds_##W##P##bwd_nrhs_vbsr_##K, zel_pds_##W##P##fwd_perm_sol_##K, zel_pds_##W##P##bwd_perm_sol_##K}
+#define ONERHS_SWEEPS_REAL(P, C, T, W, I)                                                                     \
+    template <> struct sweeps<T, I> {                                                                         \
+        static inline const sweep_members<C, I> m = ONERHS_SWEEPS(W, P, real);                                \
+    };
+#define ONERHS_SWEEPS_CMPLX(P, C, T, W, I)                                                                    \
+    template <> struct sweeps<T, I> {                                                                         \
+        static inline const sweep_members<C, I> m = ONERHS_SWEEPS(W, P, cmplx);                               \
+    };
+ZEL_PDS_REAL_MEMBERS(ONERHS_SWEEPS_REAL)
+ZEL_PDS_CMPLX_MEMBERS(ONERHS_SWEEPS_CMPLX)
+#undef ONERHS_SWEEPS_REAL
+#undef ONERHS_SWEEPS_CMPLX
+#undef ONERHS_SWEEPS
+
+// The tl members (real families): per stem, the scalar, bsr and vbsr kernels.
+template <class C, class I> struct tl_members {
+    using scalar_fn = void (*)(I, I, I, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                               const C *, const I *, const I *, C *, const I *, I, I, I *);
+    using bsr_fn = void (*)(I, I, I, I, I, const I *, const I *, const I *, const I *, const C *, const I *,
+                            const C *, const I *, const I *, C *, const I *, I, I, I *);
+    using vbsr_fn = void (*)(I, const I *, I, I, I, const I *, const I *, const I *, const I *, const C *,
+                             const I *, const C *, const I *, const I *, C *, const I *, I, I, I *);
+    const char *name;
+    scalar_fn scalar;
+    bsr_fn bsr;
+    vbsr_fn vbsr;
+};
+template <class T, class I> struct tl_family;
+#define ONERHS_TL_ROW(W, P, STEM)                                                                             \
+    {#STEM, zel_pds_##W##P##blkslv_tl_##STEM##_real, zel_pds_##W##P##blkslv_tl_bsr_##STEM##_real,              \
+     zel_pds_##W##P##blkslv_tl_vbsr_##STEM##_real},
+#define ONERHS_TL(P, C, T, W, I)                                                                              \
+    template <> struct tl_family<T, I> {                                                                      \
+        static inline const std::vector<tl_members<C, I>> tl = {                                              \
+            ONERHS_TL_ROW(W, P, unsym_n) ONERHS_TL_ROW(W, P, unsym_t) ONERHS_TL_ROW(W, P, posdef)             \
+            ONERHS_TL_ROW(W, P, undef_bk) ONERHS_TL_ROW(W, P, undef_di)};                                      \
+    };
+ZEL_PDS_REAL_MEMBERS(ONERHS_TL)
+#undef ONERHS_TL
+#undef ONERHS_TL_ROW
+
 template <class C, class I>
 const ll_members<C, I> &find_stem(const std::vector<ll_members<C, I>> &list, const std::string &name)
 {
@@ -341,7 +421,6 @@ factor<T> block_factor(const std::vector<int64_t> &widths, const std::vector<int
     }
     // Scalar structure and values, panel by panel; block positions count values for vbsr and
     // bs × bs blocks for bsr.
-    auto bsize = [&](int64_t b1) { return f.start[b1] - f.start[b1 - 1]; };
     f.super_ptr.push_back(1);
     f.row_ptr.push_back(1);
     int64_t pos = 1, upos = 1;
