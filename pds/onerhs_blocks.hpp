@@ -50,6 +50,20 @@ void scatter_below(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, in
     }
 }
 
+// Σ op(a[i])·x[i] over n terms in eight partial sums, so that the additions overlap instead of
+// waiting on one another (op conjugating when Conj).
+template <bool Conj, class T> T dot(const T *a, const T *x, int64_t n)
+{
+    T s[8] = {};
+    int64_t i = 0;
+    for (; i + 8 <= n; i += 8)
+        for (int q = 0; q < 8; ++q)
+            s[q] += conj_if(a[i + q], Conj) * x[i + q];
+    for (; i < n; ++i)
+        s[0] += conj_if(a[i], Conj) * x[i];
+    return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
+}
+
 // x1 ← L11⁻¹·x1 with unit L11 (lower triangle of the panel), conjugated values when Conj.
 template <bool Conj, class T, class I> void unit_lower_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
 {
@@ -68,9 +82,14 @@ template <bool Conj, class T, class I> void unit_lower_solve(const supernode<T, 
     }
 }
 
-// x1 ← L11⁻¹·x1 with the non-unit lower triangle (Cholesky factors).
-template <bool Conj, class T, class I> void lower_solve(const supernode<T, I> &sn, T *x1)
+// x1 ← L11⁻¹·x1 with the non-unit lower triangle (Cholesky factors); wide blocks through the
+// core's solve, whose vector code reads the block at memory speed.
+template <bool Conj, class T, class I> void lower_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
 {
+    if (sn.nc > loop_solve_limit && !Conj) {
+        core_trsv('L', 'N', 'N', sn.nc, sn.panel, sn.nr, x1, ld);
+        return;
+    }
     for (int64_t j = 0; j < sn.nc; ++j) {
         const T *col = sn.panel + j * sn.nr;
         const T xj = x1[j] / conj_if(col[j], Conj);
@@ -85,10 +104,7 @@ template <bool Conj, class T, class I> void upper_transposed_solve(const superno
 {
     for (int64_t j = 0; j < sn.nc; ++j) {
         const T *col = sn.panel + j * sn.nr;
-        T s = x1[j];
-        for (int64_t i = 0; i < j; ++i)
-            s -= conj_if(col[i], Conj) * x1[i];
-        x1[j] = s / conj_if(col[j], Conj);
+        x1[j] = (x1[j] - dot<Conj>(col, x1, j)) / conj_if(col[j], Conj);
     }
 }
 
@@ -111,14 +127,18 @@ template <class T, class I> void upper_solve(const supernode<T, I> &sn, T *x1, i
     }
 }
 
-// x1 ← op(L11)⁻¹·x1 with op transposing (and conjugating when Conj): unit or not.
-template <bool Conj, bool Unit, class T, class I> void lower_transposed_solve(const supernode<T, I> &sn, T *x1)
+// x1 ← op(L11)⁻¹·x1 with op transposing (and conjugating when Conj): unit or not. Wide blocks
+// through the core's solve unless the values are to be read conjugated but not transposed.
+template <bool Conj, bool Unit, bool Loops, class T, class I>
+void lower_transposed_solve(const supernode<T, I> &sn, T *x1, int64_t ld)
 {
+    if (sn.nc > loop_solve_limit && !Loops) {
+        core_trsv('L', Conj && is_complex_v<T> ? 'C' : 'T', Unit ? 'U' : 'N', sn.nc, sn.panel, sn.nr, x1, ld);
+        return;
+    }
     for (int64_t j = sn.nc - 1; j >= 0; --j) {
         const T *col = sn.panel + j * sn.nr;
-        T s = x1[j];
-        for (int64_t i = j + 1; i < sn.nc; ++i)
-            s -= conj_if(col[i], Conj) * x1[i];
+        const T s = x1[j] - dot<Conj>(col + j + 1, x1 + j + 1, sn.nc - j - 1);
         x1[j] = Unit ? s : s / conj_if(col[j], Conj);
     }
 }
@@ -167,13 +187,8 @@ void gather_product(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, c
     if constexpr (!Loops) {
         core_gemv(Conj && is_complex_v<T> ? 'C' : 'T', m, sn.nc, T(-1), a, lda, w, T(1), x1);
     } else {
-        for (int64_t j = 0; j < sn.nc; ++j) {
-            const T *col = a + j * lda;
-            T s(0);
-            for (int64_t i = 0; i < m; ++i)
-                s += conj_if(col[i], Conj) * w[i];
-            x1[j] -= s;
-        }
+        for (int64_t j = 0; j < sn.nc; ++j)
+            x1[j] -= dot<Conj>(a + j * lda, w, m);
     }
 }
 

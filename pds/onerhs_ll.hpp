@@ -63,7 +63,7 @@ template <class K, class T, class I, class G> int64_t ll_forward(const sweep_sta
         update_below<K::conj>(st, sn, sn.upper, sn.n_off());
         return 0;
     } else if constexpr (K::factor == ll_factor::cholesky) {
-        lower_solve<K::conj>(sn, x1);
+        lower_solve<K::conj>(sn, x1, st.ld);
     } else {
         info = bunch_kaufman<K::conj>(bk_routines<K, T>::forward(), st, sn);
     }
@@ -100,9 +100,9 @@ template <class K, class T, class I, class G> int64_t ll_backward(const sweep_st
     if constexpr (K::factor == ll_factor::bunch_kaufman) {
         return bunch_kaufman<K::conj>(bk_routines<K, T>::backward(), st, sn);
     } else if constexpr (K::factor == ll_factor::cholesky) {
-        lower_transposed_solve<K::back_conj, false>(sn, x1);
+        lower_transposed_solve<K::back_conj, false, K::conj>(sn, x1, st.ld);
     } else {
-        lower_transposed_solve<K::back_conj, true>(sn, x1);
+        lower_transposed_solve<K::back_conj, true, K::conj>(sn, x1, st.ld);
         undo_interchanges(st, sn, st.f.row_pivots);
     }
     return 0;
