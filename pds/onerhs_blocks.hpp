@@ -192,11 +192,11 @@ void gather_product(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, c
     }
 }
 
-// The block's interchanges (1 … nc−1) applied to x1 in order.
+// The block's interchanges (1 … nc−1) applied to x1 in order (none without a pivot array).
 template <class T, class I, class G>
 void apply_interchanges(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const I *pivots)
 {
-    if (sn.nc >= 2)
+    if (sn.nc >= 2 && pivots != nullptr)
         core_laswp(st.x + sn.x0, st.ld, sn.nc - 1, st.pivots->of(pivots + sn.x0, sn.nc));
 }
 
@@ -204,7 +204,7 @@ void apply_interchanges(const sweep_state<T, I, G> &st, const supernode<T, I> &s
 template <class T, class I, class G>
 void undo_interchanges(const sweep_state<T, I, G> &st, const supernode<T, I> &sn, const I *pivots)
 {
-    if (sn.nc >= 2)
+    if (sn.nc >= 2 && pivots != nullptr)
         luspxm(&sn.nc, st.x + sn.x0, st.pivots->of(pivots + sn.x0, sn.nc));
 }
 

@@ -5,6 +5,7 @@
 // partial and widened ranges, and the failure paths.
 #include "onerhs_support.hpp"
 #include "alloc_fault.hpp"
+#include "zel/pds_solve.h"
 
 using namespace onerhs_test;
 
@@ -222,6 +223,137 @@ TYPED_TEST(OneRhs, RangesAndWidenedSweeps)
             EXPECT_EQ(x, b);
         }
     }
+}
+
+// The solve driver takes the one-vector kernels for one right-hand side of some factors (real
+// L·U with A, Bunch–Kaufman L·D·Lᵀ) and the block sweeps for several: both paths solve
+// P·A·Pᵀ and agree, for every factor kind and both widths.
+template <class I> void driver_paths(int type, int pivoting, int transposed)
+{
+    using T = double;
+    using S = solver_api<T, I>;
+    const dense_matrix<T> a = test_matrix<T>(type, 80, uint64_t(type + 50));
+    std::vector<I> ptr{0}, idx;
+    std::vector<T> val;
+    for (int64_t i = 0; i < a.n; ++i) {
+        for (int64_t j = 0; j < a.n; ++j)
+            if (a.at(i, j) != T(0) || i == j) {
+                idx.push_back(I(j));
+                val.push_back(a.at(i, j));
+            }
+        ptr.push_back(I(idx.size()));
+    }
+    zel_pds_solver *s = nullptr;
+    zel_pds_options o;
+    zel_pds_default_options(&o);
+    o.matching = o.scaling = ZEL_PDS_OFF;
+    o.pivoting = pivoting;
+    typename S::exported e{};
+    ASSERT_EQ(S::create(&s, type), ok);
+    ASSERT_EQ(zel_pds_set_options(s, &o), ok);
+    ASSERT_EQ(S::analyse(s, I(a.n), ptr.data(), idx.data(), val.data(), 0, ZEL_PDS_STORAGE_FULL), ok);
+    ASSERT_EQ(S::factorise(s, val.data()), ok);
+    ASSERT_EQ(S::export_factor(s, &e), ok);
+    zel_pds_frame fr{};
+    fr.n = e.n;
+    fr.nsuper = e.nsuper;
+    fr.lp64 = sizeof(I) == 4;
+    fr.super_ptr = e.super_ptr;
+    fr.col_ptr = e.col_ptr;
+    fr.row_ptr = e.row_ptr;
+    fr.row_index = e.row_index;
+    fr.l_values = e.l_values;
+    fr.u_col_ptr = e.u_col_ptr;
+    fr.u_values = e.u_values;
+    fr.row_pivots = e.row_pivots;
+    fr.col_pivots = e.col_pivots;
+    fr.diagonal = e.diagonal;
+    fr.bk_pivots = e.bk_pivots;
+    fr.perm = e.perm;
+    fr.matrix_type = type;
+    fr.pivoting = pivoting;
+    fr.transposed = transposed;
+    fr.ldb = fr.ldx = a.n;
+    fr.partitions = 1;
+    const auto b = random_rhs<T>(a.n, 77);
+    std::vector<T> b2 = b, x1(size_t(a.n)), x2(size_t(2 * a.n));
+    b2.insert(b2.end(), b.begin(), b.end());
+    int64_t error = -1;
+    fr.nrhs = 1;
+    zel_pds_pds_slv_nrhs_seq_real(&fr, b.data(), x1.data(), 0, &error);
+    ASSERT_EQ(error, 0);
+    fr.nrhs = 2;
+    zel_pds_pds_slv_nrhs_seq_real(&fr, b2.data(), x2.data(), 0, &error);
+    ASSERT_EQ(error, 0);
+    std::vector<int64_t> identity(size_t(a.n));
+    std::iota(identity.begin(), identity.end(), 0);
+    const op_of op{transposed != 0, false};
+    EXPECT_LT(backward_error(a, identity, op, widen_all(x1), b), tolerance<T>(a.n));
+    EXPECT_LT(relative_gap(x1, widen_all(std::vector<T>(x2.begin(), x2.begin() + a.n))), tolerance<T>(a.n));
+    EXPECT_EQ(0, std::memcmp(x2.data(), x2.data() + a.n, size_t(a.n) * sizeof(T)));
+    zel_pds_destroy(s);
+}
+
+TEST(OneRhsDriver, OneVectorAndBlockPathsAgree)
+{
+    for (auto [type, pivoting, transposed] : {std::tuple{11, 0, 0}, {11, 0, 1}, {1, 0, 0}, {-2, 1, 0}, {-2, 0, 0},
+                                              {2, 0, 0}}) {
+        SCOPED_TRACE("type " + std::to_string(type) + " pivoting " + std::to_string(pivoting) + " transposed " +
+                     std::to_string(transposed));
+        driver_paths<int64_t>(type, pivoting, transposed);
+        driver_paths<int32_t>(type, pivoting, transposed);
+    }
+}
+
+// The one-vector path of the driver refuses interchanges that leave their blocks, as the block
+// sweeps do, and fails cleanly when its work vector cannot be had.
+TEST(OneRhsDriver, OneVectorPathRefusesAndFailsCleanly)
+{
+    const factor<double> f = block_factor<double>({3, 2, 4}, std::vector<int64_t>(9, 1), true, kind::lu, 31);
+    std::vector<int64_t> perm(size_t(f.n)), bad = f.row_pivots;
+    std::iota(perm.begin(), perm.end(), 0);
+    zel_pds_frame fr{};
+    fr.n = f.n;
+    fr.nsuper = f.nsuper;
+    fr.super_ptr = f.super_ptr.data();
+    fr.col_ptr = f.col_ptr.data();
+    fr.row_ptr = f.row_ptr.data();
+    fr.row_index = f.row_index.data();
+    fr.l_values = f.l.data();
+    fr.u_col_ptr = f.u_col_ptr.data();
+    fr.u_values = f.u.data();
+    fr.row_pivots = f.row_pivots.data();
+    fr.col_pivots = f.col_pivots.data();
+    fr.perm = perm.data();
+    fr.matrix_type = 11;
+    fr.nrhs = 1;
+    fr.ldb = fr.ldx = f.n;
+    const auto b = random_rhs<double>(f.n, 5);
+    std::vector<double> x(size_t(f.n), 0.0);
+    int64_t error = -1;
+    zel_pds_pds_slv_nrhs_seq_real(&fr, b.data(), x.data(), 0, &error);
+    ASSERT_EQ(error, 0);
+    const auto expect = reference<double>{f, {"unsym_n", kind::lu, false, false}}(widen_all(b), 1, f.nsuper, 0);
+    EXPECT_LT(relative_gap(x, expect), tolerance<double>(f.n));
+    bad[4] = 3; // block 2 has two columns
+    fr.row_pivots = bad.data();
+    std::fill(x.begin(), x.end(), 0.0);
+    zel_pds_pds_slv_nrhs_seq_real(&fr, b.data(), x.data(), 0, &error);
+    EXPECT_EQ(error, 2);
+    EXPECT_EQ(x, std::vector<double>(size_t(f.n), 0.0));
+    fr.row_pivots = f.row_pivots.data();
+    zel::test::for_each_failing_allocation(
+        [&] {
+            std::fill(x.begin(), x.end(), 0.0);
+            int64_t e = -1;
+            zel_pds_pds_slv_nrhs_seq_real(&fr, b.data(), x.data(), 0, &e);
+            return int(e);
+        },
+        [&](int64_t k, int result, const zel::test::allocator_probe &probe) {
+            EXPECT_EQ(result, 1) << "allocation " << k;
+            EXPECT_EQ(x, std::vector<double>(size_t(f.n), 0.0));
+            EXPECT_EQ(probe.live(), 0);
+        });
 }
 
 // A missing x, or any failed allocation, sets error 1 and leaves x as it was; nothing leaks.
