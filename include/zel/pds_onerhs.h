@@ -5,8 +5,13 @@
  * argument), and the core's helpers they import.
  * Members: zel_pds_[lp64_][sp_]<kernel>_<real|cmplx>: lp64_ takes 32-bit integers in every
  * index array and scalar (64-bit otherwise), sp_ single-precision values (double otherwise),
- * cmplx pairs of them. blkslv_ll_[bsr_|vbsr_]<stem>: one pass over the range (scalar entries,
- * fixed bs × bs blocks, variable blocks through block_start).
+ * cmplx pairs of them. blkslv_ll_[bsr_|vbsr_]<stem>: the steps over a supernode range in one
+ * pass (scalar entries, fixed bs × bs blocks, variable blocks through block_start);
+ * blkslv_tl_…: the same by partitions run one after another (real stems); fwd_omp_mic,
+ * bwd_omp_mic: one sweep over a range, the forward one sending updates past the range to an
+ * outside accumulator; blkslv_omp_mic: a whole solve by partitions over them; fwd_nrhs,
+ * bwd_nrhs: a sweep on each of nrhs columns; fwd_perm_sol, bwd_perm_sol: the permutation into
+ * and out of the factor's order.
  * Conventions: positions in the index arrays are 1-based; x holds the right-hand side on entry
  * and the result of the selected steps on return; step 0 runs every step, 1 the forward sweep,
  * 2 the diagonal step, 3 the backward sweep; control[1] 3 (2) widens the forward (backward)
