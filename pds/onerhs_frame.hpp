@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "zel/core_imports.h"
+#include "zel_internal/checked.hpp"
 #include "zel_internal/members.hpp"
 #include "zel_internal/scratch.hpp"
 #include "zel_internal/value_traits.hpp"
@@ -32,6 +33,7 @@ template <class T, class I> struct factor_view {
 // scalar panel rows of a supernode whose first block column b spans d positions.
 struct scalar_blocks {
     bool valid() const { return true; }
+    bool fits(int64_t) const { return true; }
     int64_t row(int64_t b) const { return b; }
     int64_t size(int64_t) const { return 1; }
     int64_t offset(int64_t p) const { return p; }
@@ -39,7 +41,9 @@ struct scalar_blocks {
 };
 struct fixed_blocks {
     int64_t bs;
-    bool valid() const { return bs >= 1; }
+    // bs² and the scalar rows must fit (the largest value offset is the caller's array length).
+    bool valid() const { return bs >= 1 && checked_mul(bs, bs).has_value(); }
+    bool fits(int64_t n) const { return checked_mul(n, bs).has_value(); }
     int64_t row(int64_t b) const { return b * bs; }
     int64_t size(int64_t) const { return bs; }
     int64_t offset(int64_t p) const { return p * bs * bs; }
@@ -51,6 +55,7 @@ struct fixed_blocks {
 template <class I> struct variable_blocks {
     const I *start;
     bool valid() const { return start != nullptr; }
+    bool fits(int64_t) const { return true; }
     int64_t row(int64_t b) const { return int64_t(start[b]) - 1; }
     int64_t size(int64_t b) const { return int64_t(start[b + 1]) - start[b]; }
     int64_t offset(int64_t p) const { return p; }
@@ -98,6 +103,10 @@ void for_off_rows(const supernode<T, I> &sn, const G &g, Visit &&visit)
 
 // The scalar rows of x.
 template <class G> int64_t scalar_rows(const G &g, int64_t n) { return g.row(n); }
+
+// Whether a geometry describes n block rows whose scalar count fits: checked before anything
+// is computed from it.
+template <class G> bool usable(const G &g, int64_t n) { return n >= 0 && g.valid() && g.fits(n); }
 
 // The widest supernode of a range, in scalar columns.
 template <class T, class I, class G>

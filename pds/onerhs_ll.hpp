@@ -151,7 +151,7 @@ int64_t blkslv_ll(const factor_view<T, I> &f, const G &g, int64_t first, int64_t
 {
     if (x == nullptr)
         return 1;
-    if (!g.valid())
+    if (!usable(g, f.n))
         return 2;
     const int64_t rows = scalar_rows(g, f.n);
     scratch_array<T> work(size_t(std::max<int64_t>(rows, 1)), work_alignment);
@@ -224,7 +224,7 @@ int64_t blkslv_tl(const factor_view<T, I> &f, const G &g, int64_t first, int64_t
 {
     if (x == nullptr)
         return 1;
-    if (!g.valid())
+    if (!usable(g, f.n))
         return 2;
     const int64_t rows = std::max<int64_t>(scalar_rows(g, f.n), 1);
     scratch_array<T> work(size_t(rows), work_alignment), partial(size_t(rows), work_alignment);

@@ -133,7 +133,7 @@ int64_t fwd_omp_mic(const factor_view<T, I> &f, const G &g, int64_t first, int64
 {
     if (x == nullptr)
         return 1;
-    if (!g.valid())
+    if (!usable(g, f.n))
         return 2;
     if (first > last)
         return 0;
@@ -159,7 +159,7 @@ int64_t bwd_omp_mic(const factor_view<T, I> &f, const G &g, int64_t first, int64
 {
     if (x == nullptr)
         return 1;
-    if (!g.valid())
+    if (!usable(g, f.n))
         return 2;
     const int64_t rows = std::max<int64_t>(scalar_rows(g, f.n), 1);
     sweep_scratch<T, I> scratch;
@@ -180,7 +180,7 @@ int64_t blkslv_omp_mic(const factor_view<T, I> &f, const G &g, T *x, const sweep
 {
     if (x == nullptr)
         return 1;
-    if (!g.valid())
+    if (!usable(g, f.n))
         return 2;
     const int64_t rows = std::max<int64_t>(scalar_rows(g, f.n), 1);
     sweep_scratch<T, I> scratch;
@@ -219,7 +219,7 @@ int64_t sweep_nrhs(const factor_view<T, I> &f, const G &g, int64_t nrhs, T *x, i
 {
     if (nrhs <= 0)
         return 0;
-    if (x == nullptr || !g.valid())
+    if (x == nullptr || !usable(g, f.n))
         return x == nullptr ? 1 : 2;
     const int64_t rows = std::max<int64_t>(scalar_rows(g, f.n), 1);
     if (nrhs > 1 && ldx < rows)
