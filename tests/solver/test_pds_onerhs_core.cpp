@@ -4,7 +4,6 @@
 // partition bounds and the yield.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <complex>
 #include <numeric>
 #include <random>
@@ -125,8 +124,8 @@ TEST(OneRhsCoreHelpers, InterchangesUndoneInReverse)
     std::vector<float> s{10, 20, 30, 40};
     std::vector<std::complex<float>> c{{1, 1}, {2, 2}, {3, 3}, {4, 4}};
     // The forward interchanges (as laswp applies them), then the routine: the identity.
-    zel_lapack_dlaswp(&n, x.data(), &n, std::array<int64_t, 1>{1}.data(), std::array<int64_t, 1>{4}.data(),
-                      ipiv.data(), std::array<int64_t, 1>{1}.data());
+    const int64_t one = 1;
+    zel_lapack_dlaswp(&one, x.data(), &n, &one, &n, ipiv.data(), &one);
     EXPECT_EQ(x, (std::vector<double>{30, 10, 40, 20}));
     zel_pds_luspxm_varisol(&n, x.data(), ipiv.data());
     EXPECT_EQ(x, (std::vector<double>{10, 20, 30, 40}));
