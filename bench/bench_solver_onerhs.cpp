@@ -27,7 +27,7 @@ double streaming_read(int repeats)
     const size_t count = size_t(32) << 20;
     std::vector<double> a(count, 1.0);
     volatile double sink = 0;
-    const double best = best_of(std::max(repeats, 3), [&] {
+    const double best = best_of(std::max(repeats, 10), [&] {
         double s0 = 0, s1 = 0, s2 = 0, s3 = 0;
         for (size_t i = 0; i < count; i += 4) {
             s0 += a[i];

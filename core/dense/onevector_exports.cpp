@@ -8,7 +8,9 @@
 #include "zel/dense_kernels.h"
 #include "zel_internal/members.hpp"
 
+#include "onevector_small.hpp"
 #include "openblas.hpp"
+#include "zel_internal/isa.hpp"
 #include "zel_internal/value_traits.hpp"
 
 namespace zel::dense {
@@ -32,51 +34,19 @@ void one_rhs_trsm(const char *side, const char *uplo, const char *transa, const 
 // arithmetic (the solve kernels call once per supernode, mostly on small panels).
 constexpr int64_t small_gemv_entries = 2048;
 
-template <class T> T conj_of(T v, bool c)
+// The small-panel product for this processor; ZEL_DENSE_ISA ("baseline", "avx2") can only lower
+// the choice.
+const onevector_set *choose_onevector()
 {
-    if constexpr (is_complex_v<T>)
-        return c ? std::conj(v) : v;
-    else
-        return v;
-}
-
-// y = alpha·op(A)·x + beta·y on unit strides: columns as axpys ("N"), dot products in four
-// partial sums ("T", "C").
-template <class T>
-void small_gemv(char trans, int64_t m, int64_t n, T alpha, const T *a, int64_t lda, const T *x, T beta, T *y)
-{
-    const bool plain = trans == 'N' || trans == 'n', c = trans == 'C' || trans == 'c';
-    const int64_t ny = plain ? m : n;
-    if (beta == T(0))
-        for (int64_t i = 0; i < ny; ++i)
-            y[i] = T(0);
-    else if (beta != T(1))
-        for (int64_t i = 0; i < ny; ++i)
-            y[i] *= beta;
-    if (plain) {
-        for (int64_t j = 0; j < n; ++j) {
-            const T t = alpha * x[j];
-            const T *col = a + j * lda;
-            for (int64_t i = 0; i < m; ++i)
-                y[i] += col[i] * t;
-        }
-        return;
-    }
-    for (int64_t j = 0; j < n; ++j) {
-        const T *col = a + j * lda;
-        T s0(0), s1(0), s2(0), s3(0);
-        int64_t i = 0;
-        for (; i + 4 <= m; i += 4) {
-            s0 += conj_of(col[i], c) * x[i];
-            s1 += conj_of(col[i + 1], c) * x[i + 1];
-            s2 += conj_of(col[i + 2], c) * x[i + 2];
-            s3 += conj_of(col[i + 3], c) * x[i + 3];
-        }
-        for (; i < m; ++i)
-            s0 += conj_of(col[i], c) * x[i];
-        y[j] += alpha * ((s0 + s1) + (s2 + s3));
+    switch (choose_isa("ZEL_DENSE_ISA")) {
+    case isa_level::avx512: return &onevector_avx512;
+    case isa_level::avx2: return &onevector_avx2;
+    default: return &onevector_base;
     }
 }
+// Starts on the baseline set (constant-initialised) so that no caller can see a null table.
+const onevector_set *onevector_active = &onevector_base;
+[[maybe_unused]] const bool onevector_chosen = (onevector_active = choose_onevector(), true);
 
 template <class T>
 void one_vector_gemv(const char *trans, const int64_t *m, const int64_t *n, const T *alpha, const T *a,
@@ -84,10 +54,11 @@ void one_vector_gemv(const char *trans, const int64_t *m, const int64_t *n, cons
 {
     const bool small = trans != nullptr && m != nullptr && n != nullptr && lda != nullptr && incx != nullptr &&
                        incy != nullptr && alpha != nullptr && beta != nullptr && *incx == 1 && *incy == 1 &&
-                       *m >= 0 && *n >= 0 && *lda >= std::max<int64_t>(1, *m) && *m * *n <= small_gemv_entries &&
+                       *m >= 0 && *n >= 0 && *lda >= std::max<int64_t>(1, *m) && *m <= small_gemv_entries && *n <= small_gemv_entries &&
+                       *m * *n <= small_gemv_entries &&
                        std::strchr("NnTtCc", *trans) != nullptr && *trans != '\0';
     if (small)
-        small_gemv(*trans, *m, *n, *alpha, a, *lda, x, *beta, y);
+        onevector_active->of(static_cast<T *>(nullptr))(*trans, *m, *n, *alpha, a, *lda, x, *beta, y);
     else
         openblas<T>::gemv(trans, m, n, alpha, a, lda, x, incx, beta, y, incy, 1);
 }
