@@ -260,8 +260,8 @@ template <class T, class I> int64_t bk_diagonal_step(const zel_pds_frame &f, T *
 
 // One right-hand side of the real L·U factor (solved with A) and of the Bunch–Kaufman L·D·Lᵀ
 // factor goes through the one-vector kernels: `zel bench solver --section onerhs` measured them
-// at 1.0 to 1.6 times the speed of the block sweeps on those factors, while the block sweeps
-// stay ahead on Cholesky factors (0.65 to 0.96).
+// at 1.04 to 1.66 times the speed of the block sweeps on those factors (0.87 on the smallest,
+// rajat19), while the block sweeps stay ahead on Cholesky factors (0.59 to 0.87).
 template <class T> bool one_vector_faster(factor_kind kind)
 {
     return std::is_same_v<T, double> && (kind == factor_kind::lu || kind == factor_kind::bunch_kaufman);
