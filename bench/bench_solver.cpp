@@ -317,6 +317,7 @@ const solver_section sections[] = {
     {"matrices", matrices, print_cholesky_legend},   {"unsym3d", unsym3d, print_lu_legend},
     {"unsym2d", unsym2d, print_lu_legend},           {"unsym_matrices", unsym_matrices, print_lu_legend},
     {"kkt", kkt, print_lu_legend},                   {"indef_matrices", indef_matrices, print_lu_legend},
+    {"onerhs", onerhs_section, nullptr},
 };
 
 int run_solver_bench(const request &what)
@@ -329,7 +330,7 @@ int run_solver_bench(const request &what)
     void (*shown)(int) = nullptr;
     for (const solver_section &s : sections)
         if (what.runs(find_section(*what.suite, s.name))) {
-            if (s.legend != shown)
+            if (s.legend != shown && s.legend != nullptr)
                 s.legend(what.repeats);
             shown = s.legend;
             std::printf("== %s\n", s.name);

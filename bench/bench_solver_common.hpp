@@ -95,5 +95,7 @@ int kkt(int repeats);
 int indef_matrices(int repeats);
 // What the LU and L·D·Lᵀ tables show.
 void print_lu_legend(int repeats);
+// The one-right-hand-side kernels (bench_solver_onerhs.cpp).
+int onerhs_section(int repeats);
 
 } // namespace zel::bench

@@ -15,5 +15,6 @@
 #include "zel/sparse_syrk.h"
 #include "zel/pds.h"
 #include "zel/pds_solve.h"
+#include "zel/pds_onerhs.h"
 
 #endif

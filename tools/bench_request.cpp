@@ -48,6 +48,7 @@ const suite_info suites[] = {
       {"unsym_matrices", "LU: the 13 real unsymmetric test matrices (west0479, ..., sherman3)"},
       {"kkt", "L·D·Lᵀ: saddle point [[H, Bᵀ], [B, 0]], H a 500^2-grid Laplacian, 62,500 constraints"},
       {"indef_matrices", "L·D·Lᵀ: hangGlider_2, tumorAntiAngiogenesis_2, reorientation_1"},
+      {"onerhs", "one right-hand side: the layer's blkslv_ll kernels vs the core's block sweeps, GB/s"},
       {nullptr, nullptr}}},
     {nullptr, nullptr, nullptr, 0, 0, {{nullptr, nullptr}}},
 };

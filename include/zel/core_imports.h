@@ -5,5 +5,6 @@
 #include "zel/runtime.h"
 #include "zel/dense_kernels.h"
 #include "zel/pds_solve.h"
+#include "zel/pds_onerhs.h"
 
 #endif

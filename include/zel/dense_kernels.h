@@ -155,6 +155,39 @@ ZEL_API void zel_blas_xccopy(const int64_t *n, const zel_complex8 *x, const int6
 ZEL_API void zel_blas_xzcopy(const int64_t *n, const zel_complex16 *x, const int64_t *incx, zel_complex16 *y,
                              const int64_t *incy);
 
+/* The same triangular solve for the solver's one-right-hand-side kernels (n = 1 on the left
+ * with alpha 1 runs as a triangular matrix-vector solve). */
+ZEL_API void zel_blas_xstrsm(const char *side, const char *uplo, const char *transa, const char *diag,
+                             const int64_t *m, const int64_t *n, const float *alpha, const float *a,
+                             const int64_t *lda, float *b, const int64_t *ldb, size_t side_len,
+                             size_t uplo_len, size_t transa_len, size_t diag_len);
+ZEL_API void zel_blas_xdtrsm(const char *side, const char *uplo, const char *transa, const char *diag,
+                             const int64_t *m, const int64_t *n, const double *alpha, const double *a,
+                             const int64_t *lda, double *b, const int64_t *ldb, size_t side_len,
+                             size_t uplo_len, size_t transa_len, size_t diag_len);
+ZEL_API void zel_blas_xctrsm(const char *side, const char *uplo, const char *transa, const char *diag,
+                             const int64_t *m, const int64_t *n, const zel_complex8 *alpha, const zel_complex8 *a,
+                             const int64_t *lda, zel_complex8 *b, const int64_t *ldb, size_t side_len,
+                             size_t uplo_len, size_t transa_len, size_t diag_len);
+ZEL_API void zel_blas_xztrsm(const char *side, const char *uplo, const char *transa, const char *diag,
+                             const int64_t *m, const int64_t *n, const zel_complex16 *alpha, const zel_complex16 *a,
+                             const int64_t *lda, zel_complex16 *b, const int64_t *ldb, size_t side_len,
+                             size_t uplo_len, size_t transa_len, size_t diag_len);
+
+/* y = alpha*op(A)*x + beta*y (trans "N", "T" or "C"). */
+ZEL_API void zel_blas_xsgemv(const char *trans, const int64_t *m, const int64_t *n, const float *alpha,
+                             const float *a, const int64_t *lda, const float *x, const int64_t *incx,
+                             const float *beta, float *y, const int64_t *incy, size_t trans_len);
+ZEL_API void zel_blas_xdgemv(const char *trans, const int64_t *m, const int64_t *n, const double *alpha,
+                             const double *a, const int64_t *lda, const double *x, const int64_t *incx,
+                             const double *beta, double *y, const int64_t *incy, size_t trans_len);
+ZEL_API void zel_blas_xcgemv(const char *trans, const int64_t *m, const int64_t *n, const zel_complex8 *alpha,
+                             const zel_complex8 *a, const int64_t *lda, const zel_complex8 *x, const int64_t *incx,
+                             const zel_complex8 *beta, zel_complex8 *y, const int64_t *incy, size_t trans_len);
+ZEL_API void zel_blas_xzgemv(const char *trans, const int64_t *m, const int64_t *n, const zel_complex16 *alpha,
+                             const zel_complex16 *a, const int64_t *lda, const zel_complex16 *x, const int64_t *incx,
+                             const zel_complex16 *beta, zel_complex16 *y, const int64_t *incy, size_t trans_len);
+
 ZEL_END_DECLS
 
 #endif
