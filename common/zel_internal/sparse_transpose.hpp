@@ -276,7 +276,7 @@ inline void streaming_stores_done()
 #endif
 }
 
-inline constexpr int symmetric_prefetch_entries = 96;
+inline constexpr int symmetric_prefetch_entries = 48;
 
 // A packed square pattern with sorted rows that equals its own transpose keeps its offsets and
 // indices: only the values move, and they move in pairs. Entry (i, j) above the diagonal
@@ -284,7 +284,7 @@ inline constexpr int symmetric_prefetch_entries = 96;
 // column i; by the time row j is reached its part below the diagonal must be read exactly.
 // Then the arrays are the stable counting sort's, with a third of the scattered traffic: row i
 // is written in order except for its partners ahead. Returns false at the first mismatch: the
-// offsets are still zero and the general path overwrites whatever was written.
+// offsets are untouched and the general path overwrites whatever was written.
 template <class T, class I, bool Values, bool Conjugate>
 bool transpose_symmetric_pattern(const compressed_view<T, I> &a, const compressed_output<T, I> &out, I *cursor)
 {
@@ -327,6 +327,7 @@ bool transpose_symmetric_pattern(const compressed_view<T, I> &a, const compresse
             __builtin_prefetch(index + p + symmetric_prefetch_entries);
             if constexpr (Values) {
                 __builtin_prefetch(values + p + symmetric_prefetch_entries);
+                __builtin_prefetch(out_values + p + symmetric_prefetch_entries, 1);
                 out_values[e] = moved(values[p]);
                 out_values[p] = moved(values[e]);
             }
@@ -346,6 +347,7 @@ void transpose_one_part_auto(const compressed_view<T, I> &a, const compressed_ou
     constexpr I wide = I(1) << 16;
     if (transpose_symmetric_pattern<T, I, Values, Conjugate>(a, out, cursor))
         return;
+    std::fill(out.starts, out.starts + a.extent + 1, I(0)); // the scatters count from zero
     if (a.extent >= wide && scattered_pattern(a) && transpose_by_ranges<T, I, Values, Conjugate>(a, out, cursor))
         return;
     transpose_one_part<T, I, Values, Conjugate>(a, out);
@@ -373,12 +375,12 @@ int transpose_matrix(const compressed_view<T, I> &a, I nnz, I nparts, bool conju
     scratch_array<I> parts(static_cast<size_t>(nparts) + 1, alignment);
     if (!parts)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    std::fill(out.starts, out.starts + a.extent + 1, I(0));
     conjugate = conjugate && is_complex_v<T>;
     if (nparts == 1 && a.block == 1) { // one part is all rows: no partition walk needed
         transpose_scalar(a, conjugate, out, work);
         return ZEL_SPARSE_STATUS_SUCCESS;
     }
+    std::fill(out.starts, out.starts + a.extent + 1, I(0));
     partition_by_entries(parts.get(), nparts, a, nnz);
     transpose_in_parts(a, nparts, parts.get(), conjugate, out, work);
     return ZEL_SPARSE_STATUS_SUCCESS;
