@@ -273,6 +273,126 @@ TYPED_TEST(SparseTranspose, KernelWideScatteredPatterns)
         }
 }
 
+// A structurally symmetric, sorted pattern moves only its values; any flaw in the symmetry,
+// the order or the packing sends it back to the general scatter. Every case must give the
+// arrays of the several-part path (which never takes the shortcut) and the definition.
+template <class T, class I> struct symmetric_case {
+    std::vector<std::vector<I>> rows; // zero-based columns, in stored order
+    I n = 0;
+};
+
+template <class T, class I> symmetric_case<T, I> banded_symmetric(I n, I bandwidth, std::mt19937_64 &rng)
+{
+    symmetric_case<T, I> c;
+    c.n = n;
+    c.rows.resize(n);
+    std::bernoulli_distribution keep(0.6);
+    for (I i = 0; i < n; ++i) {
+        if (i % 5 != 3) // some rows (and so columns) stay empty, the diagonal too
+            c.rows[i].push_back(i);
+        for (I j = i + 1; j < std::min<I>(n, i + bandwidth + 1); ++j)
+            if (i % 5 != 3 && j % 5 != 3 && keep(rng))
+                c.rows[i].push_back(j), c.rows[j].push_back(i);
+    }
+    for (auto &r : c.rows)
+        std::sort(r.begin(), r.end());
+    return c;
+}
+
+template <class T, class I>
+void expect_as_general(const symmetric_case<T, I> &c, I base, I lead, bool with_values, int op, std::mt19937_64 &rng,
+                       const char *what)
+{
+    // Packed rows after `lead` unused slots, values unsymmetric.
+    std::vector<I> starts{I(lead + base)}, indices(lead, I(-7));
+    std::vector<T> values(lead, T(-7));
+    for (const auto &r : c.rows) {
+        for (I j : r)
+            indices.push_back(j + base), values.push_back(random_value<T>(rng));
+        starts.push_back(static_cast<I>(indices.size()) + base);
+    }
+    const I n = c.n, nnz = static_cast<I>(indices.size());
+    auto run = [&](I nparts, std::vector<I> &o, std::vector<I> &ix, std::vector<T> &v) {
+        o.assign(n + 1, -3);
+        ix.assign(nnz, -3);
+        v.assign(values.size(), T(-3));
+        std::vector<I> work(size_t(nparts) * n, 11);
+        return transpose_kernel(n, n, nnz, nparts, op, base, 1, starts.data(), starts.data() + 1, indices.data(),
+                                with_values ? values.data() : nullptr, o.data(), ix.data(),
+                                with_values ? v.data() : nullptr, work.data());
+    };
+    std::vector<I> o1, i1, o2, i2;
+    std::vector<T> v1, v2;
+    ASSERT_EQ(run(1, o1, i1, v1), 0) << what;
+    ASSERT_EQ(run(2, o2, i2, v2), 0) << what;
+    EXPECT_EQ(o1, o2) << what;
+    EXPECT_EQ(i1, i2) << what;
+    EXPECT_EQ(v1, v2) << what;
+    // Entry (i, j) of A is entry (j, i) of the result, in row order, conjugated for op 12.
+    std::vector<I> next(o1.begin(), o1.end() - 1);
+    bool all_found = o1[0] == base && o1[n] == nnz - lead + base;
+    for (I i = 0; i < n && all_found; ++i)
+        for (I e = starts[i] - base; e < starts[i + 1] - base; ++e) {
+            const I q = next[indices[e] - base]++ - base;
+            const T want = op == op_c ? conj_of(values[e]) : values[e];
+            all_found = all_found && i1[q] == i + base && (!with_values || v1[q] == want);
+        }
+    EXPECT_TRUE(all_found) << what;
+}
+
+TYPED_TEST(SparseTranspose, KernelSymmetricPatternsAsTheGeneralPath)
+{
+    using T = typename TypeParam::T;
+    using I = typename TypeParam::I;
+    std::mt19937_64 rng(41);
+    for (I base : {0, 1})
+        for (bool with_values : {true, false})
+            for (int op : {op_t, op_c}) {
+                const auto c = banded_symmetric<T, I>(37, 6, rng);
+                expect_as_general<T, I>(c, base, 0, with_values, op, rng, "symmetric");
+                expect_as_general<T, I>(c, base, 3, with_values, op, rng, "symmetric after unused slots");
+                // One entry more or less, in the first, a middle and the last row.
+                for (I i : {I(0), I(17), I(36)}) {
+                    auto broken = c;
+                    auto &r = broken.rows[i];
+                    const I j = i == 36 ? I(2) : I(36);
+                    if (std::find(r.begin(), r.end(), j) == r.end())
+                        r.insert(std::lower_bound(r.begin(), r.end(), j), j);
+                    else
+                        r.erase(std::find(r.begin(), r.end(), j));
+                    expect_as_general<T, I>(broken, base, 0, with_values, op, rng, "one entry unmatched");
+                    auto removed = c;
+                    if (!removed.rows[i].empty())
+                        removed.rows[i].pop_back();
+                    expect_as_general<T, I>(removed, base, 0, with_values, op, rng, "last entry of a row dropped");
+                }
+                // Symmetric but one row out of order; then a pair stored twice each way.
+                auto unsorted = c;
+                std::reverse(unsorted.rows[17].begin(), unsorted.rows[17].end());
+                expect_as_general<T, I>(unsorted, base, 0, with_values, op, rng, "row out of order");
+                auto twice = c;
+                for (auto [i, j] : {std::pair<I, I>{4, 5}, std::pair<I, I>{5, 4}})
+                    twice.rows[i].insert(std::lower_bound(twice.rows[i].begin(), twice.rows[i].end(), j), 2, j);
+                expect_as_general<T, I>(twice, base, 0, with_values, op, rng, "pair stored twice");
+                // A 1 x 1 and a diagonal-only pattern.
+                symmetric_case<T, I> one{{{0}}, 1};
+                expect_as_general<T, I>(one, base, 0, with_values, op, rng, "1 x 1");
+                symmetric_case<T, I> diagonal{{{0}, {}, {2}}, 3};
+                expect_as_general<T, I>(diagonal, base, 0, with_values, op, rng, "diagonal with a gap");
+                // Every row holds as many entries as its column, but the partners are crossed.
+                symmetric_case<T, I> crossed{{{0, 2}, {1, 3}, {1, 2}, {0, 3}}, 4};
+                expect_as_general<T, I>(crossed, base, 0, with_values, op, rng, "partners crossed");
+                auto swapped = c; // the same in the band: two lower entries trade rows
+                for (I j = 20; j < 36; ++j)
+                    if (!swapped.rows[j].empty() && swapped.rows[j][0] < j && !swapped.rows[j + 1].empty() &&
+                        swapped.rows[j + 1][0] < swapped.rows[j][0]) {
+                        std::swap(swapped.rows[j][0], swapped.rows[j + 1][0]);
+                        break;
+                    }
+                expect_as_general<T, I>(swapped, base, 0, with_values, op, rng, "lower entries traded");
+            }
+}
+
 TYPED_TEST(SparseTranspose, KernelWithOneLongRowAndEmptyParts)
 {
     using T = typename TypeParam::T;

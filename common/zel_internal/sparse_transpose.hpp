@@ -3,12 +3,20 @@
 // both run it.
 //
 // Routes: several parts or blocks -> part-wise counting and reverse scatter (transpose_in_parts);
-// one part of scalars -> direct scatter through the offsets (transpose_one_part), or, for wide
-// scattered patterns, a scatter staged by ranges of output rows (transpose_by_ranges).
+// one part of scalars -> a square pattern equal to its transpose keeps its offsets and indices
+// and only swaps values (transpose_symmetric_pattern); otherwise direct scatter through the
+// offsets (transpose_one_part), or, for wide scattered patterns, a scatter staged by ranges of
+// output rows (transpose_by_ranges).
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <utility>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
 
 #include "zel_internal/sparse_records.hpp"
 
@@ -239,12 +247,107 @@ bool transpose_by_ranges(const compressed_view<T, I> &a, const compressed_output
     return true;
 }
 
+// Stores v at *out past the cache when the processor can: a result written once, in order,
+// and far larger than the cache has no reason to evict what the reads still need.
+template <class T> inline void store_streaming(T *out, const T &v)
+{
+#if defined(__x86_64__)
+    if constexpr (sizeof(T) % 8 == 0) {
+        for (size_t w = 0; w < sizeof(T) / 8; ++w) {
+            long long word;
+            std::memcpy(&word, reinterpret_cast<const char *>(&v) + 8 * w, 8);
+            _mm_stream_si64(reinterpret_cast<long long *>(out) + w, word);
+        }
+        return;
+    } else if constexpr (sizeof(T) == 4) {
+        int word;
+        std::memcpy(&word, &v, 4);
+        _mm_stream_si32(reinterpret_cast<int *>(out), word);
+        return;
+    }
+#endif
+    *out = v;
+}
+
+inline void streaming_stores_done()
+{
+#if defined(__x86_64__)
+    _mm_sfence();
+#endif
+}
+
+inline constexpr int symmetric_prefetch_entries = 48;
+
+// A packed square pattern with sorted rows that equals its own transpose keeps its offsets and
+// indices: only the values move, and they move in pairs. Entry (i, j) above the diagonal
+// trades values with the next unread entry below the diagonal of row j, which must lie in
+// column i; by the time row j is reached its part below the diagonal must be read exactly.
+// Then the arrays are the stable counting sort's, with a third of the scattered traffic: row i
+// is written in order except for its partners ahead. Returns false at the first mismatch: the
+// offsets are untouched and the general path overwrites whatever was written.
+template <class T, class I, bool Values, bool Conjugate>
+bool transpose_symmetric_pattern(const compressed_view<T, I> &a, const compressed_output<T, I> &out, I *cursor)
+{
+    const I n = a.slices, base = a.base;
+    if (n < 1 || a.extent != n || !a.three_array())
+        return false;
+    const I *__restrict starts = a.starts;
+    const I first = starts[0], total = starts[n] - first;
+    const I *__restrict index = a.index + (first - base); // entries from 0, as the output's
+    const T *__restrict values = a.values + (a.values != nullptr ? first - base : 0);
+    I *__restrict out_index = out.index;
+    T *__restrict out_values = out.values;
+    auto moved = [](const T &v) { return Conjugate ? conj_if(v, true) : v; };
+    for (I j = 0; j < n; ++j)
+        cursor[j] = starts[j] - first;
+    for (I i = 0; i < n; ++i) {
+        const I row = i + base, end = starts[i + 1] - first;
+        I e = starts[i] - first, previous = base;
+        for (; e < end && index[e] < row; ++e) { // filled by their partners already
+            if (index[e] < previous) [[unlikely]]
+                return false;
+            previous = index[e];
+            store_streaming(out_index + e, previous);
+        }
+        if (cursor[i] != e) [[unlikely]]
+            return false;
+        for (; e < end && index[e] == row; ++e) {
+            store_streaming(out_index + e, row);
+            if constexpr (Values)
+                out_values[e] = moved(values[e]);
+        }
+        for (previous = row; e < end; ++e) {
+            const I col = index[e];
+            const I p = cursor[col - base]++;
+            if (col < previous || p >= total || index[p] != row) [[unlikely]]
+                return false;
+            previous = col;
+            store_streaming(out_index + e, col);
+            // The partners lie in rows not yet reached: fetch ahead of each one's cursor.
+            __builtin_prefetch(index + p + symmetric_prefetch_entries);
+            if constexpr (Values) {
+                __builtin_prefetch(values + p + symmetric_prefetch_entries);
+                __builtin_prefetch(out_values + p + symmetric_prefetch_entries, 1);
+                out_values[e] = moved(values[p]);
+                out_values[p] = moved(values[e]);
+            }
+        }
+    }
+    streaming_stores_done();
+    for (I j = 0; j <= n; ++j)
+        out.starts[j] = starts[j] - first + base;
+    return true;
+}
+
 // Scalar entries in one part: the two-pass scatter for scattered patterns of more than a
 // cache's worth of output, the direct one otherwise.
 template <class T, class I, bool Values, bool Conjugate>
 void transpose_one_part_auto(const compressed_view<T, I> &a, const compressed_output<T, I> &out, I *cursor)
 {
     constexpr I wide = I(1) << 16;
+    if (transpose_symmetric_pattern<T, I, Values, Conjugate>(a, out, cursor))
+        return;
+    std::fill(out.starts, out.starts + a.extent + 1, I(0)); // the scatters count from zero
     if (a.extent >= wide && scattered_pattern(a) && transpose_by_ranges<T, I, Values, Conjugate>(a, out, cursor))
         return;
     transpose_one_part<T, I, Values, Conjugate>(a, out);
@@ -272,12 +375,12 @@ int transpose_matrix(const compressed_view<T, I> &a, I nnz, I nparts, bool conju
     scratch_array<I> parts(static_cast<size_t>(nparts) + 1, alignment);
     if (!parts)
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    std::fill(out.starts, out.starts + a.extent + 1, I(0));
     conjugate = conjugate && is_complex_v<T>;
     if (nparts == 1 && a.block == 1) { // one part is all rows: no partition walk needed
         transpose_scalar(a, conjugate, out, work);
         return ZEL_SPARSE_STATUS_SUCCESS;
     }
+    std::fill(out.starts, out.starts + a.extent + 1, I(0));
     partition_by_entries(parts.get(), nparts, a, nnz);
     transpose_in_parts(a, nparts, parts.get(), conjugate, out, work);
     return ZEL_SPARSE_STATUS_SUCCESS;
