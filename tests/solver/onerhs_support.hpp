@@ -547,22 +547,61 @@ template <class T> dense_matrix<T> test_matrix(int type, int64_t n, uint64_t see
     return d;
 }
 
+// The four families of each value kind as typed-test parameters, named as the exports are.
+template <class T_, class I_> struct fam {
+    using T = T_;
+    using I = I_;
+    using F = family<T, I>;
+    using C = typename F::c_type;
+};
+using families = ::testing::Types<fam<double, int64_t>, fam<float, int64_t>, fam<double, int32_t>,
+                                  fam<float, int32_t>, fam<std::complex<double>, int64_t>,
+                                  fam<std::complex<float>, int64_t>, fam<std::complex<double>, int32_t>,
+                                  fam<std::complex<float>, int32_t>>;
+struct family_names {
+    template <class P> static std::string GetName(int)
+    {
+        return std::string(P::F::name) + (zel::is_complex_v<typename P::T> ? "cmplx" : "real");
+    }
+};
+
+template <class T> std::vector<T> random_rhs(int64_t n, uint64_t seed)
+{
+    std::mt19937_64 rng(seed);
+    std::vector<T> b(static_cast<size_t>(n));
+    for (auto &v : b)
+        v = random_value<T>(rng);
+    return b;
+}
+
+template <class T> double tolerance(int64_t n) { return 64.0 * double(n) * eps<T>; }
+
+// A dense matrix's nonzeros and its whole diagonal as 0-based CSR at width I.
+template <class T, class I> struct csr_of {
+    std::vector<I> ptr{0}, idx;
+    std::vector<T> val;
+};
+template <class T, class I> csr_of<T, I> to_csr(const dense_matrix<T> &a)
+{
+    csr_of<T, I> c;
+    for (int64_t i = 0; i < a.n; ++i) {
+        for (int64_t j = 0; j < a.n; ++j)
+            if (a.at(i, j) != T(0) || i == j) {
+                c.idx.push_back(I(j));
+                c.val.push_back(a.at(i, j));
+            }
+        c.ptr.push_back(I(c.idx.size()));
+    }
+    return c;
+}
+
 // Analyse (matching and scaling off) and factorise `a` as `type`; the exported factor in
 // scalar form, and perm. Returns false (with a test failure) when the library refuses.
 template <class T, class I>
 bool library_factor(const dense_matrix<T> &a, int type, int pivoting, factor<T> &out, std::vector<int64_t> &perm)
 {
     using S = solver_api<T, I>;
-    std::vector<I> ptr{0}, idx;
-    std::vector<T> val;
-    for (int64_t i = 0; i < a.n; ++i) {
-        for (int64_t j = 0; j < a.n; ++j)
-            if (a.at(i, j) != T(0) || i == j) {
-                idx.push_back(I(j));
-                val.push_back(a.at(i, j));
-            }
-        ptr.push_back(I(idx.size()));
-    }
+    const csr_of<T, I> c = to_csr<T, I>(a);
     zel_pds_solver *s = nullptr;
     zel_pds_options o;
     zel_pds_default_options(&o);
@@ -570,9 +609,9 @@ bool library_factor(const dense_matrix<T> &a, int type, int pivoting, factor<T> 
     o.scaling = ZEL_PDS_OFF;
     o.pivoting = pivoting;
     using C = typename family<T, I>::c_type;
-    const C *cv = reinterpret_cast<const C *>(val.data());
+    const C *cv = reinterpret_cast<const C *>(c.val.data());
     bool good = S::create(&s, type) == ok && zel_pds_set_options(s, &o) == ok &&
-                S::analyse(s, I(a.n), ptr.data(), idx.data(), cv, 0, ZEL_PDS_STORAGE_FULL) == ok &&
+                S::analyse(s, I(a.n), c.ptr.data(), c.idx.data(), cv, 0, ZEL_PDS_STORAGE_FULL) == ok &&
                 S::factorise(s, cv) == ok;
     zel_pds_statistics st{};
     typename S::exported e{};

@@ -12,33 +12,7 @@ using namespace onerhs_test;
 namespace {
 
 template <class P> struct OneRhs : ::testing::Test {};
-template <class T_, class I_> struct fam {
-    using T = T_;
-    using I = I_;
-    using F = family<T, I>;
-};
-using families = ::testing::Types<fam<double, int64_t>, fam<float, int64_t>, fam<double, int32_t>,
-                                  fam<float, int32_t>, fam<std::complex<double>, int64_t>,
-                                  fam<std::complex<float>, int64_t>, fam<std::complex<double>, int32_t>,
-                                  fam<std::complex<float>, int32_t>>;
-struct family_names {
-    template <class P> static std::string GetName(int)
-    {
-        return std::string(P::F::name) + (zel::is_complex_v<typename P::T> ? "cmplx" : "real");
-    }
-};
 TYPED_TEST_SUITE(OneRhs, families, family_names);
-
-template <class T> std::vector<T> random_rhs(int64_t n, uint64_t seed)
-{
-    std::mt19937_64 rng(seed);
-    std::vector<T> b(static_cast<size_t>(n));
-    for (auto &v : b)
-        v = random_value<T>(rng);
-    return b;
-}
-
-template <class T> double tolerance(int64_t n) { return 64.0 * double(n) * eps<T>; }
 
 // The matrix a stem solves with: M = P·A·Pᵀ, transposed and conjugated as the stem says.
 struct op_of {
@@ -233,16 +207,7 @@ template <class I> void driver_paths(int type, int pivoting, int transposed)
     using T = double;
     using S = solver_api<T, I>;
     const dense_matrix<T> a = test_matrix<T>(type, 80, uint64_t(type + 50));
-    std::vector<I> ptr{0}, idx;
-    std::vector<T> val;
-    for (int64_t i = 0; i < a.n; ++i) {
-        for (int64_t j = 0; j < a.n; ++j)
-            if (a.at(i, j) != T(0) || i == j) {
-                idx.push_back(I(j));
-                val.push_back(a.at(i, j));
-            }
-        ptr.push_back(I(idx.size()));
-    }
+    const csr_of<T, I> c = to_csr<T, I>(a);
     zel_pds_solver *s = nullptr;
     zel_pds_options o;
     zel_pds_default_options(&o);
@@ -251,8 +216,8 @@ template <class I> void driver_paths(int type, int pivoting, int transposed)
     typename S::exported e{};
     ASSERT_EQ(S::create(&s, type), ok);
     ASSERT_EQ(zel_pds_set_options(s, &o), ok);
-    ASSERT_EQ(S::analyse(s, I(a.n), ptr.data(), idx.data(), val.data(), 0, ZEL_PDS_STORAGE_FULL), ok);
-    ASSERT_EQ(S::factorise(s, val.data()), ok);
+    ASSERT_EQ(S::analyse(s, I(a.n), c.ptr.data(), c.idx.data(), c.val.data(), 0, ZEL_PDS_STORAGE_FULL), ok);
+    ASSERT_EQ(S::factorise(s, c.val.data()), ok);
     ASSERT_EQ(S::export_factor(s, &e), ok);
     zel_pds_frame fr{};
     fr.n = e.n;

@@ -10,33 +10,7 @@ using namespace onerhs_test;
 namespace {
 
 template <class P> struct OneRhsSweeps : ::testing::Test {};
-template <class T_, class I_> struct fam {
-    using T = T_;
-    using I = I_;
-    using F = family<T, I>;
-    using C = typename F::c_type;
-};
-using families = ::testing::Types<fam<double, int64_t>, fam<float, int64_t>, fam<double, int32_t>,
-                                  fam<float, int32_t>, fam<std::complex<double>, int64_t>,
-                                  fam<std::complex<float>, int64_t>, fam<std::complex<double>, int32_t>,
-                                  fam<std::complex<float>, int32_t>>;
-struct family_names {
-    template <class P> static std::string GetName(int)
-    {
-        return std::string(P::F::name) + (zel::is_complex_v<typename P::T> ? "cmplx" : "real");
-    }
-};
 TYPED_TEST_SUITE(OneRhsSweeps, families, family_names);
-
-template <class T> std::vector<T> random_rhs(int64_t n, uint64_t seed)
-{
-    std::mt19937_64 rng(seed);
-    std::vector<T> b(static_cast<size_t>(n));
-    for (auto &v : b)
-        v = random_value<T>(rng);
-    return b;
-}
-template <class T> double tolerance(int64_t n) { return 64.0 * double(n) * eps<T>; }
 
 // A factor kind as the omp_mic flags name it, and the reference stem it must follow.
 struct flagged {
