@@ -284,14 +284,8 @@ template <int N> void inverse_d_registers(const double *a, int64_t lda, const in
             }
         }
     }
-    int at[N]; // at[c]: the register that ends in column c
-    for (int c = 0; c < N; ++c)
-        at[c] = c;
-    for (int k = N - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
     int to[N];
-    for (int c = 0; c < N; ++c)
-        to[at[c]] = c;
+    inverse_columns<N>(ipiv, to);
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         y4::store<N>(inv + to[j] * ldinv, x[j], 0);

@@ -300,14 +300,8 @@ void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, doub
                 x[j] = V::fnmadd(u, V::lane(x[j], k), x[j]);
         }
     }
-    int at[N]; // at[c]: the register that ends in column c
-    for (int c = 0; c < N; ++c)
-        at[c] = c;
-    for (int k = N - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
     int to[N];
-    for (int c = 0; c < N; ++c)
-        to[at[c]] = c;
+    inverse_columns<N>(ipiv, to);
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         V::store(rows, inv + to[j] * ldinv, x[j]);

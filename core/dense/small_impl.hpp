@@ -363,4 +363,17 @@ template <class T> constexpr small_kernels<T> table(int64_t getrf_limit, int64_t
             inverse_small<T>,   getrf_limit,          potrf_limit,         inverse_limit};
 }
 
+// Where column j of an inverse formed in registers belongs: the row interchanges of the LU
+// (ipiv, 1-based) undone on the columns, from the last to the first.
+template <int N> void inverse_columns(const int64_t *ipiv, int (&to)[N])
+{
+    int at[N]; // at[c]: the register that ends in column c
+    for (int c = 0; c < N; ++c)
+        at[c] = c;
+    for (int k = N - 1; k >= 0; --k)
+        std::swap(at[k], at[ipiv[k] - 1]);
+    for (int c = 0; c < N; ++c)
+        to[at[c]] = c;
+}
+
 } // namespace zel::dense::ZEL_SMALL_ISA
