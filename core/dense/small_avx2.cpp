@@ -284,8 +284,8 @@ template <int N> void inverse_d_registers(const double *a, int64_t lda, const in
             }
         }
     }
-    int to[N];
-    inverse_columns<N>(ipiv, to);
+    int at[N], to[N]; // at[c]: the register that ends in column c
+    inverse_destinations(N, ipiv, at, to);
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         y4::store<N>(inv + to[j] * ldinv, x[j], 0);
@@ -499,10 +499,7 @@ void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *i
         });
     }
     int64_t at[inverse_column_limit]; // at[c]: the column of x that ends in column c
-    for (int64_t c = 0; c < n; ++c)
-        at[c] = c;
-    for (int64_t k = n - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
+    inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
 }
@@ -767,10 +764,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
         });
     }
     int64_t at[complex_limit];
-    for (int64_t c = 0; c < n; ++c)
-        at[c] = c;
-    for (int64_t k = n - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
+    inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
 }

@@ -198,12 +198,7 @@ void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *i
     for (int64_t k = 0; k < n; ++k)
         scale[k] = 1.0 / f[k + k * ld];
     int64_t at[ld], to[ld];
-    for (int64_t c = 0; c < n; ++c)
-        at[c] = c;
-    for (int64_t k = n - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
-    for (int64_t c = 0; c < n; ++c)
-        to[at[c]] = c;
+    inverse_destinations(n, ipiv, at, to);
     // Lane k of a column held as R vectors, in every lane.
     auto element = [](const __m512d *x, int64_t k) {
         __m512d v = x[0];
@@ -300,8 +295,8 @@ void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, doub
                 x[j] = V::fnmadd(u, V::lane(x[j], k), x[j]);
         }
     }
-    int to[N];
-    inverse_columns<N>(ipiv, to);
+    int at[N], to[N]; // at[c]: the register that ends in column c
+    inverse_destinations(N, ipiv, at, to);
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         V::store(rows, inv + to[j] * ldinv, x[j]);
@@ -653,12 +648,7 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
     for (int64_t k = 0; k < n; ++k)
         scale[k] = reciprocal(f[k + k * ld]);
     int64_t at[ld], to[ld];
-    for (int64_t c = 0; c < n; ++c)
-        at[c] = c;
-    for (int64_t k = n - 1; k >= 0; --k)
-        std::swap(at[k], at[ipiv[k] - 1]);
-    for (int64_t c = 0; c < n; ++c)
-        to[at[c]] = c;
+    inverse_destinations(n, ipiv, at, to);
     const double *fd = reinterpret_cast<const double *>(f);
     // Element k of a column held as R vectors: (re in every lane, (im, -im) pairs).
     auto element = [](const __m512d *x, int64_t k, __m512d &re, __m512d &im_alt) {

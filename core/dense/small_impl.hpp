@@ -363,17 +363,22 @@ template <class T> constexpr small_kernels<T> table(int64_t getrf_limit, int64_t
             inverse_small<T>,   getrf_limit,          potrf_limit,         inverse_limit};
 }
 
-// Where column j of an inverse formed in registers belongs: the row interchanges of the LU
-// (ipiv, 1-based) undone on the columns, from the last to the first.
-template <int N> void inverse_columns(const int64_t *ipiv, int (&to)[N])
+// The columns of an inverse formed before its column interchanges: at[c] is the column that
+// ends in column c, the LU's row interchanges (ipiv, 1-based) undone from the last to the first.
+template <class Index> void inverse_sources(int64_t n, const int64_t *ipiv, Index *at)
 {
-    int at[N]; // at[c]: the register that ends in column c
-    for (int c = 0; c < N; ++c)
-        at[c] = c;
-    for (int k = N - 1; k >= 0; --k)
+    for (int64_t c = 0; c < n; ++c)
+        at[c] = Index(c);
+    for (int64_t k = n - 1; k >= 0; --k)
         std::swap(at[k], at[ipiv[k] - 1]);
-    for (int c = 0; c < N; ++c)
-        to[at[c]] = c;
+}
+
+// The same as destinations: to[j] is where column j belongs.
+template <class Index> void inverse_destinations(int64_t n, const int64_t *ipiv, Index *at, Index *to)
+{
+    inverse_sources(n, ipiv, at);
+    for (int64_t c = 0; c < n; ++c)
+        to[at[c]] = Index(c);
 }
 
 } // namespace zel::dense::ZEL_SMALL_ISA
