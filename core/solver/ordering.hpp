@@ -31,9 +31,11 @@ struct ordering_report {
     double metis_flops = 0;
 };
 
-// Approximate minimum degree; perm[k] = the original column eliminated k-th.
-int amd_ordering(const sym_pattern<int32_t> &a, int32_t *perm);
-int amd_ordering(const sym_pattern<int64_t> &a, int64_t *perm);
+// Approximate minimum degree; perm[k] = the original column eliminated k-th. estimate
+// (optional) receives the ordering's own count of the factor's entries and flops: slight upper
+// bounds of what the symbolic analysis finds, no other fields set.
+int amd_ordering(const sym_pattern<int32_t> &a, int32_t *perm, symbolic_stats *estimate = nullptr);
+int amd_ordering(const sym_pattern<int64_t> &a, int64_t *perm, symbolic_stats *estimate = nullptr);
 // Nested dissection; falls back to minimum degree when the pattern does not fit the
 // partitioner's index type. `used` (optional) receives the method that produced perm.
 int metis_ordering(const sym_pattern<int32_t> &a, int32_t *perm, ordering_method *used = nullptr);
@@ -66,13 +68,11 @@ inline bool nested_dissection_may_pay(const ordering_options &options, const sym
 }
 
 // Minimum degree first; nested dissection too when that factor looks costly; keep the one
-// with fewer flops.
+// with fewer flops (minimum degree's by its own estimate).
 template <class I> int automatic_ordering(const sym_pattern<I> &a, const ordering_options &options, I *perm, ordering_report &report)
 {
     symbolic_stats amd_cost, metis_cost;
-    int status = amd_ordering(a, perm);
-    if (status == ZEL_SPARSE_STATUS_SUCCESS)
-        status = factor_cost(a, perm, amd_cost);
+    int status = amd_ordering(a, perm, &amd_cost);
     report = {ordering_method::amd, amd_cost.exact_flops, 0};
     if (status != ZEL_SPARSE_STATUS_SUCCESS || !nested_dissection_may_pay(options, amd_cost))
         return status;
@@ -124,32 +124,38 @@ int fill_reducing_ordering(const sym_pattern<I> &a, const ordering_options &opti
 
 namespace detail {
 
-// The automatic choice as analyse_pattern makes it: minimum degree's analysis is built at once
-// (its statistics decide), and replaced when nested dissection's factor needs fewer flops.
+// The automatic choice as analyse_pattern makes it, with one symbolic pass for the winner in
+// the common cases: minimum degree's estimate decides whether nested dissection is tried, and
+// nested dissection's analysis is built at once and kept when it needs fewer flops.
 template <class I>
 int automatic_analysis(const sym_pattern<I> &a, const ordering_options &options, const amalgamation &relax,
                        symbolic_factor<I> &f, ordering_report &report)
 {
-    scratch_array<I> perm;
-    if (!allocate(perm, a.n))
+    scratch_array<I> amd_perm, metis_perm;
+    symbolic_stats amd_cost;
+    if (!allocate(amd_perm, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    int status = amd_ordering(a, perm.get());
-    if (status == ZEL_SPARSE_STATUS_SUCCESS)
-        status = symbolic_analysis(a, perm.get(), relax, f);
-    report = {ordering_method::amd, f.stats.exact_flops, 0};
-    if (status != ZEL_SPARSE_STATUS_SUCCESS || !nested_dissection_may_pay(options, f.stats))
+    int status = amd_ordering(a, amd_perm.get(), &amd_cost);
+    report = {ordering_method::amd, amd_cost.exact_flops, 0};
+    if (status != ZEL_SPARSE_STATUS_SUCCESS)
         return status;
+    if (!nested_dissection_may_pay(options, amd_cost))
+        return symbolic_analysis(a, amd_perm.get(), relax, f);
     ordering_method used = ordering_method::amd;
-    symbolic_stats metis_cost;
-    status = metis_ordering(a, perm.get(), &used);
-    if (status == ZEL_SPARSE_STATUS_SUCCESS && used == ordering_method::metis)
-        status = factor_cost(a, perm.get(), metis_cost);
-    report.metis_flops = metis_cost.exact_flops;
-    if (status != ZEL_SPARSE_STATUS_SUCCESS || used != ordering_method::metis ||
-        metis_cost.exact_flops >= f.stats.exact_flops)
+    if (!allocate(metis_perm, a.n))
+        return ZEL_SPARSE_STATUS_ALLOC_FAILED;
+    status = metis_ordering(a, metis_perm.get(), &used);
+    if (status == ZEL_SPARSE_STATUS_SUCCESS && used == ordering_method::metis) {
+        status = symbolic_analysis(a, metis_perm.get(), relax, f);
+        report.metis_flops = f.stats.exact_flops;
+        if (status == ZEL_SPARSE_STATUS_SUCCESS && f.stats.exact_flops < amd_cost.exact_flops) {
+            report.used = ordering_method::metis;
+            return status;
+        }
+    }
+    if (status != ZEL_SPARSE_STATUS_SUCCESS)
         return status;
-    report.used = ordering_method::metis;
-    return symbolic_analysis(a, perm.get(), relax, f);
+    return symbolic_analysis(a, amd_perm.get(), relax, f);
 }
 
 } // namespace detail

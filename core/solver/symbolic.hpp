@@ -49,14 +49,17 @@ template <class I> struct symbolic_factor {
     symbolic_stats stats;
 };
 
-// parent[k] = parent of column k in the elimination tree of a, -1 at a root (ancestor: n scratch).
-template <class I> void elimination_tree(const sym_pattern<I> &a, I *parent, I *ancestor)
+// parent[k] = parent of column k in the elimination tree of P·A·Pᵀ, read from a through the
+// ordering (perm[k] = the column of a eliminated k-th, pinv its inverse; both null: the natural
+// order), so that no permuted copy is needed (ancestor: n scratch).
+template <class I> void elimination_tree(const sym_pattern<I> &a, const I *perm, const I *pinv, I *parent, I *ancestor)
 {
     for (I k = 0; k < a.n; ++k) {
         parent[k] = -1;
         ancestor[k] = -1;
-        for (I p = a.begin(k); p < a.end(k); ++p) {
-            I i = a.row_idx[size_t(p)];
+        const I column = perm ? perm[k] : k;
+        for (I p = a.begin(column); p < a.end(column); ++p) {
+            I i = pinv ? pinv[a.row_idx[size_t(p)]] : a.row_idx[size_t(p)];
             // Climb from i to its current root, pointing the path at k (path compression).
             while (i != -1 && i < k) {
                 const I next = ancestor[i];
@@ -353,19 +356,22 @@ template <class I> int supernode_rows(const sym_pattern<I> &a, symbolic_factor<I
 
 namespace detail {
 
-// The ordering followed by a postorder of its elimination tree: q[k] = perm[post[k]].
-template <class I> int postordered(const sym_pattern<I> &a, const I *perm, I *q, I *qinv)
+// The ordering followed by a postorder of its elimination tree: q[k] = perm[post[k]], and the
+// tree in that numbering (a postorder only renames the nodes, so the tree need not be rebuilt).
+template <class I> int postordered(const sym_pattern<I> &a, const I *perm, I *q, I *qinv, I *parent)
 {
-    scratch_array<I> work, parent;
-    if (!allocate(work, 3 * int64_t(a.n)) || !allocate(parent, a.n))
+    scratch_array<I> work, tree;
+    if (!allocate(work, 3 * int64_t(a.n)) || !allocate(tree, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     for (I k = 0; k < a.n; ++k)
         qinv[perm ? perm[k] : k] = k;
-    sym_pattern<I> c;
-    if (int status = permute_pattern(a, perm ? perm : qinv, qinv, c); status != ZEL_SPARSE_STATUS_SUCCESS)
-        return status;
-    elimination_tree(c, parent.get(), work.get());
-    postorder(a.n, parent.get(), q, work.get());
+    elimination_tree(a, perm, perm ? qinv : nullptr, tree.get(), work.get());
+    postorder(a.n, tree.get(), q, work.get());
+    I *post_inv = work.get();
+    for (I k = 0; k < a.n; ++k)
+        post_inv[q[k]] = k;
+    for (I k = 0; k < a.n; ++k)
+        parent[k] = tree[q[k]] == -1 ? I(-1) : post_inv[tree[q[k]]];
     for (I k = 0; k < a.n; ++k)
         q[k] = perm ? perm[q[k]] : q[k];
     for (I k = 0; k < a.n; ++k)
@@ -373,13 +379,12 @@ template <class I> int postordered(const sym_pattern<I> &a, const I *perm, I *q,
     return ZEL_SPARSE_STATUS_SUCCESS;
 }
 
-// Elimination tree and column counts of a postordered pattern, and the exact statistics.
-template <class I> int tree_and_counts(const sym_pattern<I> &c, I *parent, I *count, symbolic_stats &st)
+// Column counts of a postordered pattern under its tree, and the exact statistics.
+template <class I> int counts_and_stats(const sym_pattern<I> &c, const I *parent, I *count, symbolic_stats &st)
 {
     scratch_array<I> work;
     if (!allocate(work, 4 * int64_t(c.n)))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    elimination_tree(c, parent, work.get());
     column_counts(c, parent, count, work.get());
     for (I j = 0; j < c.n; ++j) {
         st.exact_entries += count[j];
@@ -428,12 +433,12 @@ int symbolic_analysis(const sym_pattern<I> &a, const I *perm, const amalgamation
     scratch_array<I> parent, count;
     if (!allocate(f.perm, a.n) || !allocate(f.inv_perm, a.n) || !allocate(parent, a.n) || !allocate(count, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    int status = detail::postordered(a, perm, f.perm.get(), f.inv_perm.get());
+    int status = detail::postordered(a, perm, f.perm.get(), f.inv_perm.get(), parent.get());
     sym_pattern<I> c;
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
         status = permute_pattern(a, f.perm.get(), f.inv_perm.get(), c);
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
-        status = detail::tree_and_counts(c, parent.get(), count.get(), f.stats);
+        status = detail::counts_and_stats(c, parent.get(), count.get(), f.stats);
     supernode_partition<I> sn;
     scratch_array<unsigned char> joined;
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
@@ -459,12 +464,12 @@ template <class I> int factor_cost(const sym_pattern<I> &a, const I *perm, symbo
     scratch_array<I> q, qinv, parent, count;
     if (!allocate(q, a.n) || !allocate(qinv, a.n) || !allocate(parent, a.n) || !allocate(count, a.n))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
-    int status = detail::postordered(a, perm, q.get(), qinv.get());
+    int status = detail::postordered(a, perm, q.get(), qinv.get(), parent.get());
     sym_pattern<I> c;
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
         status = permute_pattern(a, q.get(), qinv.get(), c);
     if (status == ZEL_SPARSE_STATUS_SUCCESS)
-        status = detail::tree_and_counts(c, parent.get(), count.get(), st);
+        status = detail::counts_and_stats(c, parent.get(), count.get(), st);
     return status;
 }
 
