@@ -191,7 +191,7 @@ template <class T, class I> int numeric_cholesky(const symbolic_factor<I> &f, T 
     scratch_array<T> buffer;
     if (int status = prepare_links(f, u); status != ZEL_SPARSE_STATUS_SUCCESS)
         return status;
-    if (!allocate(buffer, f.stats.max_panel))
+    if (!allocate_large(buffer, f.stats.max_panel))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     for (I id = 0; id < f.nsuper; ++id) {
         const supernode_view<T, I> s = supernode_at(f, l_values, id);

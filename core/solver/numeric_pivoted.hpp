@@ -140,7 +140,7 @@ int numeric_pivoted(const symbolic_factor<I> &f, const pivoted_factor<T, I> &x, 
         return status;
     const auto twice = checked_mul(f.stats.max_panel, int64_t(2));
     const auto size = twice ? checked_add(*twice, 2 * int64_t(f.n)) : std::nullopt;
-    if (!size || !allocate(buffer, *size))
+    if (!size || !allocate_large(buffer, *size))
         return ZEL_SPARSE_STATUS_ALLOC_FAILED;
     const I *bk = kind == pivoted_kind::bunch_kaufman ? x.bk_pivots : nullptr;
     for (I id = 0; id < f.nsuper; ++id) {
