@@ -582,7 +582,247 @@ struct z2 {
         return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(first)), _CMP_GE_OQ),
                              _mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(last)), _CMP_LT_OQ));
     }
+    static __m256i row_numbers(int r) { return _mm256_setr_epi64x(2 * r, 2 * r, 2 * r + 1, 2 * r + 1); }
+    // x * s for a scalar s, the product written out as mul() forms it.
+    static __m256d times(__m256d x, zd s) { return scale(x, s); }
+    // Pair `half` (0 or 1) of v in both halves.
+    static __m256d broadcast(__m256d v, int half)
+    {
+        return half == 0 ? _mm256_permute2f128_pd(v, v, 0x00) : _mm256_permute2f128_pd(v, v, 0x11);
+    }
+    // (-im, im) pairs from the imaginary part of a pair held in both halves.
+    static __m256d odd_to_alternate(__m256d u)
+    {
+        return _mm256_xor_pd(_mm256_permute_pd(u, 0xF), _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0));
+    }
+    // The one pair of the column (vectors from `from`) that pick selects, in both halves.
+    template <int R> static __m256d picked(const __m256d *v, const __m256d *pick, int from)
+    {
+        __m256d s = _mm256_and_pd(v[from], pick[from]);
+#pragma GCC unroll 4
+        for (int r = from + 1; r < R; ++r)
+            s = _mm256_or_pd(s, _mm256_and_pd(v[r], pick[r]));
+        return _mm256_or_pd(s, _mm256_permute2f128_pd(s, s, 0x01));
+    }
+    // Rows [first, N) of an N-row column; the others read as zero.
+    template <int N> static void load(const double *p, __m256d *v, int first = 0)
+    {
+        constexpr int R = (N + 1) / 2;
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r)
+            v[r] = first <= 2 * r && 2 * (r + 1) <= N ? _mm256_loadu_pd(p + 4 * r)
+                                                     : _mm256_maskload_pd(p + 4 * r, y4::bits(rows(first, N, r)));
+    }
+    template <int N> static void store(double *p, const __m256d *v, int first)
+    {
+        constexpr int R = (N + 1) / 2;
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            if (first <= 2 * r && 2 * (r + 1) <= N)
+                _mm256_storeu_pd(p + 4 * r, v[r]);
+            else if (first < 2 * (r + 1))
+                _mm256_maskstore_pd(p + 4 * r, y4::bits(rows(first, N, r)), v[r]);
+        }
+    }
 };
+
+// Complex double LU with partial pivoting for N <= 8, a column in R = (N+1)/2 registers of two
+// (re, im) pairs. Rows trade places in the registers at each step, so the pivot is the first
+// largest |re|+|im| in the current order as LAPACK picks it, and no permutation is left for the
+// end; the pivot row's entries are the u the update needs anyway.
+template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int R = (N + 1) / 2;
+    double *ad = reinterpret_cast<double *>(a);
+    __m256d col[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        z2::load<N>(ad + 2 * j * lda, col[j]);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const int kr = k / 2;
+        __m256d size[R], largest = _mm256_set1_pd(-1.0);
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r) {
+            const __m256d m = y4::abs(col[k][r]);
+            size[r] = _mm256_blendv_pd(_mm256_set1_pd(-1.0), _mm256_add_pd(m, z2::swap(m)), z2::rows(k, N, r));
+            largest = _mm256_max_pd(size[r], largest); // a NaN size loses, as it never compares greater
+        }
+        largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
+        unsigned hits = 0;
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            hits |= static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ))) << (4 * r);
+        hits &= ((1u << (2 * N)) - 1) & ~((1u << (2 * k)) - 1); // rows above k and beyond N sit at -1
+        const bool k_unordered = _mm256_movemask_pd(_mm256_cmp_pd(size[kr], size[kr], _CMP_UNORD_Q)) >> (2 * (k & 1)) & 1;
+        const int p = hits != 0 && !k_unordered ? static_cast<int>(__builtin_ctz(hits)) / 2 : k;
+        ipiv[k] = p + 1;
+        __m256d pick[R];
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
+        const __m256d at_k = z2::rows(k, k + 1, kr);
+        // Row k <-> row p in every column; u[j] is the pivot row's entry of column j.
+        __m256d u[N];
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            u[j] = z2::picked<R>(col[j], pick, kr);
+            const __m256d old_k = z2::broadcast(col[j][kr], k & 1);
+#pragma GCC unroll 4
+            for (int r = kr; r < R; ++r)
+                col[j][r] = _mm256_blendv_pd(col[j][r], old_k, pick[r]);
+            col[j][kr] = _mm256_blendv_pd(col[j][kr], u[j], at_k);
+        }
+        const std::complex<double> pivot(_mm256_cvtsd_f64(u[k]), _mm256_cvtsd_f64(_mm256_permute_pd(u[k], 0x1)));
+        __m256d l[R];
+        if (pivot != 0.0) {
+            const std::complex<double> s = reciprocal(pivot);
+#pragma GCC unroll 4
+            for (int r = kr; r < R; ++r) {
+                l[r] = _mm256_and_pd(z2::times(col[k][r], s), z2::rows(k + 1, N, r));
+                col[k][r] = _mm256_blendv_pd(col[k][r], l[r], z2::rows(k + 1, N, r));
+            }
+        } else {
+            if (*info == 0)
+                *info = k + 1;
+#pragma GCC unroll 4
+            for (int r = kr; r < R; ++r)
+                l[r] = _mm256_and_pd(col[k][r], z2::rows(k + 1, N, r));
+        }
+        __m256d swapped[R];
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            swapped[r] = z2::swap(l[r]);
+        // Only rows below k change: a vector that also holds row k keeps it (a NaN or infinite
+        // u times the zero multiplier must not reach the finished rows).
+        const int first = (k + 1) / 2;
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            const __m256d re = _mm256_movedup_pd(u[j]), im_alt = z2::odd_to_alternate(u[j]);
+            if (first == kr)
+                col[j][kr] = _mm256_blendv_pd(col[j][kr], z2::minus_product(col[j][kr], l[kr], swapped[kr], re, im_alt),
+                                              z2::rows(k + 1, N, kr));
+#pragma GCC unroll 4
+            for (int r = kr + 1; r < R; ++r)
+                col[j][r] = z2::minus_product(col[j][r], l[r], swapped[r], re, im_alt);
+        }
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        z2::store<N>(ad + 2 * j * lda, col[j], 0);
+}
+
+// The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), a column of the result
+// in R registers as inverse_d_registers forms it; row k of each column takes 1/u_kk on its way
+// into the U^-1 update.
+template <int N>
+void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
+                         int64_t ldinv)
+{
+    constexpr int R = (N + 1) / 2;
+    const double *ad = reinterpret_cast<const double *>(a);
+    __m256d x[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r)
+            x[j][r] = _mm256_and_pd(z2::rows(j, j + 1, r), _mm256_setr_pd(1.0, 0.0, 1.0, 0.0));
+#pragma GCC unroll 8
+    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
+        const int kr = k / 2;
+        __m256d l[R], ls[R];
+        z2::load<N>(ad + 2 * k * lda, l, k + 1);
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            ls[r] = z2::swap(l[r]);
+#pragma GCC unroll 8
+        for (int j = 0; j <= k; ++j) {
+            const __m256d b = z2::broadcast(x[j][kr], k & 1);
+            const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+#pragma GCC unroll 4
+            for (int r = kr; r < R; ++r)
+                x[j][r] = z2::minus_product(x[j][r], l[r], ls[r], re, im_alt);
+        }
+    }
+#pragma GCC unroll 8
+    for (int k = N - 1; k >= 0; --k) { // U^-1
+        const int kr = k / 2;
+        const std::complex<double> d = reciprocal(a[k + k * lda]);
+        const __m256d at_k = z2::rows(k, k + 1, kr);
+        __m256d u[R], us[R];
+        z2::load<N>(ad + 2 * k * lda, u);
+#pragma GCC unroll 4
+        for (int r = 0; r <= kr; ++r) {
+            u[r] = _mm256_and_pd(u[r], z2::rows(0, k, r));
+            us[r] = z2::swap(u[r]);
+        }
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            const __m256d b = z2::times(z2::broadcast(x[j][kr], k & 1), d);
+            x[j][kr] = _mm256_blendv_pd(x[j][kr], b, at_k);
+            if (k > 0) {
+                const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+#pragma GCC unroll 4
+                for (int r = 0; r <= kr; ++r)
+                    x[j][r] = z2::minus_product(x[j][r], u[r], us[r], re, im_alt);
+            }
+        }
+    }
+    int at[N], to[N]; // at[c]: the register that ends in column c
+    inverse_destinations(N, ipiv, at, to);
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        z2::store<N>(reinterpret_cast<double *>(inv + to[j] * ldinv), x[j], 0);
+}
+
+// Complex Cholesky A = L*L^H for N <= 8, right-looking with a column in R registers; only the
+// rows from the diagonal down are read and written. On a non-positive pivot only the finished
+// columns and that pivot go back, as the unblocked LAPACK routine leaves them.
+template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t lda, int64_t *info)
+{
+    constexpr int R = (N + 1) / 2;
+    double *ad = reinterpret_cast<double *>(a);
+    __m256d col[N][R];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        z2::load<N>(ad + 2 * j * lda, col[j], j);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const int kr = k / 2;
+        const __m256d dv = _mm256_movedup_pd(z2::broadcast(col[k][kr], k & 1));
+        const double d = _mm256_cvtsd_f64(dv);
+        if (!(d > 0.0)) {
+            for (int j = 0; j < k; ++j)
+                z2::store<N>(ad + 2 * j * lda, col[j], j);
+            a[k + k * lda] = d;
+            *info = k + 1;
+            return;
+        }
+        const __m256d root = _mm256_sqrt_pd(dv);
+        const __m256d diagonal = _mm256_blendv_pd(_mm256_setzero_pd(), root, _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0));
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            col[k][r] = _mm256_div_pd(col[k][r], root);
+        col[k][kr] = _mm256_blendv_pd(col[k][kr], diagonal, z2::rows(k, k + 1, kr));
+        __m256d swapped[R];
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            swapped[r] = z2::swap(col[k][r]);
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            // u = conj(l_j): re in every lane, and (-im_u, im_u) = (im_l, -im_l)
+            const __m256d lj = z2::broadcast(col[k][j / 2], j & 1);
+            const __m256d re = _mm256_movedup_pd(lj);
+            const __m256d im_alt = _mm256_xor_pd(_mm256_permute_pd(lj, 0xF), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+#pragma GCC unroll 4
+            for (int r = j / 2; r < R; ++r)
+                col[j][r] = z2::minus_product(col[j][r], col[k][r], swapped[r], re, im_alt);
+        }
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        z2::store<N>(ad + 2 * j * lda, col[j], j);
+}
 
 void copy_padded(int64_t n, const std::complex<double> *a, int64_t lda, std::complex<double> *work, int64_t ld)
 {
@@ -773,8 +1013,17 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
 // AMD EPYC this was written on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (n <= 8)
-        return getrf_small(n, a, lda, ipiv, info);
+    switch (n) {
+    case 1: return getrf_z_registers<1>(a, lda, ipiv, info);
+    case 2: return getrf_z_registers<2>(a, lda, ipiv, info);
+    case 3: return getrf_z_registers<3>(a, lda, ipiv, info);
+    case 4: return getrf_z_registers<4>(a, lda, ipiv, info);
+    case 5: return getrf_z_registers<5>(a, lda, ipiv, info);
+    case 6: return getrf_z_registers<6>(a, lda, ipiv, info);
+    case 7: return getrf_z_registers<7>(a, lda, ipiv, info);
+    case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
+    default: break;
+    }
     if (n <= complex_limit)
         return getrf_z_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
@@ -782,6 +1031,17 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
 
 void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
 {
+    switch (n) {
+    case 1: return potrf_lower_z_registers<1>(a, lda, info);
+    case 2: return potrf_lower_z_registers<2>(a, lda, info);
+    case 3: return potrf_lower_z_registers<3>(a, lda, info);
+    case 4: return potrf_lower_z_registers<4>(a, lda, info);
+    case 5: return potrf_lower_z_registers<5>(a, lda, info);
+    case 6: return potrf_lower_z_registers<6>(a, lda, info);
+    case 7: return potrf_lower_z_registers<7>(a, lda, info);
+    case 8: return potrf_lower_z_registers<8>(a, lda, info);
+    default: break;
+    }
     if (n <= 16)
         return potrf_lower_small(n, a, lda, info);
     if (n <= complex_limit)
@@ -792,8 +1052,17 @@ void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *inf
 void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
                int64_t ldinv)
 {
-    if (n <= 4)
-        return inverse_small(n, a, lda, ipiv, inv, ldinv);
+    switch (n) {
+    case 1: return inverse_z_registers<1>(a, lda, ipiv, inv, ldinv);
+    case 2: return inverse_z_registers<2>(a, lda, ipiv, inv, ldinv);
+    case 3: return inverse_z_registers<3>(a, lda, ipiv, inv, ldinv);
+    case 4: return inverse_z_registers<4>(a, lda, ipiv, inv, ldinv);
+    case 5: return inverse_z_registers<5>(a, lda, ipiv, inv, ldinv);
+    case 6: return inverse_z_registers<6>(a, lda, ipiv, inv, ldinv);
+    case 7: return inverse_z_registers<7>(a, lda, ipiv, inv, ldinv);
+    case 8: return inverse_z_registers<8>(a, lda, ipiv, inv, ldinv);
+    default: break;
+    }
     if (n <= complex_limit)
         return inverse_z_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
