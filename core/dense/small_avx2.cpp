@@ -582,6 +582,25 @@ struct z2 {
         return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(first)), _CMP_GE_OQ),
                              _mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(last)), _CMP_LT_OQ));
     }
+    // re^2 + im^2 of each pair, in both its lanes.
+    static __m256d norm(__m256d x)
+    {
+        const __m256d squares = _mm256_mul_pd(x, x);
+        return _mm256_add_pd(squares, swap(squares));
+    }
+    // 1/x for x's pairs given their norm: one division on the common path, the scaled scalar
+    // reciprocal when the norm would overflow or underflow.
+    static __m256d reciprocal(__m256d x, __m256d norm)
+    {
+        constexpr double low = std::numeric_limits<double>::min() / std::numeric_limits<double>::epsilon();
+        constexpr double high = std::numeric_limits<double>::max() * std::numeric_limits<double>::epsilon();
+        const __m256d in_range = _mm256_and_pd(_mm256_cmp_pd(norm, _mm256_set1_pd(low), _CMP_GT_OQ),
+                                               _mm256_cmp_pd(norm, _mm256_set1_pd(high), _CMP_LT_OQ));
+        if (_mm256_movemask_pd(in_range) == 15) [[likely]]
+            return _mm256_xor_pd(_mm256_mul_pd(x, _mm256_div_pd(_mm256_set1_pd(1.0), norm)), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+        const zd s = zel::dense::avx2::reciprocal(zd(_mm256_cvtsd_f64(x), _mm256_cvtsd_f64(swap(x))));
+        return _mm256_setr_pd(s.real(), s.imag(), s.real(), s.imag());
+    }
     static __m256i row_numbers(int r) { return _mm256_setr_epi64x(2 * r, 2 * r, 2 * r + 1, 2 * r + 1); }
     // x * s for a scalar s, the product written out as mul() forms it.
     static __m256d times(__m256d x, zd s) { return scale(x, s); }
@@ -649,18 +668,22 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
             largest = _mm256_max_pd(size[r], largest); // a NaN size loses, as it never compares greater
         }
         largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
+        // pick takes its lanes straight from the comparison when one row holds the largest, so
+        // the swap and the pivot never wait for the row number to go through a general register.
         unsigned hits = 0;
+        __m256d pick[R];
 #pragma GCC unroll 4
-        for (int r = kr; r < R; ++r)
-            hits |= static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ))) << (4 * r);
-        hits &= ((1u << (2 * N)) - 1) & ~((1u << (2 * k)) - 1); // rows above k and beyond N sit at -1
+        for (int r = kr; r < R; ++r) {
+            pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), z2::rows(k, N, r));
+            hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
+        }
         const bool k_unordered = _mm256_movemask_pd(_mm256_cmp_pd(size[kr], size[kr], _CMP_UNORD_Q)) >> (2 * (k & 1)) & 1;
         const int p = hits != 0 && !k_unordered ? static_cast<int>(__builtin_ctz(hits)) / 2 : k;
         ipiv[k] = p + 1;
-        __m256d pick[R];
+        if (__builtin_popcount(hits) != 2 || k_unordered) [[unlikely]] // a tie, or no row compares (NaN)
 #pragma GCC unroll 4
-        for (int r = kr; r < R; ++r)
-            pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
+            for (int r = kr; r < R; ++r)
+                pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
         const __m256d at_k = z2::rows(k, k + 1, kr);
         // Row k <-> row p in every column; u[j] is the pivot row's entry of column j.
         __m256d u[N];
@@ -673,13 +696,14 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
                 col[j][r] = _mm256_blendv_pd(col[j][r], old_k, pick[r]);
             col[j][kr] = _mm256_blendv_pd(col[j][kr], u[j], at_k);
         }
-        const std::complex<double> pivot(_mm256_cvtsd_f64(u[k]), _mm256_cvtsd_f64(_mm256_permute_pd(u[k], 0x1)));
         __m256d l[R];
-        if (pivot != 0.0) {
-            const std::complex<double> s = reciprocal(pivot);
+        if (_mm256_movemask_pd(_mm256_cmp_pd(u[k], _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
+            const __m256d s = z2::reciprocal(u[k], z2::norm(u[k]));
+            const __m256d s_re = _mm256_movedup_pd(s), s_im_alt = z2::odd_to_alternate(s);
 #pragma GCC unroll 4
             for (int r = kr; r < R; ++r) {
-                l[r] = _mm256_and_pd(z2::times(col[k][r], s), z2::rows(k + 1, N, r));
+                l[r] = _mm256_and_pd(_mm256_fmadd_pd(z2::swap(col[k][r]), s_im_alt, _mm256_mul_pd(col[k][r], s_re)),
+                                     z2::rows(k + 1, N, r));
                 col[k][r] = _mm256_blendv_pd(col[k][r], l[r], z2::rows(k + 1, N, r));
             }
         } else {
@@ -798,26 +822,31 @@ template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t l
             *info = k + 1;
             return;
         }
+        // The update takes a_ik * conj(a_jk) / d for l_ik * conj(l_jk), so the next pivot waits
+        // for one division and not a square root too; the column is scaled off that path.
+        const __m256d inverse = _mm256_div_pd(_mm256_set1_pd(1.0), dv);
+        __m256d scaled[R], swapped[R];
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r) {
+            scaled[r] = _mm256_mul_pd(col[k][r], inverse);
+            swapped[r] = z2::swap(scaled[r]);
+        }
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) {
+            // u = conj(a_jk): re in every lane, and (-im_u, im_u) = (im_a, -im_a)
+            const __m256d aj = z2::broadcast(col[k][j / 2], j & 1);
+            const __m256d re = _mm256_movedup_pd(aj);
+            const __m256d im_alt = _mm256_xor_pd(_mm256_permute_pd(aj, 0xF), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+#pragma GCC unroll 4
+            for (int r = j / 2; r < R; ++r)
+                col[j][r] = z2::minus_product(col[j][r], scaled[r], swapped[r], re, im_alt);
+        }
         const __m256d root = _mm256_sqrt_pd(dv);
         const __m256d diagonal = _mm256_blendv_pd(_mm256_setzero_pd(), root, _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0));
 #pragma GCC unroll 4
         for (int r = kr; r < R; ++r)
             col[k][r] = _mm256_div_pd(col[k][r], root);
         col[k][kr] = _mm256_blendv_pd(col[k][kr], diagonal, z2::rows(k, k + 1, kr));
-        __m256d swapped[R];
-#pragma GCC unroll 4
-        for (int r = kr; r < R; ++r)
-            swapped[r] = z2::swap(col[k][r]);
-#pragma GCC unroll 8
-        for (int j = k + 1; j < N; ++j) {
-            // u = conj(l_j): re in every lane, and (-im_u, im_u) = (im_l, -im_l)
-            const __m256d lj = z2::broadcast(col[k][j / 2], j & 1);
-            const __m256d re = _mm256_movedup_pd(lj);
-            const __m256d im_alt = _mm256_xor_pd(_mm256_permute_pd(lj, 0xF), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
-#pragma GCC unroll 4
-            for (int r = j / 2; r < R; ++r)
-                col[j][r] = z2::minus_product(col[j][r], col[k][r], swapped[r], re, im_alt);
-        }
     }
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
