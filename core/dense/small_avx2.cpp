@@ -685,10 +685,11 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
             for (int r = kr; r < R; ++r)
                 pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
         const __m256d at_k = z2::rows(k, k + 1, kr);
-        // Row k <-> row p in every column; u[j] is the pivot row's entry of column j.
+        // Row k <-> row p in the columns still in registers; u[j] is the pivot row's entry of
+        // column j. The finished columns take their interchanges in memory at the end.
         __m256d u[N];
 #pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
+        for (int j = k; j < N; ++j) {
             u[j] = z2::picked<R>(col[j], pick, kr);
             const __m256d old_k = z2::broadcast(col[j][kr], k & 1);
 #pragma GCC unroll 4
@@ -713,6 +714,7 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
             for (int r = kr; r < R; ++r)
                 l[r] = _mm256_and_pd(col[k][r], z2::rows(k + 1, N, r));
         }
+        z2::store<N>(ad + 2 * k * lda, col[k], 0);
         __m256d swapped[R];
 #pragma GCC unroll 4
         for (int r = kr; r < R; ++r)
@@ -731,9 +733,16 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
                 col[j][r] = z2::minus_product(col[j][r], l[r], swapped[r], re, im_alt);
         }
     }
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        z2::store<N>(ad + 2 * j * lda, col[j], 0);
+    for (int k = 1; k < N; ++k) {
+        const int64_t p = ipiv[k] - 1;
+        if (p != k)
+            for (int j = 0; j < k; ++j) {
+                double *x = ad + 2 * (k + j * lda), *y = ad + 2 * (p + j * lda);
+                const __m128d t = _mm_loadu_pd(x);
+                _mm_storeu_pd(x, _mm_loadu_pd(y));
+                _mm_storeu_pd(y, t);
+            }
+    }
 }
 
 // The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), a column of the result
