@@ -588,16 +588,16 @@ struct z2 {
         const __m256d squares = _mm256_mul_pd(x, x);
         return _mm256_add_pd(squares, swap(squares));
     }
-    // 1/x for x's pairs given their norm: one division on the common path, the scaled scalar
-    // reciprocal when the norm would overflow or underflow.
-    static __m256d reciprocal(__m256d x, __m256d norm)
+    // 1/x for a pair x in both halves given its norm and conj(x)/norm: that quotient on the
+    // common path, the scaled scalar reciprocal when the norm would overflow or underflow.
+    static __m256d reciprocal(__m256d x, __m256d norm, __m256d quotient)
     {
         constexpr double low = std::numeric_limits<double>::min() / std::numeric_limits<double>::epsilon();
         constexpr double high = std::numeric_limits<double>::max() * std::numeric_limits<double>::epsilon();
         const __m256d in_range = _mm256_and_pd(_mm256_cmp_pd(norm, _mm256_set1_pd(low), _CMP_GT_OQ),
                                                _mm256_cmp_pd(norm, _mm256_set1_pd(high), _CMP_LT_OQ));
         if (_mm256_movemask_pd(in_range) == 15) [[likely]]
-            return _mm256_xor_pd(_mm256_mul_pd(x, _mm256_div_pd(_mm256_set1_pd(1.0), norm)), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+            return quotient;
         const zd s = zel::dense::avx2::reciprocal(zd(_mm256_cvtsd_f64(x), _mm256_cvtsd_f64(swap(x))));
         return _mm256_setr_pd(s.real(), s.imag(), s.real(), s.imag());
     }
@@ -623,24 +623,36 @@ struct z2 {
             s = _mm256_or_pd(s, _mm256_and_pd(v[r], pick[r]));
         return _mm256_or_pd(s, _mm256_permute2f128_pd(s, s, 0x01));
     }
-    // Rows [first, N) of an N-row column; the others read as zero.
+    // Rows [first, N) of an N-row column; the others read as zero. A vector holds two rows, so
+    // a partial one is a half: plain 16-byte moves, not the slow masked ones.
     template <int N> static void load(const double *p, __m256d *v, int first = 0)
     {
         constexpr int R = (N + 1) / 2;
 #pragma GCC unroll 4
-        for (int r = 0; r < R; ++r)
-            v[r] = first <= 2 * r && 2 * (r + 1) <= N ? _mm256_loadu_pd(p + 4 * r)
-                                                     : _mm256_maskload_pd(p + 4 * r, y4::bits(rows(first, N, r)));
+        for (int r = 0; r < R; ++r) {
+            const bool low = first <= 2 * r, high = first <= 2 * r + 1 && 2 * r + 1 < N;
+            if (low && high)
+                v[r] = _mm256_loadu_pd(p + 4 * r);
+            else if (low)
+                v[r] = _mm256_zextpd128_pd256(_mm_loadu_pd(p + 4 * r));
+            else if (high)
+                v[r] = _mm256_insertf128_pd(_mm256_setzero_pd(), _mm_loadu_pd(p + 4 * r + 2), 1);
+            else
+                v[r] = _mm256_setzero_pd();
+        }
     }
     template <int N> static void store(double *p, const __m256d *v, int first)
     {
         constexpr int R = (N + 1) / 2;
 #pragma GCC unroll 4
         for (int r = 0; r < R; ++r) {
-            if (first <= 2 * r && 2 * (r + 1) <= N)
+            const bool low = first <= 2 * r, high = first <= 2 * r + 1 && 2 * r + 1 < N;
+            if (low && high)
                 _mm256_storeu_pd(p + 4 * r, v[r]);
-            else if (first < 2 * (r + 1))
-                _mm256_maskstore_pd(p + 4 * r, y4::bits(rows(first, N, r)), v[r]);
+            else if (low)
+                _mm_storeu_pd(p + 4 * r, _mm256_castpd256_pd128(v[r]));
+            else if (high)
+                _mm_storeu_pd(p + 4 * r + 2, _mm256_extractf128_pd(v[r], 1));
         }
     }
 };
@@ -660,9 +672,12 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
         const int kr = k / 2;
-        __m256d size[R], largest = _mm256_set1_pd(-1.0);
+        // Every open row's reciprocal is formed while the pivot is sought, so the multipliers do
+        // not wait for a division after the choice.
+        __m256d size[R], inverse[R], largest = _mm256_set1_pd(-1.0);
 #pragma GCC unroll 4
         for (int r = kr; r < R; ++r) {
+            inverse[r] = _mm256_xor_pd(_mm256_div_pd(col[k][r], z2::norm(col[k][r])), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
             const __m256d m = y4::abs(col[k][r]);
             size[r] = _mm256_blendv_pd(_mm256_set1_pd(-1.0), _mm256_add_pd(m, z2::swap(m)), z2::rows(k, N, r));
             largest = _mm256_max_pd(size[r], largest); // a NaN size loses, as it never compares greater
@@ -699,7 +714,7 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
         }
         __m256d l[R];
         if (_mm256_movemask_pd(_mm256_cmp_pd(u[k], _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
-            const __m256d s = z2::reciprocal(u[k], z2::norm(u[k]));
+            const __m256d s = z2::reciprocal(u[k], z2::norm(u[k]), z2::picked<R>(inverse, pick, kr));
             const __m256d s_re = _mm256_movedup_pd(s), s_im_alt = z2::odd_to_alternate(s);
 #pragma GCC unroll 4
             for (int r = kr; r < R; ++r) {
