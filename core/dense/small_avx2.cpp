@@ -56,16 +56,31 @@ struct y4 {
         for (int r = 0; r < R; ++r)
             v[r] = 4 * (r + 1) <= N ? _mm256_loadu_pd(p + 4 * r) : _mm256_maskload_pd(p + 4 * r, bits(rows(0, N, r)));
     }
-    // Stores rows [first, N) of the column.
+    // Lanes [from, to) of half (lanes 2h, 2h+1 of v) to p: a plain store or none.
+    static void store_half(double *p, __m128d half, int h, int from, int to)
+    {
+        const bool low = from <= 2 * h && 2 * h < to, high = from <= 2 * h + 1 && 2 * h + 1 < to;
+        if (low && high)
+            _mm_storeu_pd(p + 2 * h, half);
+        else if (low)
+            _mm_store_sd(p + 2 * h, half);
+        else if (high)
+            _mm_storeh_pd(p + 2 * h + 1, half);
+    }
+    // Stores rows [first, N) of the column; partial vectors go out in plain stores of their
+    // halves or lanes (the masked store is slow on some processors).
     template <int N> static void store(double *p, const __m256d *v, int first)
     {
         constexpr int R = (N + 3) / 4;
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
-            if (first <= 4 * r && 4 * (r + 1) <= N)
+            if (first <= 4 * r && 4 * (r + 1) <= N) {
                 _mm256_storeu_pd(p + 4 * r, v[r]);
-            else if (first < 4 * (r + 1))
-                _mm256_maskstore_pd(p + 4 * r, bits(rows(first, N, r)), v[r]);
+            } else if (first < 4 * (r + 1)) {
+                const int from = first - 4 * r, to = N - 4 * r;
+                store_half(p + 4 * r, _mm256_castpd256_pd128(v[r]), 0, from, to);
+                store_half(p + 4 * r, _mm256_extractf128_pd(v[r], 1), 1, from, to);
+            }
         }
     }
 };
