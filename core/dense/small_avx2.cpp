@@ -672,10 +672,56 @@ struct z2 {
     }
 };
 
+// The pivot of step k of the complex LU: the first largest |re|+|im| among rows k..N-1 of
+// column c (R vectors), or k when row k's size is NaN or none compares. pick gets the pivot's
+// lanes, straight from the comparison when one row holds the largest, so the interchange never
+// waits for the row number to go through a general register; inverse gets the pivot's
+// reciprocal as formed for every row while the search runs (valid while its norm is in range).
+template <int N, int R> [[gnu::always_inline]] inline int pivot_row_z(const __m256d *c, int k, __m256d *pick, __m256d *inverse)
+{
+    const int kr = k / 2;
+    __m256d size[R], quotient[R], largest = _mm256_set1_pd(-1.0);
+#pragma GCC unroll 4
+    for (int r = kr; r < R; ++r) {
+        quotient[r] = _mm256_xor_pd(_mm256_div_pd(c[r], z2::norm(c[r])), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+        const __m256d m = y4::abs(c[r]);
+        size[r] = _mm256_blendv_pd(_mm256_set1_pd(-1.0), _mm256_add_pd(m, z2::swap(m)), z2::rows(k, N, r));
+        largest = _mm256_max_pd(size[r], largest); // a NaN size loses, as it never compares greater
+    }
+    largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
+    unsigned hits = 0;
+#pragma GCC unroll 4
+    for (int r = kr; r < R; ++r) {
+        pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), z2::rows(k, N, r));
+        hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
+    }
+    const bool k_unordered = _mm256_movemask_pd(_mm256_cmp_pd(size[kr], size[kr], _CMP_UNORD_Q)) >> (2 * (k & 1)) & 1;
+    const int p = hits != 0 && !k_unordered ? static_cast<int>(__builtin_ctz(hits)) / 2 : k;
+    if (__builtin_popcount(hits) != 2 || k_unordered) [[unlikely]] // a tie, or no row compares (NaN)
+#pragma GCC unroll 4
+        for (int r = kr; r < R; ++r)
+            pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
+    *inverse = z2::picked<R>(quotient, pick, kr);
+    return p;
+}
+
+// Row k <-> the picked row in column c; returns the picked row's entry in both halves.
+template <int R> [[gnu::always_inline]] inline __m256d interchange_z(__m256d *c, const __m256d *pick, int k)
+{
+    const int kr = k / 2;
+    const __m256d u = z2::picked<R>(c, pick, kr), old_k = z2::broadcast(c[kr], k & 1);
+#pragma GCC unroll 4
+    for (int r = kr; r < R; ++r)
+        c[r] = _mm256_blendv_pd(c[r], old_k, pick[r]);
+    c[kr] = _mm256_blendv_pd(c[kr], u, z2::rows(k, k + 1, kr));
+    return u;
+}
+
 // Complex double LU with partial pivoting for N <= 8, a column in R = (N+1)/2 registers of two
 // (re, im) pairs. Rows trade places in the registers at each step, so the pivot is the first
-// largest |re|+|im| in the current order as LAPACK picks it, and no permutation is left for the
-// end; the pivot row's entries are the u the update needs anyway.
+// largest |re|+|im| in the current order as LAPACK picks it; each column's interchange yields
+// the pivot row's entry, the u its update needs. A finished column is stored at once and takes
+// its later interchanges in memory, so the registers keep only the columns still changing.
 template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 1) / 2;
@@ -687,49 +733,11 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
         const int kr = k / 2;
-        // Every open row's reciprocal is formed while the pivot is sought, so the multipliers do
-        // not wait for a division after the choice.
-        __m256d size[R], inverse[R], largest = _mm256_set1_pd(-1.0);
-#pragma GCC unroll 4
-        for (int r = kr; r < R; ++r) {
-            inverse[r] = _mm256_xor_pd(_mm256_div_pd(col[k][r], z2::norm(col[k][r])), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
-            const __m256d m = y4::abs(col[k][r]);
-            size[r] = _mm256_blendv_pd(_mm256_set1_pd(-1.0), _mm256_add_pd(m, z2::swap(m)), z2::rows(k, N, r));
-            largest = _mm256_max_pd(size[r], largest); // a NaN size loses, as it never compares greater
-        }
-        largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
-        // pick takes its lanes straight from the comparison when one row holds the largest, so
-        // the swap and the pivot never wait for the row number to go through a general register.
-        unsigned hits = 0;
-        __m256d pick[R];
-#pragma GCC unroll 4
-        for (int r = kr; r < R; ++r) {
-            pick[r] = _mm256_and_pd(_mm256_cmp_pd(size[r], largest, _CMP_EQ_OQ), z2::rows(k, N, r));
-            hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
-        }
-        const bool k_unordered = _mm256_movemask_pd(_mm256_cmp_pd(size[kr], size[kr], _CMP_UNORD_Q)) >> (2 * (k & 1)) & 1;
-        const int p = hits != 0 && !k_unordered ? static_cast<int>(__builtin_ctz(hits)) / 2 : k;
-        ipiv[k] = p + 1;
-        if (__builtin_popcount(hits) != 2 || k_unordered) [[unlikely]] // a tie, or no row compares (NaN)
-#pragma GCC unroll 4
-            for (int r = kr; r < R; ++r)
-                pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
-        const __m256d at_k = z2::rows(k, k + 1, kr);
-        // Row k <-> row p in the columns still in registers; u[j] is the pivot row's entry of
-        // column j. The finished columns take their interchanges in memory at the end.
-        __m256d u[N];
-#pragma GCC unroll 8
-        for (int j = k; j < N; ++j) {
-            u[j] = z2::picked<R>(col[j], pick, kr);
-            const __m256d old_k = z2::broadcast(col[j][kr], k & 1);
-#pragma GCC unroll 4
-            for (int r = kr; r < R; ++r)
-                col[j][r] = _mm256_blendv_pd(col[j][r], old_k, pick[r]);
-            col[j][kr] = _mm256_blendv_pd(col[j][kr], u[j], at_k);
-        }
-        __m256d l[R];
-        if (_mm256_movemask_pd(_mm256_cmp_pd(u[k], _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
-            const __m256d s = z2::reciprocal(u[k], z2::norm(u[k]), z2::picked<R>(inverse, pick, kr));
+        __m256d pick[R], inverse, l[R], swapped[R];
+        ipiv[k] = pivot_row_z<N, R>(col[k], k, pick, &inverse) + 1;
+        const __m256d pivot = interchange_z<R>(col[k], pick, k);
+        if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
+            const __m256d s = z2::reciprocal(pivot, z2::norm(pivot), inverse);
             const __m256d s_re = _mm256_movedup_pd(s), s_im_alt = z2::odd_to_alternate(s);
 #pragma GCC unroll 4
             for (int r = kr; r < R; ++r) {
@@ -745,17 +753,16 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
                 l[r] = _mm256_and_pd(col[k][r], z2::rows(k + 1, N, r));
         }
         z2::store<N>(ad + 2 * k * lda, col[k], 0);
-        __m256d swapped[R];
 #pragma GCC unroll 4
         for (int r = kr; r < R; ++r)
             swapped[r] = z2::swap(l[r]);
         // Only rows below k change: a vector that also holds row k keeps it (a NaN or infinite
         // u times the zero multiplier must not reach the finished rows).
-        const int first = (k + 1) / 2;
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j) {
-            const __m256d re = _mm256_movedup_pd(u[j]), im_alt = z2::odd_to_alternate(u[j]);
-            if (first == kr)
+            const __m256d u = interchange_z<R>(col[j], pick, k);
+            const __m256d re = _mm256_movedup_pd(u), im_alt = z2::odd_to_alternate(u);
+            if ((k & 1) == 0)
                 col[j][kr] = _mm256_blendv_pd(col[j][kr], z2::minus_product(col[j][kr], l[kr], swapped[kr], re, im_alt),
                                               z2::rows(k + 1, N, kr));
 #pragma GCC unroll 4
