@@ -1,5 +1,5 @@
-// Small-matrix kernels for AVX2 with FMA, with the real double orders up to 8 held in registers
-// and the larger ones on zero-padded copies of whole vectors.
+// Small-matrix kernels for AVX2 with FMA, with the real and complex double orders up to 8 held
+// in registers and the larger ones on zero-padded copies of whole vectors.
 #include <immintrin.h>
 
 #define ZEL_SMALL_ISA avx2
@@ -1084,8 +1084,8 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
 }
 
-// The padded kernels from the orders where they beat the fixed-order loops (measured on the
-// AMD EPYC this was written on, lowered to AVX2).
+// The register kernels up to 8; the padded ones from the orders where they beat the fixed-order
+// loops (measured on the AMD EPYC this was written on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     switch (n) {
@@ -1164,8 +1164,10 @@ namespace zel::dense {
 // Orders up to which each kernel beats OpenBLAS (getrf, potrf, inverse), measured with `zel bench
 // dense` on an AMD EPYC lowered to AVX2, the peer on OpenBLAS 0.3.21's Haswell kernels:
 //   d  getrf 64 (1.7x there), potrf 56 (1.25x at 56, 0.9x at 64), inverse 64 (1.6x or more);
-//   z  getrf 32 (1.9x), potrf 32 (1.4x), inverse 32 (1.9x); at 64 the kernels are OpenBLAS's.
-// s and c keep the portable loops' limits.
+//   z  getrf 32 (1.9x), potrf 32 (1.35x), inverse 32 (1.8x); at 64 the kernels are OpenBLAS's.
+// s and c keep the portable loops' limits, which hold there too: s getrf 1.75x at 32, potrf
+// 1.7x at 8 (1.0x at 16), inverse 1.35x at 32; c getrf 1.8x at 32, potrf 1.85x at 16 (1.0x at
+// 32), inverse 1.1x at 32.
 const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 56, 64),
                                   avx2::table<std::complex<float>>(32, 16, 32), avx2::complex_double_table(32, 32, 32)};
 
