@@ -782,67 +782,72 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
     }
 }
 
-// The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), a column of the result
-// in R registers as inverse_d_registers forms it; row k of each column takes 1/u_kk on its way
-// into the U^-1 update.
+// The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), as inverse_d_registers
+// forms it but four columns of the result at a time (the columns are independent solves, and
+// eight would not fit the registers); row k of each column takes 1/u_kk on its way into the
+// U^-1 update.
 template <int N>
 void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
                          int64_t ldinv)
 {
     constexpr int R = (N + 1) / 2;
     const double *ad = reinterpret_cast<const double *>(a);
-    __m256d x[N][R];
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
+    int at[N], to[N]; // at[c]: the column of the solve that ends in column c
+    inverse_destinations(N, ipiv, at, to);
+#pragma GCC unroll 2
+    for (int g = 0; g < N; g += 4) {
+        const int end = std::min(N, g + 4);
+        __m256d x[4][R];
 #pragma GCC unroll 4
-        for (int r = 0; r < R; ++r)
-            x[j][r] = _mm256_and_pd(z2::rows(j, j + 1, r), _mm256_setr_pd(1.0, 0.0, 1.0, 0.0));
-#pragma GCC unroll 8
-    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
-        const int kr = k / 2;
-        __m256d l[R], ls[R];
-        z2::load<N>(ad + 2 * k * lda, l, k + 1);
+        for (int j = g; j < end; ++j)
 #pragma GCC unroll 4
-        for (int r = kr; r < R; ++r)
-            ls[r] = z2::swap(l[r]);
+            for (int r = 0; r < R; ++r)
+                x[j - g][r] = _mm256_and_pd(z2::rows(j, j + 1, r), _mm256_setr_pd(1.0, 0.0, 1.0, 0.0));
 #pragma GCC unroll 8
-        for (int j = 0; j <= k; ++j) {
-            const __m256d b = z2::broadcast(x[j][kr], k & 1);
-            const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+        for (int k = g; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
+            const int kr = k / 2;
+            __m256d l[R], ls[R];
+            z2::load<N>(ad + 2 * k * lda, l, k + 1);
 #pragma GCC unroll 4
             for (int r = kr; r < R; ++r)
-                x[j][r] = z2::minus_product(x[j][r], l[r], ls[r], re, im_alt);
-        }
-    }
-#pragma GCC unroll 8
-    for (int k = N - 1; k >= 0; --k) { // U^-1
-        const int kr = k / 2;
-        const std::complex<double> d = reciprocal(a[k + k * lda]);
-        const __m256d at_k = z2::rows(k, k + 1, kr);
-        __m256d u[R], us[R];
-        z2::load<N>(ad + 2 * k * lda, u);
+                ls[r] = z2::swap(l[r]);
 #pragma GCC unroll 4
-        for (int r = 0; r <= kr; ++r) {
-            u[r] = _mm256_and_pd(u[r], z2::rows(0, k, r));
-            us[r] = z2::swap(u[r]);
-        }
-#pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            const __m256d b = z2::times(z2::broadcast(x[j][kr], k & 1), d);
-            x[j][kr] = _mm256_blendv_pd(x[j][kr], b, at_k);
-            if (k > 0) {
+            for (int j = g; j < end && j <= k; ++j) {
+                const __m256d b = z2::broadcast(x[j - g][kr], k & 1);
                 const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
 #pragma GCC unroll 4
-                for (int r = 0; r <= kr; ++r)
-                    x[j][r] = z2::minus_product(x[j][r], u[r], us[r], re, im_alt);
+                for (int r = kr; r < R; ++r)
+                    x[j - g][r] = z2::minus_product(x[j - g][r], l[r], ls[r], re, im_alt);
             }
         }
-    }
-    int at[N], to[N]; // at[c]: the register that ends in column c
-    inverse_destinations(N, ipiv, at, to);
 #pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        z2::store<N>(reinterpret_cast<double *>(inv + to[j] * ldinv), x[j], 0);
+        for (int k = N - 1; k >= 0; --k) { // U^-1
+            const int kr = k / 2;
+            const std::complex<double> d = reciprocal(a[k + k * lda]);
+            const __m256d at_k = z2::rows(k, k + 1, kr);
+            __m256d u[R], us[R];
+            z2::load<N>(ad + 2 * k * lda, u);
+#pragma GCC unroll 4
+            for (int r = 0; r <= kr; ++r) {
+                u[r] = _mm256_and_pd(u[r], z2::rows(0, k, r));
+                us[r] = z2::swap(u[r]);
+            }
+#pragma GCC unroll 4
+            for (int j = g; j < end; ++j) {
+                const __m256d b = z2::times(z2::broadcast(x[j - g][kr], k & 1), d);
+                x[j - g][kr] = _mm256_blendv_pd(x[j - g][kr], b, at_k);
+                if (k > 0) {
+                    const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+#pragma GCC unroll 4
+                    for (int r = 0; r <= kr; ++r)
+                        x[j - g][r] = z2::minus_product(x[j - g][r], u[r], us[r], re, im_alt);
+                }
+            }
+        }
+#pragma GCC unroll 4
+        for (int j = g; j < end; ++j)
+            z2::store<N>(reinterpret_cast<double *>(inv + to[j] * ldinv), x[j - g], 0);
+    }
 }
 
 // Complex Cholesky A = L*L^H for N <= 8, right-looking with a column in R registers; only the
