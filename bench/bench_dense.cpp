@@ -19,9 +19,21 @@
 #include "suite.hpp"
 #include "zel/lapack.h"
 #include "zel_internal/isa.hpp"
+#include "zel_internal/value_traits.hpp"
 
 // The peer: OpenBLAS ILP64 from its shared object (the core carries its own private copy).
 extern "C" {
+void sgetrf_(const int64_t *, const int64_t *, float *, const int64_t *, int64_t *, int64_t *);
+void cgetrf_(const int64_t *, const int64_t *, std::complex<float> *, const int64_t *, int64_t *, int64_t *);
+void spotrf_(const char *, const int64_t *, float *, const int64_t *, int64_t *, size_t);
+void cpotrf_(const char *, const int64_t *, std::complex<float> *, const int64_t *, int64_t *, size_t);
+void sgetrs_(const char *, const int64_t *, const int64_t *, const float *, const int64_t *, const int64_t *,
+             float *, const int64_t *, int64_t *, size_t);
+void cgetrs_(const char *, const int64_t *, const int64_t *, const std::complex<float> *, const int64_t *,
+             const int64_t *, std::complex<float> *, const int64_t *, int64_t *, size_t);
+void sgetri_(const int64_t *, float *, const int64_t *, const int64_t *, float *, const int64_t *, int64_t *);
+void cgetri_(const int64_t *, std::complex<float> *, const int64_t *, const int64_t *, std::complex<float> *,
+             const int64_t *, int64_t *);
 void dgetrf_(const int64_t *, const int64_t *, double *, const int64_t *, int64_t *, int64_t *);
 void zgetrf_(const int64_t *, const int64_t *, std::complex<double> *, const int64_t *, int64_t *, int64_t *);
 void dpotrf_(const char *, const int64_t *, double *, const int64_t *, int64_t *, size_t);
@@ -38,8 +50,21 @@ void zgetri_(const int64_t *, std::complex<double> *, const int64_t *, const int
 namespace {
 
 using zcomplex = std::complex<double>;
+using ccomplex = std::complex<float>;
 
 template <class T> struct peer;
+template <> struct peer<float> {
+    static constexpr auto getrf = sgetrf_;
+    static constexpr auto potrf = spotrf_;
+    static constexpr auto getrs = sgetrs_;
+    static constexpr auto getri = sgetri_;
+};
+template <> struct peer<ccomplex> {
+    static constexpr auto getrf = cgetrf_;
+    static constexpr auto potrf = cpotrf_;
+    static constexpr auto getrs = cgetrs_;
+    static constexpr auto getri = cgetri_;
+};
 template <> struct peer<double> {
     static constexpr auto getrf = dgetrf_;
     static constexpr auto potrf = dpotrf_;
@@ -82,22 +107,24 @@ template <class T> struct ours;
                                                 ipiv, &n, reinterpret_cast<C *>(b), &n, &n, &count, info, 0); \
         }                                                                                                 \
     };
+ZEL_BENCH_OURS(s, float, float)
 ZEL_BENCH_OURS(d, double, double)
+ZEL_BENCH_OURS(c, ccomplex, zel_complex8)
 ZEL_BENCH_OURS(z, zcomplex, zel_complex16)
 #undef ZEL_BENCH_OURS
 
 template <class T> T random_value(std::mt19937_64 &rng)
 {
     std::uniform_real_distribution<double> d(-1.0, 1.0);
-    if constexpr (std::is_same_v<T, zcomplex>)
-        return T(d(rng), d(rng));
+    if constexpr (zel::is_complex_v<T>)
+        return T(static_cast<typename T::value_type>(d(rng)), static_cast<typename T::value_type>(d(rng)));
     else
         return T(d(rng));
 }
 
 template <class T> T conj_value(T x)
 {
-    if constexpr (std::is_same_v<T, zcomplex>)
+    if constexpr (zel::is_complex_v<T>)
         return std::conj(x);
     else
         return x;
@@ -183,7 +210,7 @@ template <class T> struct size_run {
     int repeats;
     char letter;
     double nd = static_cast<double>(n);
-    double cx = std::is_same_v<T, zcomplex> ? 4.0 : 1.0; // real flops per complex multiply-add
+    double cx = zel::is_complex_v<T> ? 4.0 : 1.0; // real flops per complex multiply-add
 };
 
 template <class T> void time_getrf(const size_run<T> &s, batch<T> &b)
@@ -294,6 +321,8 @@ int run_one_set(const zel::bench::request &what)
                 "peer ns", "ours GF", "peer GF", "ratio");
     run_precision<double>('d', sizes, what.repeats, bytes, only);
     run_precision<zcomplex>('z', sizes, what.repeats, bytes, only);
+    run_precision<float>('s', sizes, what.repeats, bytes, only);
+    run_precision<ccomplex>('c', sizes, what.repeats, bytes, only);
     return 0;
 }
 
@@ -359,8 +388,8 @@ int run(const zel::bench::request &what)
         return run_one_set(what);
     std::printf("zel bench dense: per-member time, best of %d passes over a batch of ~%.0f KiB, on\n"
                 "memory already touched (each pass restores its inputs untimed first).\n"
-                "peer: plain loop over OpenBLAS ILP64 dgetrf_/zgetrf_, dpotrf_/zpotrf_ (lower), the\n"
-                "inverse as copy of the LU factor + dgetri_/zgetri_, dgetrs_/zgetrs_ with nrhs = 1.\n"
+                "peer: plain loop over OpenBLAS ILP64 ?getrf_, ?potrf_ (lower), the inverse as copy of\n"
+                "the LU factor + ?getri_, ?getrs_ with nrhs = 1, for d, z, s and c.\n"
                 "ours: the layer's strided drivers zel_lapack_?getrf_batch_strided, ?potrf_, ?getri_oop_,\n"
                 "?getrs_ (64-bit integers), over the core's one-matrix kernels.\n"
                 "One table per instruction set this processor runs, each in a process of its own with the\n"
