@@ -10,8 +10,8 @@ namespace zel::bench {
 
 const suite_info suites[] = {
     {"dense", "small dense LU, Cholesky, inverse and solve batches against OpenBLAS",
-     "Times strided batches (about 4 MiB of matrices per size) of each routine in s, d, c and z against a\n"
-     "plain loop over OpenBLAS's one-matrix routines; the best of several alternating passes.\n",
+     "Times strided batches (about 4 MiB of matrices per size) of each routine in s, d, c and z\n"
+     "against a plain loop over OpenBLAS's one-matrix routines; the best of several alternating passes.\n",
      option_sizes | option_quick,
      15,
      {{"getrf", "LU with partial pivoting"},
