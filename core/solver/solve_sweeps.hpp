@@ -9,7 +9,9 @@
 #include <array>
 #include <complex>
 #include <cstdint>
+#include <optional>
 #include <tuple>
+
 #include <sys/mman.h>
 
 #include "bk_blocks.hpp"
@@ -236,7 +238,8 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
     // side of L·Lᴴ, swept in place).
     const bool in_place = nrhs == 1 && (K == sweep_kind::cholesky_forward || K == sweep_kind::cholesky_backward);
     const int64_t kept = in_place ? 0 : frame->n;
-    const auto count = checked_mul(largest_panel_rows(f) + kept, chunk_width(nrhs));
+    const auto panel_rows = checked_add(largest_panel_rows(f), kept);
+    const auto count = panel_rows ? checked_mul(*panel_rows, chunk_width(nrhs)) : std::nullopt;
     scratch_array<T> rows;
     if (count)
         rows = sweep_scratch<T>(size_t(*count));
