@@ -300,11 +300,11 @@ template <class T, int KC> ZEL_SWEEP_INLINE void scale(lanes<T, KC> &a, T s)
 }
 
 // Columns a block of the several-right-hand-side kernels takes together: as many as leave
-// half the vector registers for their rows (up to 8: a row is loaded and stored once a block).
+// half the vector registers for their rows (up to 4: 8 measured slower on small panels).
 template <class T, int KC> constexpr int rows_block()
 {
     constexpr int per_row = lanes<T, KC>::count * lanes<T, KC>::planes;
-    return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 8);
+    return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 4);
 }
 
 // x(index[r], c0 + c) = t(r, c) for the panel's first `rows` rows (at least its own), c < kc.
