@@ -9,7 +9,10 @@
 #include <array>
 #include <complex>
 #include <cstdint>
+#include <optional>
 #include <tuple>
+
+#include <sys/mman.h>
 
 #include "bk_blocks.hpp"
 #include "zel/pds_solve.h"
@@ -67,10 +70,10 @@ template <class T, class I> int64_t largest_panel_rows(const sweep_factor<T, I> 
     return rows;
 }
 
-// k right-hand sides of the factor's order at leading dimension ld.
+// k right-hand sides of the factor's order n at leading dimension ld.
 template <class T> struct rhs_block {
     T *x;
-    int64_t ld, k;
+    int64_t ld, k, n;
 };
 
 // Right-hand sides a sweep takes at once (more are swept in chunks of this many).
@@ -100,8 +103,10 @@ enum class sweep_kind : int {
 };
 inline constexpr int sweep_kinds = int(sweep_kind::count);
 
-// The sweeps of one value and index type; t holds largest_panel_rows(f)·chunk_width(k) values.
-template <class T, class I> using sweep_fn = void (*)(const sweep_factor<T, I> &, const rhs_block<T> &, T *t);
+// The sweeps of one value and index type; t holds largest_panel_rows(f)·chunk_width(k) values,
+// kept n·chunk_width(k) (null for one right-hand side of L·Lᴴ).
+template <class T, class I>
+using sweep_fn = void (*)(const sweep_factor<T, I> &, const rhs_block<T> &, T *t, T *kept);
 template <class T, class I> using sweep_table = std::array<sweep_fn<T, I>, sweep_kinds>;
 
 using sweep_set = std::tuple<sweep_table<float, int32_t>, sweep_table<double, int32_t>,
@@ -192,6 +197,19 @@ template <sweep_kind K, class T, class I> bool factor_usable(const sweep_factor<
         return true;
 }
 
+// A sweep's scratch. A large one is mostly the rows kept between panels, read at random, row
+// by row: on huge pages those reads miss the TLB far less often (and it faults in 2 MB at a time).
+template <class T> scratch_array<T> sweep_scratch(size_t count)
+{
+    constexpr size_t huge = size_t(2) << 20;
+    if (count < 4 * huge / sizeof(T))
+        return scratch_array<T>(count, 128);
+    scratch_array<T> rows(count, int(huge));
+    if (rows)
+        madvise(rows.get(), count * sizeof(T), MADV_HUGEPAGE);
+    return rows;
+}
+
 // The exported kernels: error 0, 1 (no work block, or no memory), or 2 (a frame of other
 // value or index types, a block narrower than the factor, or a factor without the arrays or
 // with pivots out of range for the kind).
@@ -216,18 +234,23 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
         *error = 2;
         return;
     }
-    const auto count = checked_mul(largest_panel_rows(f), chunk_width(nrhs));
-    scratch_array<T> t;
+    // The work block t, after the rows the sweep keeps between panels (none for one right-hand
+    // side of L·Lᴴ, swept in place).
+    const bool in_place = nrhs == 1 && (K == sweep_kind::cholesky_forward || K == sweep_kind::cholesky_backward);
+    const int64_t kept = in_place ? 0 : frame->n;
+    const auto panel_rows = checked_add(largest_panel_rows(f), kept);
+    const auto count = panel_rows ? checked_mul(*panel_rows, chunk_width(nrhs)) : std::nullopt;
+    scratch_array<T> rows;
     if (count)
-        t = scratch_array<T>(size_t(*count), 128);
-    if (!t) {
+        rows = sweep_scratch<T>(size_t(*count));
+    if (!rows) {
         *error = 1;
         return;
     }
-    const rhs_block<T> b{work, std::max<int64_t>(ldw, frame->n), nrhs};
+    const rhs_block<T> b{work, std::max<int64_t>(ldw, frame->n), nrhs, frame->n};
     const bool conj = conjugates<K, T>(*frame);
     conjugate_if(b, frame->n, conj);
-    sweeps_for<T, I>()[int(K)](f, b, t.get());
+    sweeps_for<T, I>()[int(K)](f, b, rows.get() + kept * chunk_width(nrhs), in_place ? nullptr : rows.get());
     conjugate_if(b, frame->n, conj);
 }
 

@@ -6,7 +6,9 @@
 // factor is updated in place (the rows below the diagonal block through a short work vector);
 // otherwise the right-hand sides are first gathered row by row into a work block of KC values
 // a row, so that each entry of the panel meets all of them in one vector operation (the
-// Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below).
+// Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below). Between
+// panels the rows below a panel live in a block of n such rows (kept), so that a panel's row
+// list costs one short copy a row rather than KC reads across the columns of x.
 #pragma once
 
 #include <algorithm>
@@ -14,6 +16,7 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "solve_sweeps.hpp"
 
@@ -272,6 +275,16 @@ template <class T, int KC> ZEL_SWEEP_INLINE void subtract(lanes<T, KC> &a, const
     }
 }
 
+template <class T, int KC> ZEL_SWEEP_INLINE void add(lanes<T, KC> &a, const lanes<T, KC> &b)
+{
+#pragma GCC unroll 16
+    for (int k = 0; k < lanes<T, KC>::count; ++k) {
+        a.v[0][k] += b.v[0][k];
+        if constexpr (is_complex_v<T>)
+            a.v[1][k] += b.v[1][k];
+    }
+}
+
 template <class T, int KC> ZEL_SWEEP_INLINE void scale(lanes<T, KC> &a, T s)
 {
 #pragma GCC unroll 16
@@ -287,42 +300,14 @@ template <class T, int KC> ZEL_SWEEP_INLINE void scale(lanes<T, KC> &a, T s)
 }
 
 // Columns a block of the several-right-hand-side kernels takes together: as many as leave
-// half the vector registers for their rows.
+// half the vector registers for their rows (up to 4: 8 measured slower on small panels).
 template <class T, int KC> constexpr int rows_block()
 {
     constexpr int per_row = lanes<T, KC>::count * lanes<T, KC>::planes;
     return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 4);
 }
 
-// t(r, c) = x(index[r], c0 + c) for the panel's rows, c < kc; the rest of each row zero. The
-// panel's own rows are consecutive in x and are read a column at a time; the rows below are
-// read a row at a time, so that the loads of a row are all under way at once.
-template <class T, class I, int KC>
-void gather_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
-{
-    constexpr int W = lanes<T, KC>::reals;
-    if (kc < KC)
-        std::memset(static_cast<void *>(t), 0, sizeof(real_t<T>) * size_t(p.rows * W));
-    auto put = [&](real_t<T> *to, T v) {
-        if constexpr (is_complex_v<T>) {
-            to[0] = v.real();
-            to[KC] = v.imag();
-        } else {
-            to[0] = v;
-        }
-    };
-    const T *x = b.x + c0 * b.ld;
-    for (int64_t c = 0; c < kc; ++c)
-        for (int64_t r = 0; r < p.cols; ++r)
-            put(t + r * W + c, x[c * b.ld + p.first + r]);
-    for (int64_t r = p.cols; r < p.rows; ++r) {
-        const T *xr = x + (p.index[r] - 1);
-        for (int64_t c = 0; c < kc; ++c)
-            put(t + r * W + c, xr[c * b.ld]);
-    }
-}
-
-// The inverse of gather_rows over the panel's first `rows` rows (at least its own).
+// x(index[r], c0 + c) = t(r, c) for the panel's first `rows` rows (at least its own), c < kc.
 template <class T, class I, int KC>
 void scatter_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *t,
                   int64_t rows)
@@ -353,7 +338,7 @@ ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *p
     constexpr int W = lanes<T, KC>::reals;
     for (int64_t i = i0; i < i1; ++i) {
         lanes<T, KC> a = load_row<T, KC>(t + i * W);
-#pragma GCC unroll 4
+#pragma GCC unroll 8
         for (int q = 0; q < Q; ++q)
             update<false, Conj>(a, c[q][i], pivot[q]);
         store_row(t + i * W, a);
@@ -367,18 +352,142 @@ ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, const real_t<T> *t, int6
 {
     constexpr int W = lanes<T, KC>::reals;
     lanes<T, KC> s[Q];
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int q = 0; q < Q; ++q)
         s[q] = zero_row<T, KC>();
     for (int64_t i = i0; i < i1; ++i) {
         const lanes<T, KC> row = load_row<T, KC>(t + i * W);
-#pragma GCC unroll 4
+#pragma GCC unroll 8
         for (int q = 0; q < Q; ++q)
             update<true, Conj>(s[q], c[q][i], row);
     }
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int q = 0; q < Q; ++q)
         out[q] = s[q];
+}
+
+// Row r of x's KC right-hand sides from the block's columns (leading dimension ld) and back,
+// built and taken apart in registers: single values stored next to a row that is then loaded
+// whole (or the reverse) wait for the stores to retire.
+template <class T, int KC> struct column_rows {
+    using L = lanes<T, KC>;
+    using R = real_t<T>;
+    static constexpr int each = L::bytes / int(sizeof(R)), parts = int(sizeof(T) / sizeof(R));
+    const R *x; // the block's first column at the panel's first row, as reals
+    int64_t ld; // in reals
+
+    template <size_t... E>
+    ZEL_SWEEP_INLINE typename L::vec part(int64_t r, int plane, int k, std::index_sequence<E...>) const
+    {
+        return typename L::vec{x[(k * each + int64_t(E)) * ld + r * parts + plane]...};
+    }
+    ZEL_SWEEP_INLINE L load(int64_t r) const
+    {
+        L a;
+#pragma GCC unroll 16
+        for (int k = 0; k < L::planes * L::count; ++k)
+            a.v[k / L::count][k % L::count] =
+                part(r, k / L::count, k % L::count, std::make_index_sequence<size_t(each)>{});
+        return a;
+    }
+    ZEL_SWEEP_INLINE void store(int64_t r, const L &a) const
+    {
+        R *to = const_cast<R *>(x);
+#pragma GCC unroll 16
+        for (int k = 0; k < L::planes * L::count; ++k)
+#pragma GCC unroll 16
+            for (int e = 0; e < each; ++e)
+                to[(k % L::count * each + e) * ld + r * parts + k / L::count] = a.v[k / L::count][k % L::count][e];
+    }
+};
+
+template <class T, int KC> column_rows<T, KC> columns_of(const rhs_block<T> &b, int64_t c0, int64_t first)
+{
+    constexpr int64_t parts = sizeof(T) / sizeof(real_t<T>);
+    return {reinterpret_cast<const real_t<T> *>(b.x + c0 * b.ld + first), b.ld * parts};
+}
+
+// The rows of a sweep kept between panels, a row's KC right-hand sides side by side as in the
+// work block: forward, the updates the rows below have received so far (zero at the start);
+// backward, the solution of every panel done so far. A panel's own rows stay in x's columns,
+// where each is consecutive.
+template <bool Forward, class T, class I, int KC>
+void gather_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *kept,
+                 real_t<T> *t)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    const T *x = b.x + c0 * b.ld + p.first;
+    if (kc == KC) {
+        const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
+        for (int64_t r = 0; r < p.cols; ++r) {
+            lanes<T, KC> a = own.load(r);
+            if constexpr (Forward)
+                add(a, load_row<T, KC>(kept + (p.first + r) * W));
+            store_row(t + r * W, a);
+        }
+    } else if constexpr (Forward) {
+        std::memcpy(t, kept + p.first * W, sizeof(real_t<T>) * size_t(p.cols * W));
+    } else {
+        std::memset(static_cast<void *>(t), 0, sizeof(real_t<T>) * size_t(p.cols * W));
+    }
+    for (int64_t c = 0; c < kc && kc < KC; ++c)
+        for (int64_t r = 0; r < p.cols; ++r) {
+            real_t<T> *to = t + r * W + c;
+            const T v = x[c * b.ld + r];
+            if constexpr (is_complex_v<T>) {
+                to[0] = Forward ? to[0] + v.real() : v.real();
+                to[KC] = Forward ? to[KC] + v.imag() : v.imag();
+            } else {
+                to[0] = Forward ? to[0] + v : v;
+            }
+        }
+    for (int64_t r = p.cols; r < p.rows; ++r)
+        std::memcpy(t + r * W, kept + (p.index[r] - 1) * W, sizeof(real_t<T>) * W);
+}
+
+// The panel's own rows back to x; forward the rows below to the kept updates, backward the
+// own rows to the kept solution too.
+template <bool Forward, class T, class I, int KC>
+void scatter_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *t,
+                  real_t<T> *kept)
+{
+    constexpr int W = lanes<T, KC>::reals;
+    if (kc == KC) {
+        const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
+        for (int64_t r = 0; r < p.cols; ++r)
+            own.store(r, load_row<T, KC>(t + r * W));
+    } else {
+        scatter_rows<T, I, KC>(p, b, c0, kc, t, p.cols);
+    }
+    if constexpr (Forward)
+        for (int64_t r = p.cols; r < p.rows; ++r)
+            std::memcpy(kept + (p.index[r] - 1) * W, t + r * W, sizeof(real_t<T>) * W);
+    else
+        std::memcpy(kept + p.first * W, t, sizeof(real_t<T>) * size_t(p.cols * W));
+}
+
+// The lines gather_kept will read for panel p, asked for ahead (while the panel before it is
+// being solved): the rows of x's columns and of kept come from memory, out of any order the
+// hardware would follow on its own.
+template <bool Forward, class T, class I, int KC>
+void prefetch_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *kept)
+{
+    constexpr int W = lanes<T, KC>::reals, line = 64 / int(sizeof(real_t<T>));
+    const T *x = b.x + c0 * b.ld + p.first;
+    const int64_t own = p.cols * int64_t(sizeof(T) / sizeof(real_t<T>));
+    for (int64_t c = 0; c < kc; ++c) {
+        const real_t<T> *col = reinterpret_cast<const real_t<T> *>(x + c * b.ld);
+        for (int64_t i = 0; i < own; i += line)
+            __builtin_prefetch(col + i);
+        __builtin_prefetch(col + own - 1);
+    }
+    if constexpr (Forward)
+        for (int64_t i = 0; i < p.cols * W; i += line)
+            __builtin_prefetch(kept + p.first * W + i);
+    for (int64_t r = p.cols; r < p.rows; ++r)
+#pragma GCC unroll 8
+        for (int i = 0; i < W; i += line)
+            __builtin_prefetch(kept + (p.index[r] - 1) * W + i);
 }
 
 // ---- Triangles of a gathered panel ----
@@ -615,11 +724,9 @@ template <class T, int KC> struct gathered_rows {
 // Bunch–Kaufman: the block's halves on the gathered rows, the update through L21 between them.
 // (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
 template <bool Forward, class T, class I, int KC>
-void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
-              int64_t kc, real_t<T> *t)
+void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
 {
     const bk_block<T, I> block{p.cols, p.l, p.rows, f.bk_pivots + p.first};
-    gather_rows<T, I, KC>(p, b, c0, kc, t);
     if constexpr (Forward) {
         bk_forward(block, gathered_rows<T, KC>{t});
         update_below<T, I, KC>(p, lower_columns(p), t);
@@ -627,37 +734,34 @@ void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const rhs
         subtract_below<T, I, KC>(p, lower_columns(p), t);
         bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{t});
     }
-    scatter_rows<T, I, KC>(p, b, c0, kc, t, Forward ? p.rows : p.cols);
 }
 
-// The triangles of L·Lᴴ and L·U factors on the gathered panel; the rows written back. The
-// conjugate factor of a transposed sweep is the caller's (sweep_entry).
+// The triangles of L·Lᴴ and L·U factors (and the Bunch–Kaufman halves) on the gathered panel.
+// The conjugate factor of a transposed sweep is the caller's (sweep_entry).
 template <sweep_kind K, class T, class I, int KC>
-int64_t triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
+void triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
 {
     using k = sweep_kind;
-    if constexpr (K == k::cholesky_forward) {
+    if constexpr (K == k::bk_forward || K == k::bk_backward) {
+        bk_panel<K == k::bk_forward, T, I, KC>(f, p, t);
+    } else if constexpr (K == k::cholesky_forward) {
         forward_rows<false, T, I, KC>(p, t);
-        return p.rows;
     } else if constexpr (K == k::cholesky_backward) {
         backward_rows<false, true, T, I, KC>(p, t);
     } else if constexpr (K == k::lu_forward) {
         interchange_rows<true, T, I, KC>(p, f.row_pivots + p.first, t);
         forward_rows<true, T, I, KC>(p, t);
-        return p.rows;
     } else if constexpr (K == k::lu_backward) {
         subtract_below<T, I, KC>(p, upper_columns(f, p), t);
         upper_rows<T, I, KC>(p, t);
     } else if constexpr (K == k::lu_forward_t) {
         upper_t_rows<T, I, KC>(p, t);
         update_below<T, I, KC>(p, upper_columns(f, p), t);
-        return p.rows;
     } else {
         static_assert(K == k::lu_backward_t);
         backward_rows<true, false, T, I, KC>(p, t);
         interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, t);
     }
-    return p.cols;
 }
 
 constexpr bool forward_kind(sweep_kind k)
@@ -666,25 +770,29 @@ constexpr bool forward_kind(sweep_kind k)
            k == sweep_kind::diag_forward || k == sweep_kind::bk_forward;
 }
 
-// One sweep over the factor for the block's right-hand sides c0 … c0+kc−1 (kc ≤ KC).
+// One sweep over the factor for the block's right-hand sides c0 … c0+kc−1 (kc ≤ KC), the rows
+// kept between panels in kept (n rows of the work block's width).
 template <sweep_kind K, class T, class I, int KC>
-void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t)
+void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, int64_t kc, real_t<T> *t,
+                real_t<T> *kept)
 {
     constexpr bool forward = forward_kind(K);
+    if constexpr (forward)
+        std::memset(static_cast<void *>(kept), 0, sizeof(real_t<T>) * size_t(b.n * lanes<T, KC>::reals));
     for (I k = 0; k < f.nsuper; ++k) {
         const sweep_panel<T, I> p = panel_of(f, forward ? k : f.nsuper - 1 - k);
-        if constexpr (K == sweep_kind::bk_forward || K == sweep_kind::bk_backward) {
-            bk_panel<forward, T, I, KC>(f, p, b, c0, kc, t);
-        } else {
-            gather_rows<T, I, KC>(p, b, c0, kc, t);
-            scatter_rows<T, I, KC>(p, b, c0, kc, t, triangle_panel<K, T, I, KC>(f, p, t));
-        }
+        gather_kept<forward, T, I, KC>(p, b, c0, kc, kept, t);
+        if (k + 1 < f.nsuper)
+            prefetch_kept<forward, T, I, KC>(panel_of(f, forward ? k + 1 : f.nsuper - 2 - k), b, c0, kc, kept);
+        triangle_panel<K, T, I, KC>(f, p, t);
+        scatter_kept<forward, T, I, KC>(p, b, c0, kc, t, kept);
     }
 }
 
 // A sweep over the whole block in chunks of at most sweep_chunk right-hand sides, each padded
 // to the next of 2, 4, 8 or 16; one right-hand side of L·Lᴴ is swept in place.
-template <sweep_kind K, class T, class I> void sweep(const sweep_factor<T, I> &f, const rhs_block<T> &b, T *t)
+template <sweep_kind K, class T, class I>
+void sweep(const sweep_factor<T, I> &f, const rhs_block<T> &b, T *t, T *kept_rows)
 {
     constexpr bool forward = forward_kind(K);
     if (K == sweep_kind::cholesky_forward || K == sweep_kind::cholesky_backward) {
@@ -699,17 +807,17 @@ template <sweep_kind K, class T, class I> void sweep(const sweep_factor<T, I> &f
             return;
         }
     }
-    auto *rows = reinterpret_cast<real_t<T> *>(t);
+    auto *rows = reinterpret_cast<real_t<T> *>(t), *kept = reinterpret_cast<real_t<T> *>(kept_rows);
     for (int64_t c0 = 0; c0 < b.k; c0 += sweep_chunk) {
         const int64_t kc = std::min<int64_t>(sweep_chunk, b.k - c0);
         if (kc > 8)
-            sweep_rows<K, T, I, 16>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 16>(f, b, c0, kc, rows, kept);
         else if (kc > 4)
-            sweep_rows<K, T, I, 8>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 8>(f, b, c0, kc, rows, kept);
         else if (kc > 2)
-            sweep_rows<K, T, I, 4>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 4>(f, b, c0, kc, rows, kept);
         else
-            sweep_rows<K, T, I, 2>(f, b, c0, kc, rows);
+            sweep_rows<K, T, I, 2>(f, b, c0, kc, rows, kept);
     }
 }
 

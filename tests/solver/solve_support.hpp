@@ -313,19 +313,15 @@ struct random_shape {
     int64_t nsuper() const { return int64_t(super_ptr.size()) - 1; }
 };
 
-// Supernodes of 1 … widest columns; each row beyond a supernode joins its list with the given
+// The supernodes of super_ptr; each row beyond a supernode joins its list with the given
 // probability.
-inline random_shape make_shape(int64_t n, int64_t widest, double density, uint64_t seed)
+inline random_shape shape_of(std::vector<int64_t> super_ptr, double density, std::mt19937_64 &rng)
 {
-    std::mt19937_64 rng(seed);
     std::uniform_real_distribution<double> u(0, 1);
     random_shape s;
-    s.n = n;
-    s.super_ptr.push_back(1);
-    while (s.super_ptr.back() <= n) {
-        const int64_t width = 1 + int64_t(u(rng) * double(widest));
-        s.super_ptr.push_back(std::min(s.super_ptr.back() + std::min(width, widest), n + 1));
-    }
+    s.n = super_ptr.back() - 1;
+    s.super_ptr = std::move(super_ptr);
+    const int64_t n = s.n;
     s.col_ptr.assign(size_t(n + 1), 0);
     s.u_col_ptr.assign(size_t(n + 1), 0);
     s.row_ptr.push_back(1);
@@ -349,6 +345,32 @@ inline random_shape make_shape(int64_t n, int64_t widest, double density, uint64
     s.col_ptr[size_t(n)] = at;
     s.u_col_ptr[size_t(n)] = u_at;
     return s;
+}
+
+// Supernodes of 1 … widest columns; each row beyond a supernode joins its list with the given
+// probability.
+inline random_shape make_shape(int64_t n, int64_t widest, double density, uint64_t seed)
+{
+    std::mt19937_64 rng(seed);
+    std::uniform_real_distribution<double> u(0, 1);
+    std::vector<int64_t> super_ptr{1};
+    while (super_ptr.back() <= n) {
+        const int64_t width = 1 + int64_t(u(rng) * double(widest));
+        super_ptr.push_back(std::min(super_ptr.back() + std::min(width, widest), n + 1));
+    }
+    return shape_of(std::move(super_ptr), density, rng);
+}
+
+// Supernodes of each width from 1 to widest, narrowest first or last; about 40 rows below the
+// first of them, none below the last.
+inline random_shape widths_shape(int64_t widest, bool narrowest_first, uint64_t seed)
+{
+    std::mt19937_64 rng(seed);
+    std::vector<int64_t> super_ptr{1};
+    for (int64_t k = 1; k <= widest; ++k)
+        super_ptr.push_back(super_ptr.back() + (narrowest_first ? k : widest + 1 - k));
+    const double beyond = double(super_ptr.back() - 1 - super_ptr[1] + 1);
+    return shape_of(std::move(super_ptr), 40.0 / beyond, rng);
 }
 
 // The shapes the types are tested on: one column; narrow supernodes with a few rows below;
