@@ -521,17 +521,8 @@ void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *i
 
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    switch (n) {
-    case 1: return getrf_d_registers<1>(a, lda, ipiv, info);
-    case 2: return getrf_d_registers<2>(a, lda, ipiv, info);
-    case 3: return getrf_d_registers<3>(a, lda, ipiv, info);
-    case 4: return getrf_d_registers<4>(a, lda, ipiv, info);
-    case 5: return getrf_d_registers<5>(a, lda, ipiv, info);
-    case 6: return getrf_d_registers<6>(a, lda, ipiv, info);
-    case 7: return getrf_d_registers<7>(a, lda, ipiv, info);
-    case 8: return getrf_d_registers<8>(a, lda, ipiv, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { getrf_d_registers<N>(a, lda, ipiv, info); }))
+        return;
     if (n <= column_limit)
         return getrf_d_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
@@ -539,17 +530,8 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 
 void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
 {
-    switch (n) {
-    case 1: return potrf_lower_d_registers<1>(a, lda, info);
-    case 2: return potrf_lower_d_registers<2>(a, lda, info);
-    case 3: return potrf_lower_d_registers<3>(a, lda, info);
-    case 4: return potrf_lower_d_registers<4>(a, lda, info);
-    case 5: return potrf_lower_d_registers<5>(a, lda, info);
-    case 6: return potrf_lower_d_registers<6>(a, lda, info);
-    case 7: return potrf_lower_d_registers<7>(a, lda, info);
-    case 8: return potrf_lower_d_registers<8>(a, lda, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_d_registers<N>(a, lda, info); }))
+        return;
     if (n <= column_limit)
         return potrf_lower_d_columns(n, a, lda, info);
     potrf_lower_loop(n, a, lda, info);
@@ -557,17 +539,8 @@ void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
 
 void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
 {
-    switch (n) {
-    case 1: return inverse_d_registers<1>(a, lda, ipiv, inv, ldinv);
-    case 2: return inverse_d_registers<2>(a, lda, ipiv, inv, ldinv);
-    case 3: return inverse_d_registers<3>(a, lda, ipiv, inv, ldinv);
-    case 4: return inverse_d_registers<4>(a, lda, ipiv, inv, ldinv);
-    case 5: return inverse_d_registers<5>(a, lda, ipiv, inv, ldinv);
-    case 6: return inverse_d_registers<6>(a, lda, ipiv, inv, ldinv);
-    case 7: return inverse_d_registers<7>(a, lda, ipiv, inv, ldinv);
-    case 8: return inverse_d_registers<8>(a, lda, ipiv, inv, ldinv);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { inverse_d_registers<N>(a, lda, ipiv, inv, ldinv); }))
+        return;
     if (n <= inverse_column_limit)
         return inverse_d_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
@@ -1093,17 +1066,8 @@ void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, co
 // loops (measured on the AMD EPYC this was written on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    switch (n) {
-    case 1: return getrf_z_registers<1>(a, lda, ipiv, info);
-    case 2: return getrf_z_registers<2>(a, lda, ipiv, info);
-    case 3: return getrf_z_registers<3>(a, lda, ipiv, info);
-    case 4: return getrf_z_registers<4>(a, lda, ipiv, info);
-    case 5: return getrf_z_registers<5>(a, lda, ipiv, info);
-    case 6: return getrf_z_registers<6>(a, lda, ipiv, info);
-    case 7: return getrf_z_registers<7>(a, lda, ipiv, info);
-    case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { getrf_z_registers<N>(a, lda, ipiv, info); }))
+        return;
     if (n <= complex_limit)
         return getrf_z_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
@@ -1111,17 +1075,8 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
 
 void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
 {
-    switch (n) {
-    case 1: return potrf_lower_z_registers<1>(a, lda, info);
-    case 2: return potrf_lower_z_registers<2>(a, lda, info);
-    case 3: return potrf_lower_z_registers<3>(a, lda, info);
-    case 4: return potrf_lower_z_registers<4>(a, lda, info);
-    case 5: return potrf_lower_z_registers<5>(a, lda, info);
-    case 6: return potrf_lower_z_registers<6>(a, lda, info);
-    case 7: return potrf_lower_z_registers<7>(a, lda, info);
-    case 8: return potrf_lower_z_registers<8>(a, lda, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_z_registers<N>(a, lda, info); }))
+        return;
     if (n <= 16)
         return potrf_lower_small(n, a, lda, info);
     if (n <= complex_limit)
@@ -1132,17 +1087,8 @@ void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *inf
 void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv, std::complex<double> *inv,
                int64_t ldinv)
 {
-    switch (n) {
-    case 1: return inverse_z_registers<1>(a, lda, ipiv, inv, ldinv);
-    case 2: return inverse_z_registers<2>(a, lda, ipiv, inv, ldinv);
-    case 3: return inverse_z_registers<3>(a, lda, ipiv, inv, ldinv);
-    case 4: return inverse_z_registers<4>(a, lda, ipiv, inv, ldinv);
-    case 5: return inverse_z_registers<5>(a, lda, ipiv, inv, ldinv);
-    case 6: return inverse_z_registers<6>(a, lda, ipiv, inv, ldinv);
-    case 7: return inverse_z_registers<7>(a, lda, ipiv, inv, ldinv);
-    case 8: return inverse_z_registers<8>(a, lda, ipiv, inv, ldinv);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { inverse_z_registers<N>(a, lda, ipiv, inv, ldinv); }))
+        return;
     if (n <= complex_limit)
         return inverse_z_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);

@@ -80,6 +80,9 @@ struct ymm4 {
     static double first(reg v) { return _mm256_cvtsd_f64(v); }
 };
 
+// The register that holds a column of order N: four lanes up to order 4, eight above.
+template <int N> using register_vector = std::conditional_t<(N <= 4), ymm4, zmm8>;
+
 // LU with partial pivoting of an N x N double matrix, one column per register: the pivot
 // search, the row interchange (one permute per column) and the update never leave registers.
 // The multipliers are scaled by 1/|pivot| and take the pivot's sign after, which is exact, so
@@ -304,17 +307,8 @@ void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, doub
 
 void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
 {
-    switch (n) {
-    case 1: return inverse_d_registers<1, ymm4>(a, lda, ipiv, inv, ldinv);
-    case 2: return inverse_d_registers<2, ymm4>(a, lda, ipiv, inv, ldinv);
-    case 3: return inverse_d_registers<3, ymm4>(a, lda, ipiv, inv, ldinv);
-    case 4: return inverse_d_registers<4, ymm4>(a, lda, ipiv, inv, ldinv);
-    case 5: return inverse_d_registers<5, zmm8>(a, lda, ipiv, inv, ldinv);
-    case 6: return inverse_d_registers<6, zmm8>(a, lda, ipiv, inv, ldinv);
-    case 7: return inverse_d_registers<7, zmm8>(a, lda, ipiv, inv, ldinv);
-    case 8: return inverse_d_registers<8, zmm8>(a, lda, ipiv, inv, ldinv);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { inverse_d_registers<N, register_vector<N>>(a, lda, ipiv, inv, ldinv); }))
+        return;
     if (n <= 16)
         return inverse_d_columns<2>(n, a, lda, ipiv, inv, ldinv);
     if (n <= 32)
@@ -358,17 +352,8 @@ template <int N, class V> void potrf_lower_d_registers(double *a, int64_t lda, i
 
 void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
 {
-    switch (n) {
-    case 1: return potrf_lower_d_registers<1, ymm4>(a, lda, info);
-    case 2: return potrf_lower_d_registers<2, ymm4>(a, lda, info);
-    case 3: return potrf_lower_d_registers<3, ymm4>(a, lda, info);
-    case 4: return potrf_lower_d_registers<4, ymm4>(a, lda, info);
-    case 5: return potrf_lower_d_registers<5, zmm8>(a, lda, info);
-    case 6: return potrf_lower_d_registers<6, zmm8>(a, lda, info);
-    case 7: return potrf_lower_d_registers<7, zmm8>(a, lda, info);
-    case 8: return potrf_lower_d_registers<8, zmm8>(a, lda, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_d_registers<N, register_vector<N>>(a, lda, info); }))
+        return;
     if (n <= 16)
         return potrf_lower_d_columns<2>(n, a, lda, info);
     if (n <= 32)
@@ -779,17 +764,8 @@ template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t l
 
 void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
 {
-    switch (n) {
-    case 1: return potrf_lower_z_registers<1>(a, lda, info);
-    case 2: return potrf_lower_z_registers<2>(a, lda, info);
-    case 3: return potrf_lower_z_registers<3>(a, lda, info);
-    case 4: return potrf_lower_z_registers<4>(a, lda, info);
-    case 5: return potrf_lower_z_registers<5>(a, lda, info);
-    case 6: return potrf_lower_z_registers<6>(a, lda, info);
-    case 7: return potrf_lower_z_registers<7>(a, lda, info);
-    case 8: return potrf_lower_z_registers<8>(a, lda, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_z_registers<N>(a, lda, info); }))
+        return;
     if (n <= 16)
         return potrf_lower_z_columns<4>(n, a, lda, info);
     if (n <= 32)
@@ -813,17 +789,8 @@ void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int6
 
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    switch (n) {
-    case 1: return getrf_z_registers<1>(a, lda, ipiv, info);
-    case 2: return getrf_z_registers<2>(a, lda, ipiv, info);
-    case 3: return getrf_z_registers<3>(a, lda, ipiv, info);
-    case 4: return getrf_z_registers<4>(a, lda, ipiv, info);
-    case 5: return getrf_z_registers<5>(a, lda, ipiv, info);
-    case 6: return getrf_z_registers<6>(a, lda, ipiv, info);
-    case 7: return getrf_z_registers<7>(a, lda, ipiv, info);
-    case 8: return getrf_z_registers<8>(a, lda, ipiv, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { getrf_z_registers<N>(a, lda, ipiv, info); }))
+        return;
     alignas(64) std::complex<double> work[32 * 32];
     if (n <= 16)
         return getrf_z_columns<4>(n, a, lda, ipiv, info, work);
@@ -919,17 +886,8 @@ template <int R> void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t
 
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    switch (n) {
-    case 1: return getrf_d_registers<1, ymm4>(a, lda, ipiv, info);
-    case 2: return getrf_d_registers<2, ymm4>(a, lda, ipiv, info);
-    case 3: return getrf_d_registers<3, ymm4>(a, lda, ipiv, info);
-    case 4: return getrf_d_registers<4, ymm4>(a, lda, ipiv, info);
-    case 5: return getrf_d_registers<5, zmm8>(a, lda, ipiv, info);
-    case 6: return getrf_d_registers<6, zmm8>(a, lda, ipiv, info);
-    case 7: return getrf_d_registers<7, zmm8>(a, lda, ipiv, info);
-    case 8: return getrf_d_registers<8, zmm8>(a, lda, ipiv, info);
-    default: break;
-    }
+    if (at_fixed_order(n, [&]<int N>() { getrf_d_registers<N, register_vector<N>>(a, lda, ipiv, info); }))
+        return;
     if (n <= 16)
         return getrf_d_columns<2>(n, a, lda, ipiv, info);
     if (n <= 32)

@@ -301,21 +301,29 @@ template <int N, class T>
     inverse_loop<T>(N, a, lda, ipiv, inv, ldinv);
 }
 
+// The kernels held at a fixed order are templates on it: calls kernel.template operator()<N>()
+// for N = n when n is 1 to 8 and says whether it did (the one switch from a run-time order to them).
+template <class Kernel> [[gnu::always_inline]] inline bool at_fixed_order(int64_t n, Kernel &&kernel)
+{
+    switch (n) {
+    case 1: kernel.template operator()<1>(); return true;
+    case 2: kernel.template operator()<2>(); return true;
+    case 3: kernel.template operator()<3>(); return true;
+    case 4: kernel.template operator()<4>(); return true;
+    case 5: kernel.template operator()<5>(); return true;
+    case 6: kernel.template operator()<6>(); return true;
+    case 7: kernel.template operator()<7>(); return true;
+    case 8: kernel.template operator()<8>(); return true;
+    default: return false;
+    }
+}
+
 // Orders 1 to 8 at fixed size where fixed_orders is set, the loops above that.
 template <class T> void getrf_small(int64_t n, T *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if constexpr (fixed_orders) {
-        switch (n) {
-        case 1: return getrf_fixed<1>(a, lda, ipiv, info);
-        case 2: return getrf_fixed<2>(a, lda, ipiv, info);
-        case 3: return getrf_fixed<3>(a, lda, ipiv, info);
-        case 4: return getrf_fixed<4>(a, lda, ipiv, info);
-        case 5: return getrf_fixed<5>(a, lda, ipiv, info);
-        case 6: return getrf_fixed<6>(a, lda, ipiv, info);
-        case 7: return getrf_fixed<7>(a, lda, ipiv, info);
-        case 8: return getrf_fixed<8>(a, lda, ipiv, info);
-        default: break;
-        }
+        if (at_fixed_order(n, [&]<int N>() { getrf_fixed<N>(a, lda, ipiv, info); }))
+            return;
     }
     getrf_loop(n, a, lda, ipiv, info);
 }
@@ -323,17 +331,8 @@ template <class T> void getrf_small(int64_t n, T *a, int64_t lda, int64_t *ipiv,
 template <class T> void potrf_lower_small(int64_t n, T *a, int64_t lda, int64_t *info)
 {
     if constexpr (fixed_orders) {
-        switch (n) {
-        case 1: return potrf_lower_fixed<1>(a, lda, info);
-        case 2: return potrf_lower_fixed<2>(a, lda, info);
-        case 3: return potrf_lower_fixed<3>(a, lda, info);
-        case 4: return potrf_lower_fixed<4>(a, lda, info);
-        case 5: return potrf_lower_fixed<5>(a, lda, info);
-        case 6: return potrf_lower_fixed<6>(a, lda, info);
-        case 7: return potrf_lower_fixed<7>(a, lda, info);
-        case 8: return potrf_lower_fixed<8>(a, lda, info);
-        default: break;
-        }
+        if (at_fixed_order(n, [&]<int N>() { potrf_lower_fixed<N>(a, lda, info); }))
+            return;
     }
     potrf_lower_loop(n, a, lda, info);
 }
@@ -342,17 +341,8 @@ template <class T>
 void inverse_small(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *inv, int64_t ldinv)
 {
     if constexpr (fixed_orders) {
-        switch (n) {
-        case 1: return inverse_fixed<1>(a, lda, ipiv, inv, ldinv);
-        case 2: return inverse_fixed<2>(a, lda, ipiv, inv, ldinv);
-        case 3: return inverse_fixed<3>(a, lda, ipiv, inv, ldinv);
-        case 4: return inverse_fixed<4>(a, lda, ipiv, inv, ldinv);
-        case 5: return inverse_fixed<5>(a, lda, ipiv, inv, ldinv);
-        case 6: return inverse_fixed<6>(a, lda, ipiv, inv, ldinv);
-        case 7: return inverse_fixed<7>(a, lda, ipiv, inv, ldinv);
-        case 8: return inverse_fixed<8>(a, lda, ipiv, inv, ldinv);
-        default: break;
-        }
+        if (at_fixed_order(n, [&]<int N>() { inverse_fixed<N>(a, lda, ipiv, inv, ldinv); }))
+            return;
     }
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
