@@ -3,7 +3,6 @@
 // (one column block per partition), and the scatter back with the output scaling.
 #pragma once
 
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
@@ -20,20 +19,6 @@
 namespace zel::pds {
 
 inline constexpr int work_alignment = 128;
-
-// A work block of this many bytes or more is mapped afresh by every solve; its first touch
-// costs about half as much in transparent huge pages, which it asks for (a hint only: where the
-// system declines, nothing changes).
-inline constexpr size_t huge_work_bytes = size_t(32) << 20;
-
-inline void advise_huge_pages(void *block, size_t bytes)
-{
-    constexpr uintptr_t huge_page = uintptr_t(1) << 21;
-    const uintptr_t begin = (reinterpret_cast<uintptr_t>(block) + huge_page - 1) & ~(huge_page - 1);
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(huge_page - 1);
-    if (bytes >= huge_work_bytes && end > begin)
-        madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
-}
 
 // The factor kinds the driver solves with, each with its pair of sweep kernels.
 enum class factor_kind : int { cholesky, lu, lu_transposed, diagonal_pivots, bunch_kaufman, count, none = count };
@@ -351,10 +336,9 @@ template <class T, class I, bool Par> int64_t solve_nrhs(const zel_pds_frame &f,
     const auto count = checked_mul(f.n, f.nrhs);
     scratch_array<T> work;
     if (count)
-        work = scratch_array<T>(size_t(*count), work_alignment);
+        work = large_scratch<T>(size_t(*count), work_alignment);
     if (!work)
         return 1;
-    advise_huge_pages(work.get(), size_t(*count) * sizeof(T));
     const bool conjugate = conjugated_solve<T>(f);
     gather<T, I>(f, b, work.get(), conjugate);
     if (const int64_t error = sweep_partitions<T, I, Par>(f, work.get()); error != 0)

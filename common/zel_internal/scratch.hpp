@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <sys/mman.h>
 #include <utility>
 
 #include "zel/runtime.h"
@@ -53,5 +54,21 @@ private:
     T *data_ = nullptr;
     size_t count_ = 0;
 };
+
+// Scratch of `count` elements for the large arrays (a factor's values, a solve's work block):
+// from 8 MiB on, aligned to 2 MiB and advised into transparent huge pages, which fault in 2 MiB
+// at a time and spare the TLB on scattered reads. The advice is a hint; where the system
+// ignores it the array is the same.
+template <class T> scratch_array<T> large_scratch(size_t count, int alignment)
+{
+    constexpr size_t huge_page = size_t(1) << 21;
+    const auto bytes = checked_bytes<T>(count);
+    if (!bytes || *bytes < 4 * huge_page)
+        return scratch_array<T>(count, alignment);
+    scratch_array<T> array(count, int(huge_page));
+    if (array)
+        madvise(array.get(), *bytes & ~(huge_page - 1), MADV_HUGEPAGE);
+    return array;
+}
 
 } // namespace zel

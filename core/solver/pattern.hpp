@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <sys/mman.h>
 
 #include "zel/sparse_types.h"
 #include "zel_internal/checked.hpp"
@@ -23,20 +22,12 @@ template <class T> bool allocate(scratch_array<T> &array, int64_t count)
     return bool(array);
 }
 
-// The same for an array large enough to be worth transparent huge pages (the factor's values):
-// aligned to 2 MiB and advised, which halves the cost of first touching it. The advice is only
-// a hint; where the system ignores it the array is still valid.
+// The same for the large arrays (the factor's values, the update buffer), on huge pages.
 template <class T> bool allocate_large(scratch_array<T> &array, int64_t count)
 {
-    constexpr size_t huge_page = size_t(1) << 21;
-    const auto bytes = checked_bytes<T>(size_t(std::max<int64_t>(count, 1)));
-    if (count < 0 || !bytes)
+    if (count < 0)
         return false;
-    if (*bytes < 4 * huge_page)
-        return allocate(array, count);
-    array = scratch_array<T>(size_t(count), int(huge_page));
-    if (array)
-        madvise(array.get(), *bytes & ~(huge_page - 1), MADV_HUGEPAGE);
+    array = large_scratch<T>(size_t(std::max<int64_t>(count, 1)), scratch_alignment);
     return bool(array);
 }
 

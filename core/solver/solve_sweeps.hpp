@@ -12,7 +12,6 @@
 #include <optional>
 #include <tuple>
 
-#include <sys/mman.h>
 
 #include "bk_blocks.hpp"
 #include "zel/pds_solve.h"
@@ -197,19 +196,6 @@ template <sweep_kind K, class T, class I> bool factor_usable(const sweep_factor<
         return true;
 }
 
-// A sweep's scratch. A large one is mostly the rows kept between panels, read at random, row
-// by row: on huge pages those reads miss the TLB far less often (and it faults in 2 MB at a time).
-template <class T> scratch_array<T> sweep_scratch(size_t count)
-{
-    constexpr size_t huge = size_t(2) << 20;
-    if (count < 4 * huge / sizeof(T))
-        return scratch_array<T>(count, 128);
-    scratch_array<T> rows(count, int(huge));
-    if (rows)
-        madvise(rows.get(), count * sizeof(T), MADV_HUGEPAGE);
-    return rows;
-}
-
 // The exported kernels: error 0, 1 (no work block, or no memory), or 2 (a frame of other
 // value or index types, a block narrower than the factor, or a factor without the arrays or
 // with pivots out of range for the kind).
@@ -240,9 +226,10 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
     const int64_t kept = in_place ? 0 : frame->n;
     const auto panel_rows = checked_add(largest_panel_rows(f), kept);
     const auto count = panel_rows ? checked_mul(*panel_rows, chunk_width(nrhs)) : std::nullopt;
+    // Large, it is mostly the kept rows, read row by row at random: huge pages spare the TLB.
     scratch_array<T> rows;
     if (count)
-        rows = sweep_scratch<T>(size_t(*count));
+        rows = large_scratch<T>(size_t(*count), 128);
     if (!rows) {
         *error = 1;
         return;
