@@ -7,8 +7,9 @@
 // otherwise the right-hand sides are first gathered row by row into a work block of KC values
 // a row, so that each entry of the panel meets all of them in one vector operation (the
 // Bunch–Kaufman halves of bk_blocks.hpp included, through the row operations below). Between
-// panels the rows below a panel live in a block of n such rows (kept), so that a panel's row
-// list costs one short copy a row rather than KC reads across the columns of x.
+// panels the rows below a panel live in a block of n such rows (kept), where the panel's row
+// list updates or reads them in place: one short row each rather than KC reads across the
+// columns of x.
 #pragma once
 
 #include <algorithm>
@@ -330,37 +331,55 @@ void scatter_rows(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
     }
 }
 
-// Rows i0 … i1−1 of the work block minus Σ_q op(c[q][i])·pivot[q], Q columns at once.
-template <int Q, bool Conj = false, class T, int KC>
-ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *pivot, real_t<T> *t, int64_t i0,
+// Where the rows of a gathered panel live: a run of rows W reals apart (the panel's own, in the
+// work block), or a list of the kept block's rows by their 1-based numbers (the rows below,
+// updated and read where they are kept rather than copied to and fro).
+template <class T, int KC> struct row_run {
+    real_t<T> *t;
+    ZEL_SWEEP_INLINE real_t<T> *operator()(int64_t i) const { return t + i * lanes<T, KC>::reals; }
+};
+template <class T, class I, int KC> struct row_list {
+    real_t<T> *kept; // row 0 of the kept block one row early: index values are 1-based
+    const I *index;
+    ZEL_SWEEP_INLINE real_t<T> *operator()(int64_t i) const { return kept + int64_t(index[i]) * lanes<T, KC>::reals; }
+};
+
+// Rows i0 … i1−1 minus Σ_q op(c[q][i])·pivot[q], Q columns at once.
+template <int Q, bool Conj = false, class T, int KC, class Rows>
+ZEL_SWEEP_INLINE void update_rows_below(const T *const *c, const lanes<T, KC> *pivot, Rows rows, int64_t i0,
                                         int64_t i1)
 {
-    constexpr int W = lanes<T, KC>::reals;
     for (int64_t i = i0; i < i1; ++i) {
-        lanes<T, KC> a = load_row<T, KC>(t + i * W);
+        lanes<T, KC> a = load_row<T, KC>(rows(i));
 #pragma GCC unroll 8
         for (int q = 0; q < Q; ++q)
             update<false, Conj>(a, c[q][i], pivot[q]);
-        store_row(t + i * W, a);
+        store_row(rows(i), a);
     }
 }
 
-// out[q] = Σ_i op(c[q][i])·row(i) over rows i0 … i1−1, Q columns at once, op conjugating
-// when Conj; the sums stay in registers.
-template <int Q, bool Conj = true, class T, int KC>
-ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, const real_t<T> *t, int64_t i0, int64_t i1, lanes<T, KC> *out)
+// s[q] += Σ_i op(c[q][i])·row(i) over rows i0 … i1−1, Q columns at once, op conjugating when
+// Conj; the sums stay in registers.
+template <int Q, bool Conj = true, class T, int KC, class Rows>
+ZEL_SWEEP_INLINE void add_rows_below(const T *const *c, Rows rows, int64_t i0, int64_t i1, lanes<T, KC> *s)
 {
-    constexpr int W = lanes<T, KC>::reals;
-    lanes<T, KC> s[Q];
-#pragma GCC unroll 8
-    for (int q = 0; q < Q; ++q)
-        s[q] = zero_row<T, KC>();
     for (int64_t i = i0; i < i1; ++i) {
-        const lanes<T, KC> row = load_row<T, KC>(t + i * W);
+        const lanes<T, KC> row = load_row<T, KC>(rows(i));
 #pragma GCC unroll 8
         for (int q = 0; q < Q; ++q)
             update<true, Conj>(s[q], c[q][i], row);
     }
+}
+
+// out[q] = Σ_i op(c[q][i])·row(i) over rows i0 … i1−1.
+template <int Q, bool Conj = true, class T, int KC, class Rows>
+ZEL_SWEEP_INLINE void sum_rows_below(const T *const *c, Rows rows, int64_t i0, int64_t i1, lanes<T, KC> *out)
+{
+    lanes<T, KC> s[Q];
+#pragma GCC unroll 8
+    for (int q = 0; q < Q; ++q)
+        s[q] = zero_row<T, KC>();
+    add_rows_below<Q, Conj>(c, rows, i0, i1, s);
 #pragma GCC unroll 8
     for (int q = 0; q < Q; ++q)
         out[q] = s[q];
@@ -410,7 +429,8 @@ template <class T, int KC> column_rows<T, KC> columns_of(const rhs_block<T> &b, 
 // The rows of a sweep kept between panels, a row's KC right-hand sides side by side as in the
 // work block: forward, the updates the rows below have received so far (zero at the start);
 // backward, the solution of every panel done so far. A panel's own rows stay in x's columns,
-// where each is consecutive.
+// where each is consecutive, and are gathered with their kept updates; the rows below are
+// worked on where they are kept.
 template <bool Forward, class T, class I, int KC>
 void gather_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *kept,
                  real_t<T> *t)
@@ -441,12 +461,9 @@ void gather_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, 
                 to[0] = Forward ? to[0] + v : v;
             }
         }
-    for (int64_t r = p.cols; r < p.rows; ++r)
-        std::memcpy(t + r * W, kept + (p.index[r] - 1) * W, sizeof(real_t<T>) * W);
 }
 
-// The panel's own rows back to x; forward the rows below to the kept updates, backward the
-// own rows to the kept solution too.
+// The panel's own rows back to x, and backward to the kept solution too.
 template <bool Forward, class T, class I, int KC>
 void scatter_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, int64_t kc, const real_t<T> *t,
                   real_t<T> *kept)
@@ -459,10 +476,7 @@ void scatter_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
     } else {
         scatter_rows<T, I, KC>(p, b, c0, kc, t, p.cols);
     }
-    if constexpr (Forward)
-        for (int64_t r = p.cols; r < p.rows; ++r)
-            std::memcpy(kept + (p.index[r] - 1) * W, t + r * W, sizeof(real_t<T>) * W);
-    else
+    if constexpr (!Forward)
         std::memcpy(kept + p.first * W, t, sizeof(real_t<T>) * size_t(p.cols * W));
 }
 
@@ -492,11 +506,58 @@ void prefetch_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0
 
 // ---- Triangles of a gathered panel ----
 
+// A panel's rows during a sweep: its own gathered in t, the rows below in the kept block.
+template <class T, class I, int KC> struct panel_rows {
+    real_t<T> *t;
+    real_t<T> *kept;
+
+    row_run<T, KC> own() const { return {t}; }
+    // Row i of the panel from i = cols on (or the i-th below with the list from cols on).
+    row_list<T, I, KC> below(const I *index) const { return {kept - lanes<T, KC>::reals, index}; }
+};
+
+// Rows from `from` to the panel's last minus Σ_q c[q](i)·pivot[q] for the block's q columns.
+template <int Q, class T, class I, int KC>
+ZEL_SWEEP_INLINE void update_rest(const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w, const T *const *c,
+                                  const lanes<T, KC> *pivot, int64_t q, int64_t from)
+{
+    if (q == Q) {
+        update_rows_below<Q>(c, pivot, w.own(), from, p.cols);
+        update_rows_below<Q>(c, pivot, w.below(p.index), p.cols, p.rows);
+        return;
+    }
+    for (int64_t jj = 0; jj < q; ++jj) {
+        update_rows_below<1>(c + jj, pivot + jj, w.own(), from, p.cols);
+        update_rows_below<1>(c + jj, pivot + jj, w.below(p.index), p.cols, p.rows);
+    }
+}
+
+// sums[q] = Σ_i op(c[q](i))·row(i) over the rows from `from` to the panel's last.
+template <int Q, bool Conj, class T, class I, int KC>
+ZEL_SWEEP_INLINE void sum_rest(const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w, const T *const *c,
+                               int64_t q, int64_t from, lanes<T, KC> *sums)
+{
+#pragma GCC unroll 8
+    for (int jj = 0; jj < Q; ++jj)
+        sums[jj] = zero_row<T, KC>();
+    if (q == Q) {
+        add_rows_below<Q, Conj>(c, w.own(), from, p.cols, sums);
+        add_rows_below<Q, Conj>(c, w.below(p.index), p.cols, p.rows, sums);
+        return;
+    }
+    for (int64_t jj = 0; jj < q; ++jj) {
+        add_rows_below<1, Conj>(c + jj, w.own(), from, p.cols, sums + jj);
+        add_rows_below<1, Conj>(c + jj, w.below(p.index), p.cols, p.rows, sums + jj);
+    }
+}
+
 // Forward over a gathered panel: each block of columns is solved in its diagonal square (with
 // a unit diagonal for the L11 of an L·U or L·D·Lᵀ factor), then updates every row below it.
-template <bool Unit, class T, class I, int KC> void forward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+template <bool Unit, class T, class I, int KC>
+void forward_rows(const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    real_t<T> *t = w.t;
     for (int64_t j0 = 0; j0 < p.cols; j0 += Q) {
         const int64_t q = std::min<int64_t>(Q, p.cols - j0);
         const T *c[Q] = {};
@@ -514,31 +575,25 @@ template <bool Unit, class T, class I, int KC> void forward_rows(const sweep_pan
                 store_row(t + (j0 + ii) * W, a);
             }
         }
-        if (q == Q)
-            update_rows_below<Q>(c, pivot, t, j0 + q, p.rows);
-        else
-            for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1>(c + jj, pivot + jj, t, j0 + q, p.rows);
+        update_rest<Q>(p, w, c, pivot, q, j0 + q);
     }
 }
 
 // Backward over a gathered panel, a block of columns at a time from the last:
 // x1[j] = (x1[j] − Σ_{i>j} op(L(i, j))·row(i)) / op(L(j, j)), op conjugating when Conj; the
 // rows below the diagonal block take part through L21.
-template <bool Unit, bool Conj, class T, class I, int KC> void backward_rows(const sweep_panel<T, I> &p, real_t<T> *t)
+template <bool Unit, bool Conj, class T, class I, int KC>
+void backward_rows(const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w)
 {
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
+    real_t<T> *t = w.t;
     for (int64_t j0 = (p.cols - 1) / Q * Q; j0 >= 0; j0 -= Q) {
         const int64_t q = std::min<int64_t>(Q, p.cols - j0);
         const T *c[Q] = {};
         lanes<T, KC> sums[Q];
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = p.l + (j0 + jj) * p.rows;
-        if (q == Q)
-            sum_rows_below<Q, Conj>(c, t, j0 + q, p.rows, sums);
-        else
-            for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1, Conj>(c + jj, t, j0 + q, p.rows, sums + jj);
+        sum_rest<Q, Conj>(p, w, c, q, j0 + q, sums);
         for (int64_t jj = q - 1; jj >= 0; --jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
@@ -573,10 +628,10 @@ template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, 
             pivot[jj] = y;
         }
         if (q == Q)
-            update_rows_below<Q>(c, pivot, t, 0, j0);
+            update_rows_below<Q>(c, pivot, row_run<T, KC>{t}, 0, j0);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1>(c + jj, pivot + jj, t, 0, j0);
+                update_rows_below<1>(c + jj, pivot + jj, row_run<T, KC>{t}, 0, j0);
     }
 }
 
@@ -592,10 +647,10 @@ template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p
         for (int64_t ii = 0; ii < q; ++ii)
             c[ii] = p.l + (i0 + ii) * p.rows;
         if (q == Q)
-            sum_rows_below<Q, false>(c, t, 0, i0, sums);
+            sum_rows_below<Q, false>(c, row_run<T, KC>{t}, 0, i0, sums);
         else
             for (int64_t ii = 0; ii < q; ++ii)
-                sum_rows_below<1, false>(c + ii, t, 0, i0, sums + ii);
+                sum_rows_below<1, false>(c + ii, row_run<T, KC>{t}, 0, i0, sums + ii);
         for (int64_t ii = 0; ii < q; ++ii) {
             const T *col = c[ii];
             lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
@@ -632,8 +687,10 @@ template <class T, class I> below_columns<T, I> upper_columns(const sweep_factor
 
 // x_off −= C·x1 for the columns C below, Q columns at a time.
 template <class T, class I, int KC>
-void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
+void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, const panel_rows<T, I, KC> &w)
 {
+    real_t<T> *t = w.t;
+    const row_list<T, I, KC> rows = w.below(p.index + p.cols);
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     const int64_t off = p.rows - p.cols;
     for (int64_t j0 = 0; j0 < p.cols && off > 0; j0 += Q) {
@@ -645,17 +702,19 @@ void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, 
             pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
         }
         if (q == Q)
-            update_rows_below<Q>(c, pivot, t + p.cols * W, 0, off);
+            update_rows_below<Q>(c, pivot, rows, 0, off);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1>(c + jj, pivot + jj, t + p.cols * W, 0, off);
+                update_rows_below<1>(c + jj, pivot + jj, rows, 0, off);
     }
 }
 
 // x1 −= Cᵀ·x_off for the columns C below, Q columns at a time.
 template <class T, class I, int KC>
-void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, real_t<T> *t)
+void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, const panel_rows<T, I, KC> &w)
 {
+    real_t<T> *t = w.t;
+    const row_list<T, I, KC> rows = w.below(p.index + p.cols);
     constexpr int W = lanes<T, KC>::reals, Q = rows_block<T, KC>();
     const int64_t off = p.rows - p.cols;
     for (int64_t j0 = 0; j0 < p.cols && off > 0; j0 += Q) {
@@ -665,10 +724,10 @@ void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = below.col(j0 + jj);
         if (q == Q)
-            sum_rows_below<Q, false>(c, t + p.cols * W, 0, off, sums);
+            sum_rows_below<Q, false>(c, rows, 0, off, sums);
         else
             for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1, false>(c + jj, t + p.cols * W, 0, off, sums + jj);
+                sum_rows_below<1, false>(c + jj, rows, 0, off, sums + jj);
         for (int64_t jj = 0; jj < q; ++jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
@@ -707,14 +766,14 @@ template <class T, int KC> struct gathered_rows {
         const lanes<T, KC> pivot[2] = {load_row<T, KC>(t + k * W),
                                        width == 2 ? load_row<T, KC>(t + (k + 1) * W) : zero_row<T, KC>()};
         if (width == 2)
-            update_rows_below<2>(l, pivot, t, i0, i1);
+            update_rows_below<2>(l, pivot, row_run<T, KC>{t}, i0, i1);
         else
-            update_rows_below<1>(l, pivot, t, i0, i1);
+            update_rows_below<1>(l, pivot, row_run<T, KC>{t}, i0, i1);
     }
     template <bool Conj> void subtract_dot(const T *l, int64_t j, int64_t i0, int64_t i1) const
     {
         lanes<T, KC> sum;
-        sum_rows_below<1, Conj>(&l, t, i0, i1, &sum);
+        sum_rows_below<1, Conj>(&l, row_run<T, KC>{t}, i0, i1, &sum);
         lanes<T, KC> a = load_row<T, KC>(t + j * W);
         subtract(a, sum);
         store_row(t + j * W, a);
@@ -724,43 +783,43 @@ template <class T, int KC> struct gathered_rows {
 // Bunch–Kaufman: the block's halves on the gathered rows, the update through L21 between them.
 // (Lᴴ of a Hermitian factor is the caller's: see sweep_entry.)
 template <bool Forward, class T, class I, int KC>
-void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
+void bk_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w)
 {
     const bk_block<T, I> block{p.cols, p.l, p.rows, f.bk_pivots + p.first};
     if constexpr (Forward) {
-        bk_forward(block, gathered_rows<T, KC>{t});
-        update_below<T, I, KC>(p, lower_columns(p), t);
+        bk_forward(block, gathered_rows<T, KC>{w.t});
+        update_below<T, I, KC>(p, lower_columns(p), w);
     } else {
-        subtract_below<T, I, KC>(p, lower_columns(p), t);
-        bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{t});
+        subtract_below<T, I, KC>(p, lower_columns(p), w);
+        bk_backward<bk_symmetry::symmetric>(block, gathered_rows<T, KC>{w.t});
     }
 }
 
 // The triangles of L·Lᴴ and L·U factors (and the Bunch–Kaufman halves) on the gathered panel.
 // The conjugate factor of a transposed sweep is the caller's (sweep_entry).
 template <sweep_kind K, class T, class I, int KC>
-void triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, real_t<T> *t)
+void triangle_panel(const sweep_factor<T, I> &f, const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w)
 {
     using k = sweep_kind;
     if constexpr (K == k::bk_forward || K == k::bk_backward) {
-        bk_panel<K == k::bk_forward, T, I, KC>(f, p, t);
+        bk_panel<K == k::bk_forward, T, I, KC>(f, p, w);
     } else if constexpr (K == k::cholesky_forward) {
-        forward_rows<false, T, I, KC>(p, t);
+        forward_rows<false, T, I, KC>(p, w);
     } else if constexpr (K == k::cholesky_backward) {
-        backward_rows<false, true, T, I, KC>(p, t);
+        backward_rows<false, true, T, I, KC>(p, w);
     } else if constexpr (K == k::lu_forward) {
-        interchange_rows<true, T, I, KC>(p, f.row_pivots + p.first, t);
-        forward_rows<true, T, I, KC>(p, t);
+        interchange_rows<true, T, I, KC>(p, f.row_pivots + p.first, w.t);
+        forward_rows<true, T, I, KC>(p, w);
     } else if constexpr (K == k::lu_backward) {
-        subtract_below<T, I, KC>(p, upper_columns(f, p), t);
-        upper_rows<T, I, KC>(p, t);
+        subtract_below<T, I, KC>(p, upper_columns(f, p), w);
+        upper_rows<T, I, KC>(p, w.t);
     } else if constexpr (K == k::lu_forward_t) {
-        upper_t_rows<T, I, KC>(p, t);
-        update_below<T, I, KC>(p, upper_columns(f, p), t);
+        upper_t_rows<T, I, KC>(p, w.t);
+        update_below<T, I, KC>(p, upper_columns(f, p), w);
     } else {
         static_assert(K == k::lu_backward_t);
-        backward_rows<true, false, T, I, KC>(p, t);
-        interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, t);
+        backward_rows<true, false, T, I, KC>(p, w);
+        interchange_rows<false, T, I, KC>(p, f.row_pivots + p.first, w.t);
     }
 }
 
@@ -784,7 +843,7 @@ void sweep_rows(const sweep_factor<T, I> &f, const rhs_block<T> &b, int64_t c0, 
         gather_kept<forward, T, I, KC>(p, b, c0, kc, kept, t);
         if (k + 1 < f.nsuper)
             prefetch_kept<forward, T, I, KC>(panel_of(f, forward ? k + 1 : f.nsuper - 2 - k), b, c0, kc, kept);
-        triangle_panel<K, T, I, KC>(f, p, t);
+        triangle_panel<K, T, I, KC>(f, p, panel_rows<T, I, KC>{t, kept});
         scatter_kept<forward, T, I, KC>(p, b, c0, kc, t, kept);
     }
 }
