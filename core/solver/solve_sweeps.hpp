@@ -196,6 +196,30 @@ template <sweep_kind K, class T, class I> bool factor_usable(const sweep_factor<
         return true;
 }
 
+// Values of the scratch a sweep of nrhs right-hand sides takes: the rows it keeps between
+// panels (none for one right-hand side of L·Lᴴ, swept in place), then the largest panel's, of
+// chunk_width(nrhs) values each.
+template <class T, class I>
+std::optional<size_t> sweep_scratch_count(const sweep_factor<T, I> &f, int64_t n, int64_t nrhs, bool in_place)
+{
+    const auto rows = checked_add(largest_panel_rows(f), in_place ? 0 : n);
+    const auto count = rows ? checked_mul(*rows, chunk_width(nrhs)) : std::nullopt;
+    return count && checked_bytes<T>(size_t(*count)) ? std::optional<size_t>(size_t(*count)) : std::nullopt;
+}
+
+// The frame's lent scratch when it holds count values, else a new one (empty when that fails).
+template <class T> T *lent_or_new(const zel_pds_frame &frame, size_t count, scratch_array<T> &own)
+{
+    const bool lent = frame.sweep_scratch != nullptr && frame.sweep_scratch_bytes >= 0 &&
+                      size_t(frame.sweep_scratch_bytes) / sizeof(T) >= count &&
+                      reinterpret_cast<uintptr_t>(frame.sweep_scratch) % 64 == 0;
+    if (lent)
+        return static_cast<T *>(frame.sweep_scratch);
+    // Large, it is mostly the kept rows, read row by row at random: huge pages spare the TLB.
+    own = large_scratch<T>(count, 128);
+    return own.get();
+}
+
 // The exported kernels: error 0, 1 (no work block, or no memory), or 2 (a frame of other
 // value or index types, a block narrower than the factor, or a factor without the arrays or
 // with pivots out of range for the kind).
@@ -220,24 +244,20 @@ void sweep_entry(const zel_pds_frame *frame, int64_t nrhs, T *work, int64_t ldw,
         *error = 2;
         return;
     }
-    // The work block t, after the rows the sweep keeps between panels (none for one right-hand
-    // side of L·Lᴴ, swept in place).
+    // The work block t, after the rows the sweep keeps between panels.
     const bool in_place = nrhs == 1 && (K == sweep_kind::cholesky_forward || K == sweep_kind::cholesky_backward);
     const int64_t kept = in_place ? 0 : frame->n;
-    const auto panel_rows = checked_add(largest_panel_rows(f), kept);
-    const auto count = panel_rows ? checked_mul(*panel_rows, chunk_width(nrhs)) : std::nullopt;
-    // Large, it is mostly the kept rows, read row by row at random: huge pages spare the TLB.
-    scratch_array<T> rows;
-    if (count)
-        rows = large_scratch<T>(size_t(*count), 128);
-    if (!rows) {
+    const auto count = sweep_scratch_count(f, frame->n, nrhs, in_place);
+    scratch_array<T> own;
+    T *rows = count ? lent_or_new(*frame, *count, own) : nullptr;
+    if (rows == nullptr) {
         *error = 1;
         return;
     }
     const rhs_block<T> b{work, std::max<int64_t>(ldw, frame->n), nrhs, frame->n};
     const bool conj = conjugates<K, T>(*frame);
     conjugate_if(b, frame->n, conj);
-    sweeps_for<T, I>()[int(K)](f, b, rows.get() + kept * chunk_width(nrhs), in_place ? nullptr : rows.get());
+    sweeps_for<T, I>()[int(K)](f, b, rows + kept * chunk_width(nrhs), in_place ? nullptr : rows);
     conjugate_if(b, frame->n, conj);
 }
 

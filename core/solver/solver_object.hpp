@@ -72,6 +72,8 @@ template <class T, class I> struct analysis_state {
     bool scaled_by_analysis = false; // the matching's duals, kept for every factorise
     bool unmatched_lost = false;     // factoring without the matching was tried and did worse
     scratch_array<real_t<T>> scaling;
+    // The sweeps' rows for several right-hand sides, lent to every solve after the first.
+    scratch_array<T> sweep_scratch;
 
     int64_t bytes_held() const;
 };
@@ -86,7 +88,8 @@ template <class T, class I> int64_t analysis_state<T, I>::bytes_held() const
     const int64_t reals = int64_t((row_scale.size() + col_scale.size()) * sizeof(double) +
                                   scaling.size() * sizeof(real_t<T>));
     return indices * int64_t(sizeof(I)) + int64_t(matrix.destination.size() * sizeof(int64_t)) + reals +
-           int64_t((values.size() + l_values.size() + u_values.size() + diagonal.size()) * sizeof(T));
+           int64_t((values.size() + l_values.size() + u_values.size() + diagonal.size() + sweep_scratch.size()) *
+                   sizeof(T));
 }
 
 // The factor's arrays into a record that names them as the solve kernels do (the solve frame,

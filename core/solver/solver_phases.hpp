@@ -8,6 +8,7 @@
 #include "pairing.hpp"
 #include "scaling.hpp"
 #include "solve_phase.hpp"
+#include "solve_sweeps.hpp"
 #include "solver_object.hpp"
 #include "zel/runtime.h"
 #include "zel_internal/solve_frame.hpp"
@@ -461,6 +462,23 @@ void solver_impl<T>::fill_frame(const analysis_state<T, I> &state, zel_pds_frame
     frame.a_values = state.values.get();
 }
 
+// A solve of several right-hand sides lends the sweeps their rows (n of them, of up to 16
+// values), kept for the solves after it: the fresh pages of two such blocks a driver run cost
+// as much as a tenth of a 16-column solve. False when they cannot be had.
+template <class T, class I> bool lend_sweep_scratch(analysis_state<T, I> &state, zel_pds_frame &frame)
+{
+    if (frame.nrhs <= 1)
+        return true;
+    const auto count = sweep_scratch_count(factor_of<T, I>(frame), frame.n, frame.nrhs, false);
+    if (!count)
+        return false;
+    if (state.sweep_scratch.size() < *count && !(state.sweep_scratch = large_scratch<T>(*count, 128)))
+        return false;
+    frame.sweep_scratch = state.sweep_scratch.get();
+    frame.sweep_scratch_bytes = int64_t(state.sweep_scratch.size() * sizeof(T));
+    return true;
+}
+
 // The driver, then refinement against a copy of b when the solution overwrites it.
 template <class T>
 template <class I>
@@ -489,6 +507,10 @@ int solver_impl<T>::solve_at(analysis_state<T, I> &state, int64_t nrhs, const T 
     frame.nrhs = nrhs;
     frame.ldb = ldb;
     frame.ldx = ldx;
+    const bool lent = lend_sweep_scratch(state, frame);
+    statistics.memory_used = state.bytes_held();
+    if (!lent)
+        return ZEL_PDS_STATUS_ALLOC_FAILED;
     int64_t error = solve_phase(frame, b, x, options.message_level);
     if (error == 0 && refine) {
         frame.ldb = kept_b ? n : ldb;

@@ -301,11 +301,26 @@ template <class T, int KC> ZEL_SWEEP_INLINE void scale(lanes<T, KC> &a, T s)
 }
 
 // Columns a block of the several-right-hand-side kernels takes together: as many as leave
-// half the vector registers for their rows (up to 4: 8 measured slower on small panels).
+// half the vector registers for their rows, up to 4 (a power of two; 8 measured no faster on
+// the 2-D Laplacian and slower on small matrices).
 template <class T, int KC> constexpr int rows_block()
 {
     constexpr int per_row = lanes<T, KC>::count * lanes<T, KC>::planes;
     return std::clamp(ZEL_SWEEP_REGISTERS / 2 / per_row, 1, 4);
+}
+
+// A block's q < 2B columns in pieces of B, B/2, …, 1 columns, f.template operator()<width>(first
+// column) each: the rows are passed over once a piece, and a short last block of a panel
+// takes as few passes as its width has bits.
+template <int B, class F> ZEL_SWEEP_INLINE void in_pieces(int64_t q, int64_t first, F &&f)
+{
+    if (q >= B) {
+        f.template operator()<B>(first);
+        first += B;
+        q -= B;
+    }
+    if constexpr (B > 1)
+        in_pieces<B / 2>(q, first, f);
 }
 
 // x(index[r], c0 + c) = t(r, c) for the panel's first `rows` rows (at least its own), c < kc.
@@ -521,15 +536,10 @@ template <int Q, class T, class I, int KC>
 ZEL_SWEEP_INLINE void update_rest(const sweep_panel<T, I> &p, const panel_rows<T, I, KC> &w, const T *const *c,
                                   const lanes<T, KC> *pivot, int64_t q, int64_t from)
 {
-    if (q == Q) {
-        update_rows_below<Q>(c, pivot, w.own(), from, p.cols);
-        update_rows_below<Q>(c, pivot, w.below(p.index), p.cols, p.rows);
-        return;
-    }
-    for (int64_t jj = 0; jj < q; ++jj) {
-        update_rows_below<1>(c + jj, pivot + jj, w.own(), from, p.cols);
-        update_rows_below<1>(c + jj, pivot + jj, w.below(p.index), p.cols, p.rows);
-    }
+    in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+        update_rows_below<B>(c + j, pivot + j, w.own(), from, p.cols);
+        update_rows_below<B>(c + j, pivot + j, w.below(p.index), p.cols, p.rows);
+    });
 }
 
 // sums[q] = Σ_i op(c[q](i))·row(i) over the rows from `from` to the panel's last.
@@ -540,15 +550,10 @@ ZEL_SWEEP_INLINE void sum_rest(const sweep_panel<T, I> &p, const panel_rows<T, I
 #pragma GCC unroll 8
     for (int jj = 0; jj < Q; ++jj)
         sums[jj] = zero_row<T, KC>();
-    if (q == Q) {
-        add_rows_below<Q, Conj>(c, w.own(), from, p.cols, sums);
-        add_rows_below<Q, Conj>(c, w.below(p.index), p.cols, p.rows, sums);
-        return;
-    }
-    for (int64_t jj = 0; jj < q; ++jj) {
-        add_rows_below<1, Conj>(c + jj, w.own(), from, p.cols, sums + jj);
-        add_rows_below<1, Conj>(c + jj, w.below(p.index), p.cols, p.rows, sums + jj);
-    }
+    in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+        add_rows_below<B, Conj>(c + j, w.own(), from, p.cols, sums + j);
+        add_rows_below<B, Conj>(c + j, w.below(p.index), p.cols, p.rows, sums + j);
+    });
 }
 
 // Forward over a gathered panel: each block of columns is solved in its diagonal square (with
@@ -627,11 +632,9 @@ template <class T, class I, int KC> void upper_rows(const sweep_panel<T, I> &p, 
             }
             pivot[jj] = y;
         }
-        if (q == Q)
-            update_rows_below<Q>(c, pivot, row_run<T, KC>{t}, 0, j0);
-        else
-            for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1>(c + jj, pivot + jj, row_run<T, KC>{t}, 0, j0);
+        in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+            update_rows_below<B>(c + j, pivot + j, row_run<T, KC>{t}, 0, j0);
+        });
     }
 }
 
@@ -646,11 +649,9 @@ template <class T, class I, int KC> void upper_t_rows(const sweep_panel<T, I> &p
         lanes<T, KC> sums[Q];
         for (int64_t ii = 0; ii < q; ++ii)
             c[ii] = p.l + (i0 + ii) * p.rows;
-        if (q == Q)
-            sum_rows_below<Q, false>(c, row_run<T, KC>{t}, 0, i0, sums);
-        else
-            for (int64_t ii = 0; ii < q; ++ii)
-                sum_rows_below<1, false>(c + ii, row_run<T, KC>{t}, 0, i0, sums + ii);
+        in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+            sum_rows_below<B, false>(c + j, row_run<T, KC>{t}, 0, i0, sums + j);
+        });
         for (int64_t ii = 0; ii < q; ++ii) {
             const T *col = c[ii];
             lanes<T, KC> a = load_row<T, KC>(t + (i0 + ii) * W);
@@ -701,11 +702,9 @@ void update_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below, 
             c[jj] = below.col(j0 + jj);
             pivot[jj] = load_row<T, KC>(t + (j0 + jj) * W);
         }
-        if (q == Q)
-            update_rows_below<Q>(c, pivot, rows, 0, off);
-        else
-            for (int64_t jj = 0; jj < q; ++jj)
-                update_rows_below<1>(c + jj, pivot + jj, rows, 0, off);
+        in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+            update_rows_below<B>(c + j, pivot + j, rows, 0, off);
+        });
     }
 }
 
@@ -723,11 +722,9 @@ void subtract_below(const sweep_panel<T, I> &p, const below_columns<T, I> &below
         lanes<T, KC> sums[Q];
         for (int64_t jj = 0; jj < q; ++jj)
             c[jj] = below.col(j0 + jj);
-        if (q == Q)
-            sum_rows_below<Q, false>(c, rows, 0, off, sums);
-        else
-            for (int64_t jj = 0; jj < q; ++jj)
-                sum_rows_below<1, false>(c + jj, rows, 0, off, sums + jj);
+        in_pieces<Q>(q, 0, [&]<int B>(int64_t j) {
+            sum_rows_below<B, false>(c + j, rows, 0, off, sums + j);
+        });
         for (int64_t jj = 0; jj < q; ++jj) {
             lanes<T, KC> a = load_row<T, KC>(t + (j0 + jj) * W);
             subtract(a, sums[jj]);
