@@ -135,14 +135,13 @@ template <class T> const real_t<T> *output_scaling(const zel_pds_frame &f)
 }
 
 // The permutation sends each row anywhere in its column, out of reach of the hardware's own
-// prefetch: the rows this far ahead are asked for while the current ones move (twice as fast
-// on the 2-D Laplacian's minimum-degree order).
-inline constexpr int64_t rows_ahead = 128;
+// prefetch: on columns too long for the caches the rows this far ahead are asked for while the
+// current ones move (twice as fast on the 2-D Laplacian's minimum-degree order; on short columns
+// the requests only cost time).
+inline constexpr int64_t rows_ahead = 128, prefetched_from = int64_t(1) << 16;
 
-template <class T, class I> void prefetch_rows(const T *column, const I *perm, int64_t i, int64_t n, bool write)
+template <class T, class I> void prefetch_rows(const T *column, const I *perm, int64_t i, bool write)
 {
-    if (i + rows_ahead + 8 > n)
-        return;
     for (int64_t r = i + rows_ahead; r < i + rows_ahead + 8; ++r)
         if (write)
             __builtin_prefetch(column + perm[r], 1);
@@ -150,51 +149,68 @@ template <class T, class I> void prefetch_rows(const T *column, const I *perm, i
             __builtin_prefetch(column + perm[r]);
 }
 
-// work(i, c) = b(perm[i], c), eight rows at a time.
+// work(i, c) = b(perm[i], c) for i in [i0, i1), eight rows at a time.
+template <bool Ahead, class T, class I>
+void gather_rows(const T *bc, const I *perm, T *wc, int64_t i0, int64_t i1, bool conjugate)
+{
+    int64_t i = i0;
+    for (; i + 8 <= i1; i += 8) {
+        if constexpr (Ahead)
+            prefetch_rows(bc, perm, i, false);
+        wc[i] = conj_if(bc[perm[i]], conjugate);
+        wc[i + 1] = conj_if(bc[perm[i + 1]], conjugate);
+        wc[i + 2] = conj_if(bc[perm[i + 2]], conjugate);
+        wc[i + 3] = conj_if(bc[perm[i + 3]], conjugate);
+        wc[i + 4] = conj_if(bc[perm[i + 4]], conjugate);
+        wc[i + 5] = conj_if(bc[perm[i + 5]], conjugate);
+        wc[i + 6] = conj_if(bc[perm[i + 6]], conjugate);
+        wc[i + 7] = conj_if(bc[perm[i + 7]], conjugate);
+    }
+    for (; i < i1; ++i)
+        wc[i] = conj_if(bc[perm[i]], conjugate);
+}
+
+// work(i, c) = b(perm[i], c).
 template <class T, class I> void gather(const zel_pds_frame &f, const T *b, T *work, bool conjugate)
 {
     const I *perm = static_cast<const I *>(f.perm);
-    const int64_t n = f.n;
+    const int64_t n = f.n, ahead = n >= prefetched_from ? (n - rows_ahead - 8) / 8 * 8 : 0;
     for (int64_t c = 0; c < f.nrhs; ++c) {
-        const T *bc = b + c * f.ldb;
-        T *wc = work + c * n;
-        int64_t i = 0;
-        for (; i + 8 <= n; i += 8) {
-            prefetch_rows(bc, perm, i, n, false);
-            wc[i] = conj_if(bc[perm[i]], conjugate);
-            wc[i + 1] = conj_if(bc[perm[i + 1]], conjugate);
-            wc[i + 2] = conj_if(bc[perm[i + 2]], conjugate);
-            wc[i + 3] = conj_if(bc[perm[i + 3]], conjugate);
-            wc[i + 4] = conj_if(bc[perm[i + 4]], conjugate);
-            wc[i + 5] = conj_if(bc[perm[i + 5]], conjugate);
-            wc[i + 6] = conj_if(bc[perm[i + 6]], conjugate);
-            wc[i + 7] = conj_if(bc[perm[i + 7]], conjugate);
-        }
-        for (; i < n; ++i)
-            wc[i] = conj_if(bc[perm[i]], conjugate);
+        gather_rows<true>(b + c * f.ldb, perm, work + c * n, 0, ahead, conjugate);
+        gather_rows<false>(b + c * f.ldb, perm, work + c * n, ahead, n, conjugate);
     }
 }
 
-// x(perm[i], c) = work(i, c), times the scaling of that row of x when there is one.
+// x(perm[i], c) = work(i, c) for i in [i0, i1), times the scaling of that row of x when there
+// is one.
+template <bool Ahead, class T, class I>
+void scatter_rows(const T *wc, const I *perm, const real_t<T> *s, T *xc, int64_t i0, int64_t i1, bool conjugate)
+{
+    const int64_t step = Ahead ? 8 : i1 - i0; // the prefetched range is whole eights
+    for (int64_t i = i0; i < i1; i += step) {
+        if constexpr (Ahead) {
+            prefetch_rows(xc, perm, i, true);
+            if (s != nullptr)
+                prefetch_rows(s, perm, i, false);
+        }
+        if (s == nullptr)
+            for (int64_t r = i; r < i + step; ++r)
+                xc[perm[r]] = conj_if(wc[r], conjugate);
+        else
+            for (int64_t r = i; r < i + step; ++r)
+                xc[perm[r]] = conj_if(wc[r], conjugate) * s[perm[r]];
+    }
+}
+
+// x(perm[i], c) = work(i, c), with the output scaling.
 template <class T, class I> void scatter(const zel_pds_frame &f, const T *work, T *x, bool conjugate)
 {
     const I *perm = static_cast<const I *>(f.perm);
     const real_t<T> *s = output_scaling<T>(f);
+    const int64_t n = f.n, ahead = n >= prefetched_from ? (n - rows_ahead - 8) / 8 * 8 : 0;
     for (int64_t c = 0; c < f.nrhs; ++c) {
-        const T *wc = work + c * f.n;
-        T *xc = x + c * f.ldx;
-        for (int64_t i = 0; i < f.n; i += 8) {
-            prefetch_rows(xc, perm, i, f.n, true);
-            if (s != nullptr)
-                prefetch_rows(s, perm, i, f.n, false);
-            const int64_t end = std::min<int64_t>(i + 8, f.n);
-            if (s == nullptr)
-                for (int64_t r = i; r < end; ++r)
-                    xc[perm[r]] = conj_if(wc[r], conjugate);
-            else
-                for (int64_t r = i; r < end; ++r)
-                    xc[perm[r]] = conj_if(wc[r], conjugate) * s[perm[r]];
-        }
+        scatter_rows<true>(work + c * n, perm, s, x + c * f.ldx, 0, ahead, conjugate);
+        scatter_rows<false>(work + c * n, perm, s, x + c * f.ldx, ahead, n, conjugate);
     }
 }
 
