@@ -10,6 +10,7 @@ namespace zel::dense::avx512 {
 constexpr bool fixed_orders = true;
 }
 #include "small_impl.hpp"
+#include "small_registers.hpp"
 
 namespace zel::dense::avx512 {
 namespace {
@@ -17,6 +18,7 @@ namespace {
 // One column of up to 8 doubles in a zmm register, or up to 4 in a ymm register.
 struct zmm8 {
     using reg = __m512d;
+    using scalar = double;
     static reg load(__mmask8 m, const double *p) { return _mm512_maskz_loadu_pd(m, p); }
     static void store(__mmask8 m, double *p, reg v) { _mm512_mask_storeu_pd(p, m, v); }
     static reg abs(reg v) { return _mm512_abs_pd(v); }
@@ -50,6 +52,7 @@ struct zmm8 {
 };
 struct ymm4 {
     using reg = __m256d;
+    using scalar = double;
     static reg load(__mmask8 m, const double *p) { return _mm256_maskz_loadu_pd(m, p); }
     static void store(__mmask8 m, double *p, reg v) { _mm256_mask_storeu_pd(p, m, v); }
     static reg abs(reg v) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), v); }
@@ -83,47 +86,98 @@ struct ymm4 {
 // The register that holds a column of order N: four lanes up to order 4, eight above.
 template <int N> using register_vector = std::conditional_t<(N <= 4), ymm4, zmm8>;
 
-// LU with partial pivoting of an N x N double matrix, one column per register: the pivot
-// search, the row interchange (one permute per column) and the update never leave registers.
-// The multipliers are scaled by 1/|pivot| and take the pivot's sign after, which is exact, so
-// the division overlaps the interchange.
-template <int N, class V> void getrf_d_registers(double *a, int64_t lda, int64_t *ipiv, int64_t *info)
-{
-    using reg = typename V::reg;
-    constexpr __mmask8 rows = static_cast<__mmask8>((1u << N) - 1);
-    reg col[N];
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        col[j] = V::load(rows, a + j * lda);
-#pragma GCC unroll 8
-    for (int k = 0; k < N; ++k) {
-        // First largest |a(i,k)|, i >= k; a NaN column keeps row k, as a scan would.
-        const __mmask8 candidates = static_cast<__mmask8>(rows & ~((1u << k) - 1));
-        const reg magnitude = V::masked(candidates, V::abs(col[k]), V::splat(-1.0));
-        const reg largest = V::all_max(magnitude);
-        const unsigned hits = V::equal(magnitude, largest);
-        const int p = hits != 0 ? __builtin_ctz(hits) : k;
-        ipiv[k] = p + 1;
-        const double size = V::first(largest);
-        const reg inverse = V::splat(1.0 / size);
-        const auto swap = V::swap_index(k, p);
-#pragma GCC unroll 8
-        for (int j = 0; j < N; ++j)
-            col[j] = V::permute(swap, col[j]);
-        const __mmask8 below = static_cast<__mmask8>(rows & ~((2u << k) - 1));
-        if (size != 0.0) {
-            const reg pivot_sign = V::sign(V::lane(col[k], k));
-            col[k] = V::mask_xor(V::mask_mul(col[k], below, inverse), below, pivot_sign);
-        } else if (*info == 0) {
-            *info = k + 1;
-        }
-#pragma GCC unroll 8
-        for (int j = k + 1; j < N; ++j)
-            col[j] = V::mask_fnmadd(col[k], V::lane(col[j], k), col[j], below);
+// A column of up to 8 floats in a ymm register, or up to 4 in an xmm register.
+struct ymm8f {
+    using reg = __m256;
+    using scalar = float;
+    static reg load(__mmask8 m, const float *p) { return _mm256_maskz_loadu_ps(m, p); }
+    static void store(__mmask8 m, float *p, reg v) { _mm256_mask_storeu_ps(p, m, v); }
+    static reg abs(reg v) { return _mm256_andnot_ps(_mm256_set1_ps(-0.0f), v); }
+    static reg sign(reg v) { return _mm256_and_ps(v, _mm256_set1_ps(-0.0f)); }
+    static reg splat(float x) { return _mm256_set1_ps(x); }
+    static reg masked(__mmask8 m, reg v, reg fill) { return _mm256_mask_mov_ps(fill, m, v); }
+    static reg all_max(reg v)
+    {
+        v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
+        v = _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
+        return _mm256_max_ps(v, _mm256_permute_ps(v, 0xB1));
     }
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        V::store(rows, a + j * lda, col[j]);
+    static __mmask8 equal(reg a, reg b) { return _mm256_cmp_ps_mask(a, b, _CMP_EQ_OQ); }
+    static reg lane(reg v, int k) { return _mm256_permutexvar_ps(_mm256_set1_epi32(k), v); }
+    static __m256i swap_index(int k, int p)
+    {
+        __m256i idx = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+        idx = _mm256_mask_set1_epi32(idx, static_cast<__mmask8>(1u << k), p);
+        return _mm256_mask_set1_epi32(idx, static_cast<__mmask8>(1u << p), k);
+    }
+    static reg permute(__m256i idx, reg v) { return _mm256_permutexvar_ps(idx, v); }
+    static reg mask_mul(reg v, __mmask8 m, reg s) { return _mm256_mask_mul_ps(v, m, v, s); }
+    static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm256_mask_xor_ps(v, m, v, s); }
+    static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm256_mask3_fnmadd_ps(l, u, c, m); }
+    static reg fnmadd(reg l, reg u, reg c) { return _mm256_fnmadd_ps(l, u, c); }
+    static reg sqrt(reg v) { return _mm256_sqrt_ps(v); }
+    static reg mask_div(reg v, __mmask8 m, reg s) { return _mm256_mask_div_ps(v, m, v, s); }
+    static reg unit(int j) { return _mm256_maskz_mov_ps(static_cast<__mmask8>(1u << j), _mm256_set1_ps(1.0f)); }
+    static float first(reg v) { return _mm256_cvtss_f32(v); }
+};
+struct xmm4f {
+    using reg = __m128;
+    using scalar = float;
+    static reg load(__mmask8 m, const float *p) { return _mm_maskz_loadu_ps(m, p); }
+    static void store(__mmask8 m, float *p, reg v) { _mm_mask_storeu_ps(p, m, v); }
+    static reg abs(reg v) { return _mm_andnot_ps(_mm_set1_ps(-0.0f), v); }
+    static reg sign(reg v) { return _mm_and_ps(v, _mm_set1_ps(-0.0f)); }
+    static reg splat(float x) { return _mm_set1_ps(x); }
+    static reg masked(__mmask8 m, reg v, reg fill) { return _mm_mask_mov_ps(fill, m, v); }
+    static reg all_max(reg v)
+    {
+        v = _mm_max_ps(v, _mm_permute_ps(v, 0x4E));
+        return _mm_max_ps(v, _mm_permute_ps(v, 0xB1));
+    }
+    static __mmask8 equal(reg a, reg b) { return _mm_cmp_ps_mask(a, b, _CMP_EQ_OQ); }
+    static reg lane(reg v, int k) { return _mm_permutevar_ps(v, _mm_set1_epi32(k)); }
+    static __m128i swap_index(int k, int p)
+    {
+        __m128i idx = _mm_setr_epi32(0, 1, 2, 3);
+        idx = _mm_mask_set1_epi32(idx, static_cast<__mmask8>(1u << k), p);
+        return _mm_mask_set1_epi32(idx, static_cast<__mmask8>(1u << p), k);
+    }
+    static reg permute(__m128i idx, reg v) { return _mm_permutevar_ps(v, idx); }
+    static reg mask_mul(reg v, __mmask8 m, reg s) { return _mm_mask_mul_ps(v, m, v, s); }
+    static reg mask_xor(reg v, __mmask8 m, reg s) { return _mm_mask_xor_ps(v, m, v, s); }
+    static reg mask_fnmadd(reg l, reg u, reg c, __mmask8 m) { return _mm_mask3_fnmadd_ps(l, u, c, m); }
+    static reg fnmadd(reg l, reg u, reg c) { return _mm_fnmadd_ps(l, u, c); }
+    static reg sqrt(reg v) { return _mm_sqrt_ps(v); }
+    static reg mask_div(reg v, __mmask8 m, reg s) { return _mm_mask_div_ps(v, m, v, s); }
+    static reg unit(int j) { return _mm_maskz_mov_ps(static_cast<__mmask8>(1u << j), _mm_set1_ps(1.0f)); }
+    static float first(reg v) { return _mm_cvtss_f32(v); }
+};
+template <int N> using float_vector = std::conditional_t<(N <= 4), xmm4f, ymm8f>;
+
+// Single precision: the register kernels up to 8 (computed in float, so pivots and statuses are
+// float LAPACK's), the fixed-order and general loops above.
+void getrf_s(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    if (!at_fixed_order(n, [&]<int N>() { getrf_registers<N, float_vector<N>>(a, lda, ipiv, info); }))
+        getrf_loop(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_s(int64_t n, float *a, int64_t lda, int64_t *info)
+{
+    if (!at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, float_vector<N>>(a, lda, info); }))
+        potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_s(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, float *inv, int64_t ldinv)
+{
+    if (!at_fixed_order(n, [&]<int N>() { inverse_registers<N, float_vector<N>>(a, lda, ipiv, inv, ldinv); }))
+        inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
+{
+    return {getrf_s, potrf_lower_s, potrf_upper_loop<float>, getrs_loop<float>, inverse_s,
+            getrf_limit, potrf_limit, inverse_limit};
 }
 
 // Copies the n x n matrix at a into a zero-padded work array with leading dimension ld.
@@ -266,48 +320,9 @@ void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *i
     }
 }
 
-// The inverse U^-1 * L^-1 * P^T of an N x N double LU factor, one column of the result per
-// register; the column interchanges become the store addresses.
-template <int N, class V>
-void inverse_d_registers(const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
-{
-    using reg = typename V::reg;
-    constexpr __mmask8 rows = static_cast<__mmask8>((1u << N) - 1);
-    reg x[N];
-    double r[N];
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j) {
-        x[j] = V::unit(j);
-        r[j] = 1.0 / a[j + j * lda];
-    }
-#pragma GCC unroll 8
-    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
-        const reg l = V::load(static_cast<__mmask8>(rows & ~((2u << k) - 1)), a + k * lda);
-#pragma GCC unroll 8
-        for (int j = 0; j <= k; ++j)
-            x[j] = V::fnmadd(l, V::lane(x[j], k), x[j]);
-    }
-#pragma GCC unroll 8
-    for (int k = N - 1; k >= 0; --k) { // U^-1
-        const reg u = V::load(static_cast<__mmask8>((1u << k) - 1), a + k * lda);
-        const reg rk = V::splat(r[k]);
-#pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            x[j] = V::mask_mul(x[j], static_cast<__mmask8>(1u << k), rk);
-            if (k > 0)
-                x[j] = V::fnmadd(u, V::lane(x[j], k), x[j]);
-        }
-    }
-    int at[N], to[N]; // at[c]: the register that ends in column c
-    inverse_destinations(N, ipiv, at, to);
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        V::store(rows, inv + to[j] * ldinv, x[j]);
-}
-
 void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
 {
-    if (at_fixed_order(n, [&]<int N>() { inverse_d_registers<N, register_vector<N>>(a, lda, ipiv, inv, ldinv); }))
+    if (at_fixed_order(n, [&]<int N>() { inverse_registers<N, register_vector<N>>(a, lda, ipiv, inv, ldinv); }))
         return;
     if (n <= 16)
         return inverse_d_columns<2>(n, a, lda, ipiv, inv, ldinv);
@@ -316,43 +331,9 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
-// Cholesky A = L*L^T of an N x N double matrix, right-looking with one column per register.
-// On a non-positive pivot only the finished columns and that pivot are written back, as the
-// unblocked LAPACK routine leaves it.
-template <int N, class V> void potrf_lower_d_registers(double *a, int64_t lda, int64_t *info)
-{
-    using reg = typename V::reg;
-    reg col[N];
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        col[j] = V::load(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda);
-#pragma GCC unroll 8
-    for (int k = 0; k < N; ++k) {
-        const reg dv = V::lane(col[k], k);
-        const double d = V::first(dv);
-        if (!(d > 0.0)) {
-            for (int j = 0; j < k; ++j)
-                V::store(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda, col[j]);
-            a[k + k * lda] = d;
-            *info = k + 1;
-            return;
-        }
-        const reg root = V::sqrt(dv);
-        const __mmask8 below = static_cast<__mmask8>(((1u << N) - 1) & ~((2u << k) - 1));
-        col[k] = V::masked(static_cast<__mmask8>(~(1u << k)), V::mask_div(col[k], below, root), root);
-#pragma GCC unroll 8
-        for (int j = k + 1; j < N; ++j)
-            col[j] = V::mask_fnmadd(col[k], V::lane(col[k], j), col[j],
-                                    static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)));
-    }
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        V::store(static_cast<__mmask8>(((1u << N) - 1) & ~((1u << j) - 1)), a + j * lda, col[j]);
-}
-
 void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { potrf_lower_d_registers<N, register_vector<N>>(a, lda, info); }))
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, register_vector<N>>(a, lda, info); }))
         return;
     if (n <= 16)
         return potrf_lower_d_columns<2>(n, a, lda, info);
@@ -886,7 +867,7 @@ template <int R> void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t
 
 void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { getrf_d_registers<N, register_vector<N>>(a, lda, ipiv, info); }))
+    if (at_fixed_order(n, [&]<int N>() { getrf_registers<N, register_vector<N>>(a, lda, ipiv, info); }))
         return;
     if (n <= 16)
         return getrf_d_columns<2>(n, a, lda, ipiv, info);
@@ -908,7 +889,7 @@ constexpr small_kernels<double> double_table()
 
 namespace zel::dense {
 
-const small_set small_set_avx512 = {avx512::table<float>(64, 8, 64), avx512::double_table(),
+const small_set small_set_avx512 = {avx512::float_table(64, 8, 64), avx512::double_table(),
                                     avx512::table<std::complex<float>>(32, 16, 64), avx512::complex_double_table()};
 
 } // namespace zel::dense
