@@ -4,6 +4,7 @@
 // namespace: AVX-512 gives V real mask registers, AVX2 emulates them with blends.
 #pragma once
 
+#include <complex>
 #include <cstdint>
 
 namespace zel::dense::ZEL_SMALL_ISA {
@@ -119,15 +120,145 @@ template <int N, class V> void potrf_lower_registers(typename V::scalar *a, int6
             *info = k + 1;
             return;
         }
-        const reg root = V::sqrt(dv);
-        col[k] = V::masked(~(1u << k), V::mask_div(col[k], lanes_from<N>(k + 1), root), root);
+        // The update takes (a_ik * a_jk) / d for l_ik * l_jk: the products are formed while the
+        // division runs, so the next pivot waits for one division and one multiply-add, not a
+        // square root too; the column is scaled off that path.
+        const reg inverse = V::div(V::splat(S(1)), dv);
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j)
-            col[j] = V::mask_fnmadd(col[k], V::lane(col[k], j), col[j], lanes_from<N>(j));
+            col[j] = V::mask_fnmadd(V::mul(col[k], V::lane(col[k], j)), inverse, col[j], lanes_from<N>(j));
+        const reg root = V::sqrt(dv);
+        col[k] = V::masked(~(1u << k), V::mask_div(col[k], lanes_from<N>(k + 1), root), root);
     }
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
         V::store(lanes_from<N>(j), a + j * lda, col[j]);
+}
+
+// The complex kernels the same way: V's register holds N complex rows as (re, im) lane pairs,
+// and its masks are bits per row. V::scalar is the real type.
+
+// Lane pairs of row bits: row i is lanes 2i and 2i+1.
+constexpr unsigned pair_lanes(unsigned rows)
+{
+    unsigned m = 0;
+    for (int i = 0; i < 8; ++i)
+        if (rows >> i & 1)
+            m |= 3u << (2 * i);
+    return m;
+}
+
+// LU with partial pivoting, the pivot the first largest |re|+|im| as LAPACK chooses it.
+template <int N, class V>
+void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using reg = typename V::reg;
+    using S = typename V::scalar;
+    S *ad = reinterpret_cast<S *>(a);
+    constexpr unsigned rows = lanes_from<N>(0);
+    reg col[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        col[j] = V::load(rows, ad + 2 * j * lda);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const reg size = V::masked(lanes_from<N>(k), V::pair_sum(V::abs(col[k])), V::splat(S(-1)));
+        const unsigned hits = V::equal(size, V::all_max(size));
+        const int p = hits != 0 ? __builtin_ctz(hits) : k;
+        ipiv[k] = p + 1;
+        const auto swap = V::swap_index(k, p);
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j)
+            col[j] = V::permute(swap, col[j]);
+        const unsigned below = lanes_from<N>(k + 1);
+        const std::complex<S> pivot = V::element(col[k], k);
+        if (pivot != S(0))
+            col[k] = V::mask_scale(col[k], below, reciprocal(pivot));
+        else if (*info == 0)
+            *info = k + 1;
+        const reg swapped = V::swap_pairs(col[k]);
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) // col[j] -= l * u, u = col[j][k]
+            col[j] = V::mask_minus_product(col[j], col[k], swapped, V::re(col[j], k), V::negate_odd(V::im(col[j], k)), below);
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        V::store(rows, ad + 2 * j * lda, col[j]);
+}
+
+// The inverse U^-1 * L^-1 * P^T of a complex LU factor, one column of the result per register.
+template <int N, class V>
+void inverse_complex_registers(const std::complex<typename V::scalar> *a, int64_t lda, const int64_t *ipiv,
+                               std::complex<typename V::scalar> *inv, int64_t ldinv)
+{
+    using reg = typename V::reg;
+    using S = typename V::scalar;
+    const S *ad = reinterpret_cast<const S *>(a);
+    reg x[N];
+    std::complex<S> r[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) {
+        x[j] = V::unit(j);
+        r[j] = reciprocal(a[j + j * lda]);
+    }
+#pragma GCC unroll 8
+    for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
+        const reg l = V::load(lanes_from<N>(k + 1), ad + 2 * k * lda), ls = V::swap_pairs(l);
+#pragma GCC unroll 8
+        for (int j = 0; j <= k; ++j)
+            x[j] = V::minus_product(x[j], l, ls, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
+    }
+#pragma GCC unroll 8
+    for (int k = N - 1; k >= 0; --k) { // U^-1
+        const reg u = V::load((1u << k) - 1, ad + 2 * k * lda), us = V::swap_pairs(u);
+#pragma GCC unroll 8
+        for (int j = 0; j < N; ++j) {
+            x[j] = V::mask_scale(x[j], 1u << k, r[k]);
+            if (k > 0)
+                x[j] = V::minus_product(x[j], u, us, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
+        }
+    }
+    S *invd = reinterpret_cast<S *>(inv);
+    int at[N], to[N]; // at[c]: the register that ends in column c
+    inverse_destinations(N, ipiv, at, to);
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        V::store(lanes_from<N>(0), invd + 2 * to[j] * ldinv, x[j]);
+}
+
+// Cholesky A = L*L^H, right-looking with one column per register; only the rows from the
+// diagonal down are read and written, the diagonal comes back real, and a non-positive pivot
+// stops it as the unblocked LAPACK routine does.
+template <int N, class V> void potrf_lower_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *info)
+{
+    using reg = typename V::reg;
+    using S = typename V::scalar;
+    S *ad = reinterpret_cast<S *>(a);
+    reg col[N];
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        col[j] = V::load(lanes_from<N>(j), ad + 2 * j * lda);
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k) {
+        const S d = V::element(col[k], k).real();
+        if (!(d > S(0))) {
+            for (int j = 0; j < k; ++j)
+                V::store(lanes_from<N>(j), ad + 2 * j * lda, col[j]);
+            a[k + k * lda] = d;
+            *info = k + 1;
+            return;
+        }
+        const S root = std::sqrt(d);
+        col[k] = V::with_real(V::mask_div(col[k], lanes_from<N>(k + 1), V::splat(root)), k, root);
+        const reg swapped = V::swap_pairs(col[k]);
+#pragma GCC unroll 8
+        for (int j = k + 1; j < N; ++j) // col[j] -= l * conj(l_j)
+            col[j] = V::mask_minus_product(col[j], col[k], swapped, V::re(col[k], j), V::negate_even(V::im(col[k], j)),
+                                           lanes_from<N>(j));
+    }
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j)
+        V::store(lanes_from<N>(j), ad + 2 * j * lda, col[j]);
 }
 
 } // namespace zel::dense::ZEL_SMALL_ISA
