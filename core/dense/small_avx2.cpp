@@ -308,11 +308,11 @@ template <int N> void inverse_d_registers(const double *a, int64_t lda, const in
 }
 
 // Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
-void copy_padded(int64_t n, const double *a, int64_t lda, double *work, int64_t ld)
+template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work, int64_t ld)
 {
     for (int64_t j = 0; j < n; ++j) {
         std::copy(a + j * lda, a + j * lda + n, work + j * ld);
-        std::fill(work + j * ld + n, work + (j + 1) * ld, 0.0);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, T(0));
     }
 }
 
@@ -651,11 +651,16 @@ struct y4c {
     static reg permute(__m256i idx, reg v) { return _mm256_permutevar8x32_ps(v, idx); }
     static reg negate_odd(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f)); }
     static reg negate_even(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f)); }
-    // x * s for a complex scalar s, on the rows of m.
+    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
+    static reg div(reg a, reg b) { return _mm256_div_ps(a, b); }
+    // x * s on the rows of m, s given as its parts in every lane.
+    static reg mask_scale_by(reg x, unsigned m, reg s_re, reg s_im)
+    {
+        return masked(m, _mm256_fmaddsub_ps(x, s_re, _mm256_mul_ps(swap_pairs(x), s_im)), x);
+    }
     static reg mask_scale(reg x, unsigned m, std::complex<float> s)
     {
-        const reg product = _mm256_fmaddsub_ps(x, _mm256_set1_ps(s.real()), _mm256_mul_ps(swap_pairs(x), _mm256_set1_ps(s.imag())));
-        return masked(m, product, x);
+        return mask_scale_by(x, m, _mm256_set1_ps(s.real()), _mm256_set1_ps(s.imag()));
     }
     // x - l*u for u given as (re in every lane, (im, -im) pairs), l's swapped copy at hand.
     static reg minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt)
@@ -720,6 +725,12 @@ struct y8c {
     }
     static reg negate_odd(reg v) { return {y4c::negate_odd(v.lo), y4c::negate_odd(v.hi)}; }
     static reg negate_even(reg v) { return {y4c::negate_even(v.lo), y4c::negate_even(v.hi)}; }
+    static reg mul(reg a, reg b) { return {_mm256_mul_ps(a.lo, b.lo), _mm256_mul_ps(a.hi, b.hi)}; }
+    static reg div(reg a, reg b) { return {_mm256_div_ps(a.lo, b.lo), _mm256_div_ps(a.hi, b.hi)}; }
+    static reg mask_scale_by(reg x, unsigned m, reg s_re, reg s_im)
+    {
+        return {y4c::mask_scale_by(x.lo, m & 15, s_re.lo, s_im.lo), y4c::mask_scale_by(x.hi, m >> 4, s_re.hi, s_im.hi)};
+    }
     static reg mask_scale(reg x, unsigned m, std::complex<float> s)
     {
         return {y4c::mask_scale(x.lo, m & 15, s), y4c::mask_scale(x.hi, m >> 4, s)};
@@ -740,6 +751,192 @@ struct y8c {
     }
     static reg unit(int j) { return j < 4 ? reg{y4c::unit(j), _mm256_setzero_ps()} : reg{_mm256_setzero_ps(), y4c::unit(j - 4)}; }
 };
+
+// target_j -= l * (col_j / d) for the columns j in [from, to), on their vectors [v, v + C) that
+// hold rows from j down: C vectors of the Cholesky column stay in registers while the columns
+// stream past.
+template <int C>
+void cholesky_strip_s(const __m256 *l, float *work, int64_t ld, const float *col, int64_t v, int64_t from, int64_t to,
+                      float inverse)
+{
+    for (int64_t j = from; j < to; ++j) {
+        float *target = work + j * ld + 8 * v;
+        const __m256 u = _mm256_set1_ps(col[j] * inverse);
+#pragma GCC unroll 4
+        for (int c = 0; c < C; ++c)
+            if (8 * (v + c + 1) > j)
+                _mm256_store_ps(target + 8 * c, _mm256_fnmadd_ps(l[c], u, _mm256_load_ps(target + 8 * c)));
+    }
+}
+
+// Cholesky A = L*L^T in single precision for 8 < n <= column_limit, right-looking on a padded
+// copy, as potrf_lower_d_columns: only the lower triangle goes back, and on a non-positive pivot
+// only the finished columns and that pivot.
+void potrf_lower_s_columns(int64_t n, float *a, int64_t lda, int64_t *info)
+{
+    const int64_t ld = (n + 7) & ~int64_t(7), vectors = ld / 8;
+    alignas(32) float work[column_limit * column_limit];
+    copy_padded(n, a, lda, work, ld);
+    int64_t done = n;
+    for (int64_t k = 0; k < n; ++k) {
+        float *col = work + k * ld;
+        const float d = col[k];
+        if (!(d > 0.0f)) {
+            done = k;
+            break;
+        }
+        const int64_t first = (k + 1) / 8;
+        const __m256 below = y8f::mask(lanes_from<8>(static_cast<int>(k + 1 - 8 * first)));
+        const float inverse = 1.0f / d;
+        for (int64_t v = first; v < vectors; v += 4) {
+            const int64_t count = std::min<int64_t>(4, vectors - v), to = std::min<int64_t>(n, 8 * (v + count));
+            __m256 l[4];
+            for (int c = 0; c < 4; ++c)
+                l[c] = c < count ? _mm256_load_ps(col + 8 * (v + c)) : _mm256_setzero_ps();
+            if (v == first)
+                l[0] = _mm256_and_ps(l[0], below);
+            switch (count) {
+            case 1: cholesky_strip_s<1>(l, work, ld, col, v, k + 1, to, inverse); break;
+            case 2: cholesky_strip_s<2>(l, work, ld, col, v, k + 1, to, inverse); break;
+            case 3: cholesky_strip_s<3>(l, work, ld, col, v, k + 1, to, inverse); break;
+            default: cholesky_strip_s<4>(l, work, ld, col, v, k + 1, to, inverse); break;
+            }
+        }
+        const float root = std::sqrt(d);
+        const __m256 scale = _mm256_set1_ps(1.0f / root);
+        for (int64_t v = first; v < vectors; ++v) {
+            const __m256 c = _mm256_load_ps(col + 8 * v);
+            _mm256_store_ps(col + 8 * v, v == first ? _mm256_blendv_ps(c, _mm256_mul_ps(c, scale), below) : _mm256_mul_ps(c, scale));
+        }
+        col[k] = root;
+    }
+    for (int64_t j = 0; j < done; ++j)
+        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+    if (done < n) {
+        a[done + done * lda] = work[done + done * ld];
+        *info = done + 1;
+    }
+}
+
+// target_j -= l * target_j[k] on the rows of vectors [v0, v1) for the columns j in [from, to),
+// with l's vectors from load_l(v), four at a time in registers.
+template <class LoadL>
+void update_rows_s(float *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from, int64_t to, LoadL load_l)
+{
+    for (int64_t v = v0; v < v1; v += 4) {
+        const int64_t count = std::min<int64_t>(4, v1 - v);
+        __m256 l[4];
+        for (int c = 0; c < 4; ++c)
+            l[c] = c < count ? load_l(v + c) : _mm256_setzero_ps();
+        auto strip = [&]<int C>() {
+            for (int64_t j = from; j < to; ++j) {
+                float *target = work + j * ld + 8 * v;
+                const __m256 u = _mm256_broadcast_ss(work + j * ld + k);
+#pragma GCC unroll 4
+                for (int c = 0; c < C; ++c)
+                    _mm256_store_ps(target + 8 * c, _mm256_fnmadd_ps(l[c], u, _mm256_load_ps(target + 8 * c)));
+            }
+        };
+        switch (count) {
+        case 1: strip.template operator()<1>(); break;
+        case 2: strip.template operator()<2>(); break;
+        case 3: strip.template operator()<3>(); break;
+        default: strip.template operator()<4>(); break;
+        }
+    }
+}
+
+// Single precision LU with partial pivoting for 8 < n <= column_limit, right-looking on a padded
+// copy as getrf_d_columns: the pivot the first largest |a(i,k)| (row k when none compares, NaN).
+void getrf_s_columns(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    const int64_t ld = (n + 7) & ~int64_t(7), vectors = ld / 8;
+    alignas(32) float work[column_limit * column_limit];
+    copy_padded(n, a, lda, work, ld);
+    for (int64_t k = 0; k < n; ++k) {
+        float *col = work + k * ld;
+        const int64_t top = k / 8;
+        const __m256 out = _mm256_set1_ps(-1.0f), above_k = y8f::mask((1u << (k - 8 * top)) - 1);
+        __m256 largest = out;
+        for (int64_t v = top; v < vectors; ++v) {
+            const __m256 size = y8f::abs(_mm256_load_ps(col + 8 * v));
+            largest = _mm256_max_ps(largest, v == top ? _mm256_blendv_ps(size, out, above_k) : size);
+        }
+        largest = y8f::all_max(largest);
+        int64_t p = k;
+        for (int64_t v = top; v < vectors; ++v) {
+            __m256 size = y8f::abs(_mm256_load_ps(col + 8 * v));
+            if (v == top)
+                size = _mm256_blendv_ps(size, out, above_k);
+            if (const unsigned hits = y8f::equal(size, largest)) {
+                p = 8 * v + __builtin_ctz(hits);
+                break;
+            }
+        }
+        ipiv[k] = p + 1;
+        if (p != k)
+            for (int64_t j = 0; j < n; ++j)
+                std::swap(work[k + j * ld], work[p + j * ld]);
+        const float pivot = col[k];
+        if (pivot == 0.0f && *info == 0)
+            *info = k + 1;
+        const __m256 scale = _mm256_set1_ps(pivot != 0.0f ? 1.0f / pivot : 1.0f);
+        const int64_t first = (k + 1) / 8;
+        if (first == vectors) // the last row: nothing below
+            break;
+        const __m256 below = y8f::mask(lanes_from<8>(static_cast<int>(k + 1 - 8 * first)));
+        for (int64_t v = first; v < vectors; ++v) {
+            const __m256 c = _mm256_load_ps(col + 8 * v);
+            _mm256_store_ps(col + 8 * v, v == first ? _mm256_blendv_ps(c, _mm256_mul_ps(c, scale), below) : _mm256_mul_ps(c, scale));
+        }
+        update_rows_s(work, ld, k, first, vectors, k + 1, n, [&](int64_t v) {
+            const __m256 l = _mm256_load_ps(col + 8 * v);
+            return v == first ? _mm256_and_ps(l, below) : l;
+        });
+    }
+    for (int64_t j = 0; j < n; ++j)
+        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+}
+
+// The single precision inverse U^-1 * L^-1 * P^T for 8 < n <= column_limit from a padded copy
+// of the factor, as inverse_d_columns forms it.
+void inverse_s_columns(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, float *inv, int64_t ldinv)
+{
+    const int64_t ld = (n + 7) & ~int64_t(7), vectors = ld / 8;
+    alignas(32) float f[column_limit * column_limit], x[column_limit * column_limit];
+    alignas(32) float scale[column_limit] = {};
+    copy_padded(n, a, lda, f, ld);
+    std::fill(x, x + ld * n, 0.0f);
+    for (int64_t k = 0; k < n; ++k) {
+        scale[k] = 1.0f / f[k + k * ld];
+        x[k + k * ld] = 1.0f;
+    }
+    for (int64_t k = 0; k + 1 < n; ++k) { // L^-1
+        const float *col = f + k * ld;
+        const int64_t first = (k + 1) / 8;
+        const __m256 below = y8f::mask(lanes_from<8>(static_cast<int>(k + 1 - 8 * first)));
+        update_rows_s(x, ld, k, first, vectors, 0, k + 1, [&](int64_t v) {
+            const __m256 l = _mm256_load_ps(col + 8 * v);
+            return v == first ? _mm256_and_ps(l, below) : l;
+        });
+    }
+    for (int64_t j = 0; j < n; ++j)
+        for (int64_t v = 0; v < vectors; ++v)
+            _mm256_store_ps(x + j * ld + 8 * v, _mm256_mul_ps(_mm256_load_ps(x + j * ld + 8 * v), _mm256_load_ps(scale + 8 * v)));
+    for (int64_t k = n - 1; k > 0; --k) { // (D^-1 U)^-1, unit diagonal
+        const float *col = f + k * ld;
+        const int64_t last = (k - 1) / 8; // the vector holding row k - 1
+        const __m256 above = y8f::mask((1u << (k - 8 * last)) - 1);
+        update_rows_s(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
+            const __m256 u = _mm256_mul_ps(_mm256_load_ps(col + 8 * v), _mm256_load_ps(scale + 8 * v));
+            return v == last ? _mm256_and_ps(u, above) : u;
+        });
+    }
+    int64_t at[column_limit]; // at[c]: the column of x that ends in column c
+    inverse_sources(n, ipiv, at);
+    for (int64_t c = 0; c < n; ++c)
+        std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+}
 
 // Single complex: the register kernels up to 8 (one register to 4, two above), the general
 // loops above.
@@ -774,20 +971,29 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
 // the fixed-order and general loops above.
 void getrf_s(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (!at_fixed_order(n, [&]<int N>() { getrf_registers<N, y8f>(a, lda, ipiv, info); }))
-        getrf_loop(n, a, lda, ipiv, info);
+    if (at_fixed_order(n, [&]<int N>() { getrf_registers<N, y8f>(a, lda, ipiv, info); }))
+        return;
+    if (n <= column_limit)
+        return getrf_s_columns(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
 }
 
 void potrf_lower_s(int64_t n, float *a, int64_t lda, int64_t *info)
 {
-    if (!at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, y8f>(a, lda, info); }))
-        potrf_lower_loop(n, a, lda, info);
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, y8f>(a, lda, info); }))
+        return;
+    if (n <= column_limit)
+        return potrf_lower_s_columns(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
 }
 
 void inverse_s(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, float *inv, int64_t ldinv)
 {
-    if (!at_fixed_order(n, [&]<int N>() { inverse_registers<N, y8f>(a, lda, ipiv, inv, ldinv); }))
-        inverse_loop(n, a, lda, ipiv, inv, ldinv);
+    if (at_fixed_order(n, [&]<int N>() { inverse_registers<N, y8f>(a, lda, ipiv, inv, ldinv); }))
+        return;
+    if (n <= column_limit)
+        return inverse_s_columns(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
 constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
@@ -1369,7 +1575,7 @@ namespace zel::dense {
 // s and c keep the portable loops' limits, which hold there too: s getrf 1.75x at 32, potrf
 // 1.7x at 8 (1.0x at 16), inverse 1.35x at 32; c getrf 1.8x at 32, potrf 1.85x at 16 (1.0x at
 // 32), inverse 1.1x at 32.
-const small_set small_set_avx2 = {avx2::float_table(32, 8, 32), avx2::double_table(64, 56, 64),
+const small_set small_set_avx2 = {avx2::float_table(64, 64, 64), avx2::double_table(64, 56, 64),
                                   avx2::complex_float_table(32, 16, 32), avx2::complex_double_table(32, 32, 32)};
 
 } // namespace zel::dense

@@ -156,102 +156,26 @@ struct xmm4f {
 };
 template <int N> using float_vector = std::conditional_t<(N <= 4), xmm4f, ymm8f>;
 
-// A column of up to 8 single complex rows in a zmm register; masks are bits per row.
-struct zmm8c {
-    using reg = __m512;
-    using scalar = float;
-    static __mmask16 lanes(unsigned rows) { return static_cast<__mmask16>(pair_lanes(rows & 0xFF)); }
-    static reg load(unsigned m, const float *p) { return _mm512_maskz_loadu_ps(lanes(m), p); }
-    static void store(unsigned m, float *p, reg v) { _mm512_mask_storeu_ps(p, lanes(m), v); }
-    static reg abs(reg v) { return _mm512_abs_ps(v); }
-    static reg swap_pairs(reg v) { return _mm512_permute_ps(v, 0xB1); }
-    static reg pair_sum(reg v) { return _mm512_add_ps(v, swap_pairs(v)); }
-    static reg splat(float x) { return _mm512_set1_ps(x); }
-    static reg masked(unsigned m, reg v, reg fill) { return _mm512_mask_mov_ps(fill, lanes(m), v); }
-    // The largest pair, in every lane (both lanes of a pair hold the same size).
-    static reg all_max(reg v)
-    {
-        v = _mm512_max_ps(v, _mm512_shuffle_f32x4(v, v, 0x4E));
-        v = _mm512_max_ps(v, _mm512_shuffle_f32x4(v, v, 0xB1));
-        return _mm512_max_ps(v, _mm512_permute_ps(v, 0x4E));
-    }
-    // Rows whose size equals the largest.
-    static unsigned equal(reg a, reg b) { return _pext_u32(_mm512_cmp_ps_mask(a, b, _CMP_EQ_OQ), 0x5555); }
-    static reg re(reg v, int k) { return _mm512_permutexvar_ps(_mm512_set1_epi32(2 * k), v); }
-    static reg im(reg v, int k) { return _mm512_permutexvar_ps(_mm512_set1_epi32(2 * k + 1), v); }
-    static std::complex<float> element(reg v, int k) { return {_mm512_cvtss_f32(re(v, k)), _mm512_cvtss_f32(im(v, k))}; }
-    static __m512i swap_index(int k, int p)
-    {
-        const __m512i iota = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-        const __m512i idx = _mm512_mask_add_epi32(iota, lanes(1u << k), iota, _mm512_set1_epi32(2 * (p - k)));
-        return _mm512_mask_add_epi32(idx, lanes(1u << p), iota, _mm512_set1_epi32(2 * (k - p)));
-    }
-    static reg permute(__m512i idx, reg v) { return _mm512_permutexvar_ps(idx, v); }
-    static reg negate_odd(reg v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(int64_t(0x80000000) << 32))); }
-    static reg negate_even(reg v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000))); }
-    // x * s for a complex scalar s, on the rows of m.
-    static reg mask_scale(reg x, unsigned m, std::complex<float> s)
-    {
-        return _mm512_mask_fmaddsub_ps(x, lanes(m), _mm512_set1_ps(s.real()), _mm512_mul_ps(swap_pairs(x), _mm512_set1_ps(s.imag())));
-    }
-    // x - l*u for u given as (re in every lane, (im, -im) pairs), l's swapped copy at hand.
-    static reg minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt)
-    {
-        return _mm512_fmadd_ps(ls, u_im_alt, _mm512_fnmadd_ps(l, u_re, x));
-    }
-    static reg mask_minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt, unsigned m)
-    {
-        return _mm512_mask_mov_ps(x, lanes(m), minus_product(x, l, ls, u_re, u_im_alt));
-    }
-    static reg mask_div(reg v, unsigned m, reg s) { return _mm512_mask_div_ps(v, lanes(m), v, s); }
-    static reg with_real(reg v, int k, float x) { return _mm512_mask_mov_ps(v, lanes(1u << k), _mm512_maskz_mov_ps(0x5555, _mm512_set1_ps(x))); }
-    static reg unit(int j) { return _mm512_maskz_mov_ps(static_cast<__mmask16>(1u << (2 * j)), _mm512_set1_ps(1.0f)); }
-};
-
-void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int64_t *info)
-{
-    if (!at_fixed_order(n, [&]<int N>() { getrf_complex_registers<N, zmm8c>(a, lda, ipiv, info); }))
-        getrf_loop(n, a, lda, ipiv, info);
-}
-
-void potrf_lower_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *info)
-{
-    if (!at_fixed_order(n, [&]<int N>() { potrf_lower_complex_registers<N, zmm8c>(a, lda, info); }))
-        potrf_lower_loop(n, a, lda, info);
-}
-
-void inverse_c(int64_t n, const std::complex<float> *a, int64_t lda, const int64_t *ipiv, std::complex<float> *inv,
-               int64_t ldinv)
-{
-    if (!at_fixed_order(n, [&]<int N>() { inverse_complex_registers<N, zmm8c>(a, lda, ipiv, inv, ldinv); }))
-        inverse_loop(n, a, lda, ipiv, inv, ldinv);
-}
-
-constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_limit, int64_t potrf_limit,
-                                                                 int64_t inverse_limit)
-{
-    return {getrf_c, potrf_lower_c, potrf_upper_loop<std::complex<float>>, getrs_loop<std::complex<float>>, inverse_c,
-            getrf_limit, potrf_limit, inverse_limit};
-}
 
 // Single precision: the register kernels up to 8 (computed in float, so pivots and statuses are
-// float LAPACK's), the fixed-order and general loops above.
+// float LAPACK's); above 8 the AVX2 set's padded kernels, which ran faster on the AMD EPYC
+// than the loops here.
 void getrf_s(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if (!at_fixed_order(n, [&]<int N>() { getrf_registers<N, float_vector<N>>(a, lda, ipiv, info); }))
-        getrf_loop(n, a, lda, ipiv, info);
+        small_set_avx2.s.getrf(n, a, lda, ipiv, info);
 }
 
 void potrf_lower_s(int64_t n, float *a, int64_t lda, int64_t *info)
 {
     if (!at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, float_vector<N>>(a, lda, info); }))
-        potrf_lower_loop(n, a, lda, info);
+        small_set_avx2.s.potrf_lower(n, a, lda, info);
 }
 
 void inverse_s(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, float *inv, int64_t ldinv)
 {
     if (!at_fixed_order(n, [&]<int N>() { inverse_registers<N, float_vector<N>>(a, lda, ipiv, inv, ldinv); }))
-        inverse_loop(n, a, lda, ipiv, inv, ldinv);
+        small_set_avx2.s.inverse(n, a, lda, ipiv, inv, ldinv);
 }
 
 constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
@@ -262,8 +186,8 @@ constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_li
 
 // Where the AVX2 set's kernels ran faster on the processor this was measured on (an AMD EPYC,
 // whose 512-bit operations take two passes; `zel bench dense`, both tables), this set calls
-// them: the real Cholesky and the complex kernels at every order, the real LU from 5 to 8 and
-// above 32, the real inverse outside 5 to 8.
+// them: the real double Cholesky and the complex kernels of both precisions at every order, the
+// real double LU from 5 to 8 and above 32, the real double inverse outside 5 to 8.
 void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
 {
     if (n <= 4 || n > 8)
@@ -293,6 +217,29 @@ void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int6
                int64_t ldinv)
 {
     small_set_avx2.z.inverse(n, a, lda, ipiv, inv, ldinv);
+}
+
+void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    small_set_avx2.c.getrf(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *info)
+{
+    small_set_avx2.c.potrf_lower(n, a, lda, info);
+}
+
+void inverse_c(int64_t n, const std::complex<float> *a, int64_t lda, const int64_t *ipiv, std::complex<float> *inv,
+               int64_t ldinv)
+{
+    small_set_avx2.c.inverse(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_limit, int64_t potrf_limit,
+                                                                 int64_t inverse_limit)
+{
+    return {getrf_c, potrf_lower_c, potrf_upper_loop<std::complex<float>>, getrs_loop<std::complex<float>>, inverse_c,
+            getrf_limit, potrf_limit, inverse_limit};
 }
 
 constexpr small_kernels<std::complex<double>> complex_double_table()
@@ -407,7 +354,7 @@ constexpr small_kernels<double> double_table()
 
 namespace zel::dense {
 
-const small_set small_set_avx512 = {avx512::float_table(64, 8, 64), avx512::double_table(),
+const small_set small_set_avx512 = {avx512::float_table(64, 64, 64), avx512::double_table(),
                                     avx512::complex_float_table(32, 16, 64), avx512::complex_double_table()};
 
 } // namespace zel::dense

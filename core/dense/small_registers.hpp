@@ -6,6 +6,8 @@
 
 #include <complex>
 #include <cstdint>
+#include <utility>
+#include <limits>
 
 namespace zel::dense::ZEL_SMALL_ISA {
 
@@ -156,6 +158,9 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
     using S = typename V::scalar;
     S *ad = reinterpret_cast<S *>(a);
     constexpr unsigned rows = lanes_from<N>(0);
+    // Above four rows a finished column goes out at once and takes the later interchanges in
+    // memory, so the registers hold only the columns still changing.
+    constexpr bool early = N > 4;
     reg col[N];
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j)
@@ -163,27 +168,48 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
         const reg size = V::masked(lanes_from<N>(k), V::pair_sum(V::abs(col[k])), V::splat(S(-1)));
+        // Every row's reciprocal conj(x)/|x|^2 while the search runs, so the pivot's is at hand
+        // once it is known; the scaled scalar one where |x|^2 leaves the range.
+        const reg quotient = V::negate_odd(V::div(col[k], V::pair_sum(V::mul(col[k], col[k]))));
         const unsigned hits = V::equal(size, V::all_max(size));
         const int p = hits != 0 ? __builtin_ctz(hits) : k;
         ipiv[k] = p + 1;
         const auto swap = V::swap_index(k, p);
 #pragma GCC unroll 8
-        for (int j = 0; j < N; ++j)
+        for (int j = early ? k : 0; j < N; ++j)
             col[j] = V::permute(swap, col[j]);
         const unsigned below = lanes_from<N>(k + 1);
         const std::complex<S> pivot = V::element(col[k], k);
-        if (pivot != S(0))
+        const S norm = pivot.real() * pivot.real() + pivot.imag() * pivot.imag();
+        constexpr S low = std::numeric_limits<S>::min() / std::numeric_limits<S>::epsilon();
+        constexpr S high = std::numeric_limits<S>::max() * std::numeric_limits<S>::epsilon();
+        if (norm > low && norm < high) [[likely]] {
+            const reg inverse = V::permute(swap, quotient);
+            col[k] = V::mask_scale_by(col[k], below, V::re(inverse, k), V::im(inverse, k));
+        } else if (pivot != S(0)) {
             col[k] = V::mask_scale(col[k], below, reciprocal(pivot));
-        else if (*info == 0)
+        } else if (*info == 0) {
             *info = k + 1;
+        }
+        if constexpr (early)
+            V::store(rows, ad + 2 * k * lda, col[k]);
         const reg swapped = V::swap_pairs(col[k]);
 #pragma GCC unroll 8
         for (int j = k + 1; j < N; ++j) // col[j] -= l * u, u = col[j][k]
             col[j] = V::mask_minus_product(col[j], col[k], swapped, V::re(col[j], k), V::negate_odd(V::im(col[j], k)), below);
     }
+    if constexpr (early) {
+        for (int k = 1; k < N; ++k) {
+            const int64_t p = ipiv[k] - 1;
+            if (p != k)
+                for (int j = 0; j < k; ++j)
+                    std::swap(a[k + j * lda], a[p + j * lda]);
+        }
+    } else {
 #pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
-        V::store(rows, ad + 2 * j * lda, col[j]);
+        for (int j = 0; j < N; ++j)
+            V::store(rows, ad + 2 * j * lda, col[j]);
+    }
 }
 
 // The inverse U^-1 * L^-1 * P^T of a complex LU factor, one column of the result per register.
