@@ -1235,11 +1235,11 @@ void update_strip_complex(const typename wide_complex<R>::reg *l, std::complex<R
 #pragma GCC unroll 4
     for (int c = 0; c < C; ++c)
         ls[c] = W::swap(l[c]);
-    // The columns j in [j0, j1) on vectors [c0, C) of the strip.
+    // Cholesky: the columns j in [j0, j1) on vectors [c0, C) of the strip.
     auto columns = [&]<int c0>(int64_t j0, int64_t j1) {
         for (int64_t j = j0; j < j1; ++j) {
             R *target = reinterpret_cast<R *>(work + j * ld) + lanes * v;
-            const std::complex<R> u = Cholesky ? std::conj(work[k * ld + j]) * u_scale : work[j * ld + k];
+            const std::complex<R> u = std::conj(work[k * ld + j]) * u_scale;
             const auto c_re = W::splat(u.real()), d_alt = W::alternate(u.imag());
 #pragma GCC unroll 4
             for (int c = c0; c < C; ++c)
@@ -1253,7 +1253,14 @@ void update_strip_complex(const typename wide_complex<R>::reg *l, std::complex<R
              ...);
         }(std::make_integer_sequence<int, C>());
     } else {
-        columns.template operator()<0>(from, to);
+        for (int64_t j = from; j < to; ++j) {
+            R *target = reinterpret_cast<R *>(work + j * ld) + lanes * v;
+            const std::complex<R> u = work[j * ld + k];
+            const auto c_re = W::splat(u.real()), d_alt = W::alternate(u.imag());
+#pragma GCC unroll 4
+            for (int c = 0; c < C; ++c)
+                W::store(target + lanes * c, W::minus_product(W::load(target + lanes * c), l[c], ls[c], c_re, d_alt));
+        }
     }
 }
 
