@@ -1,12 +1,15 @@
-// Small-matrix kernels for AVX2 with FMA, with the real and complex double orders up to 8 held
-// in registers and the larger ones on zero-padded copies of whole vectors.
+// Small-matrix kernels for AVX2 with FMA: the orders up to 8 held in registers, the larger ones
+// on zero-padded copies of whole vectors, in every precision.
 #include <immintrin.h>
+
+#include <utility>
 
 #define ZEL_SMALL_ISA avx2
 namespace zel::dense::avx2 {
 constexpr bool fixed_orders = true;
 }
 #include "small_impl.hpp"
+#include "small_registers.hpp"
 
 namespace zel::dense::avx2 {
 namespace {
@@ -307,144 +310,216 @@ template <int N> void inverse_d_registers(const double *a, int64_t lda, const in
 }
 
 // Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
-void copy_padded(int64_t n, const double *a, int64_t lda, double *work, int64_t ld)
+template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work, int64_t ld)
 {
     for (int64_t j = 0; j < n; ++j) {
         std::copy(a + j * lda, a + j * lda + n, work + j * ld);
-        std::fill(work + j * ld + n, work + (j + 1) * ld, 0.0);
+        std::fill(work + j * ld + n, work + (j + 1) * ld, T(0));
     }
 }
 
-// Largest order of the padded-copy kernels; their copy lives on the stack.
+// Largest order of the padded-copy kernels; their copies live on the stack.
 constexpr int64_t column_limit = 64;
 
-// target_j -= l * u_j over C vectors from row 4*v for the columns j in [from, to), u_j the
+// Whole aligned vectors of the padded-copy kernels, in either real precision.
+template <class T> struct wide;
+template <> struct wide<double> {
+    using reg = __m256d;
+    static constexpr int64_t lanes = 4;
+    static reg load(const double *p) { return _mm256_load_pd(p); }
+    static void store(double *p, reg v) { _mm256_store_pd(p, v); }
+    static reg splat(double x) { return _mm256_set1_pd(x); }
+    static reg broadcast(const double *p) { return _mm256_broadcast_sd(p); }
+    static reg zero() { return _mm256_setzero_pd(); }
+    static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_pd(a, b, c); }
+    static reg mul(reg a, reg b) { return _mm256_mul_pd(a, b); }
+    static reg max(reg a, reg b) { return _mm256_max_pd(a, b); }
+    static reg keep(reg v, reg mask) { return _mm256_and_pd(v, mask); }
+    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_pd(a, b, mask); }
+    static reg abs(reg v) { return y4::abs(v); }
+    static reg all_max(reg v) { return y4::all_max(v); }
+    static unsigned equal(reg a, reg b) { return static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_EQ_OQ))); }
+    // Lanes [first, last) of a vector.
+    static reg rows(int64_t first, int64_t last) { return y4::rows(static_cast<int>(first), static_cast<int>(last), 0); }
+};
+template <> struct wide<float> {
+    using reg = __m256;
+    static constexpr int64_t lanes = 8;
+    static reg load(const float *p) { return _mm256_load_ps(p); }
+    static void store(float *p, reg v) { _mm256_store_ps(p, v); }
+    static reg splat(float x) { return _mm256_set1_ps(x); }
+    static reg broadcast(const float *p) { return _mm256_broadcast_ss(p); }
+    static reg zero() { return _mm256_setzero_ps(); }
+    static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_ps(a, b, c); }
+    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
+    static reg max(reg a, reg b) { return _mm256_max_ps(a, b); }
+    static reg keep(reg v, reg mask) { return _mm256_and_ps(v, mask); }
+    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_ps(a, b, mask); }
+    static reg abs(reg v) { return _mm256_andnot_ps(_mm256_set1_ps(-0.0f), v); }
+    static reg all_max(reg v)
+    {
+        v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
+        v = _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
+        return _mm256_max_ps(v, _mm256_permute_ps(v, 0xB1));
+    }
+    static unsigned equal(reg a, reg b) { return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ))); }
+    static reg rows(int64_t first, int64_t last)
+    {
+        const __m256 i = _mm256_setr_ps(0, 1, 2, 3, 4, 5, 6, 7);
+        return _mm256_and_ps(_mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(first)), _CMP_GE_OQ),
+                             _mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(last)), _CMP_LT_OQ));
+    }
+};
+
+// The leading dimension of a padded copy: whole vectors.
+template <class T> constexpr int64_t padded(int64_t n)
+{
+    return (n + wide<T>::lanes - 1) & ~(wide<T>::lanes - 1);
+}
+
+// target_j -= l * u_j over C vectors from vector v for the columns j in [from, to), u_j the
 // factor's row k (LU) or, for Cholesky, l's own row j: the multipliers stay in registers while
 // the columns stream past.
-template <int C, bool Cholesky>
-void update_strip(const __m256d *l, double *work, int64_t ld, int64_t k, int64_t v, int64_t from, int64_t to,
-                  double u_scale = 1.0)
+template <int C, bool Cholesky, class T>
+void update_strip(const typename wide<T>::reg *l, T *work, int64_t ld, int64_t k, int64_t v, int64_t from, int64_t to,
+                  T u_scale)
 {
-    for (int64_t j = from; j < to; ++j) {
-        double *target = work + j * ld + 4 * v;
-        const __m256d u = Cholesky ? _mm256_set1_pd(work[k * ld + j] * u_scale) : _mm256_broadcast_sd(work + j * ld + k);
+    using W = wide<T>;
+    // The columns j in [j0, j1) on vectors [c0, C) of the strip.
+    auto columns = [&]<int c0>(int64_t j0, int64_t j1) {
+        for (int64_t j = j0; j < j1; ++j) {
+            T *target = work + j * ld + W::lanes * v;
+            const auto u = Cholesky ? W::splat(work[k * ld + j] * u_scale) : W::broadcast(work + j * ld + k);
 #pragma GCC unroll 4
-        for (int c = 0; c < C; ++c)
-            if (!Cholesky || 4 * (v + c + 1) > j) // Cholesky: only the vectors that hold rows from j down
-                _mm256_store_pd(target + 4 * c, _mm256_fnmadd_pd(l[c], u, _mm256_load_pd(target + 4 * c)));
+            for (int c = c0; c < C; ++c)
+                W::store(target + W::lanes * c, W::fnmadd(l[c], u, W::load(target + W::lanes * c)));
+        }
+    };
+    if constexpr (Cholesky) { // only the vectors that hold rows from j down: one fewer past each vector's end
+        [&]<int... c0>(std::integer_sequence<int, c0...>) {
+            (columns.template operator()<c0>(c0 == 0 ? from : std::max(from, W::lanes * (v + c0)),
+                                             std::min(to, W::lanes * (v + c0 + 1))),
+             ...);
+        }(std::make_integer_sequence<int, C>());
+    } else {
+        columns.template operator()<0>(from, to);
     }
 }
 
-// The update of every strip of four vectors from vector first; the first vector's multipliers
-// (lanes above the pivot zeroed) come in lead, the rest from the column. last_row(v_end) bounds
-// the columns a strip ending at vector v_end must reach (n for LU, the strip's end for
-// Cholesky, whose columns need only their rows from the diagonal down).
-template <bool Cholesky, class LastColumn>
-void update_strips(double *work, int64_t ld, int64_t n, int64_t k, int64_t first, __m256d lead, LastColumn last_column,
-                   double u_scale = 1.0)
+// The update of the columns j in [from, last_column(v_end)) on the rows of vectors [v0, v1), a
+// strip of up to four vectors at a time ending at v_end; load_l(v) gives the multipliers.
+// last_column is n for LU and the inverse, the strip's end for Cholesky, whose columns need only
+// their rows from the diagonal down.
+template <bool Cholesky, class T, class LoadL, class LastColumn>
+void update_rows(T *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from, LastColumn last_column,
+                 LoadL load_l, T u_scale = T(1))
 {
-    const double *col = work + k * ld;
-    const int64_t vectors = ld / 4;
-    for (int64_t v = first; v < vectors; v += 4) {
-        const int64_t count = std::min<int64_t>(4, vectors - v);
-        __m256d l[4];
+    for (int64_t v = v0; v < v1; v += 4) {
+        const int64_t count = std::min<int64_t>(4, v1 - v), to = last_column(v + count);
+        typename wide<T>::reg l[4];
         for (int c = 0; c < 4; ++c)
-            l[c] = c < count ? _mm256_load_pd(col + 4 * (v + c)) : _mm256_setzero_pd();
-        if (v == first)
-            l[0] = lead;
-        const int64_t to = std::min<int64_t>(n, last_column(v + count));
+            l[c] = c < count ? load_l(v + c) : wide<T>::zero();
         switch (count) {
-        case 1: update_strip<1, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
-        case 2: update_strip<2, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
-        case 3: update_strip<3, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
-        default: update_strip<4, Cholesky>(l, work, ld, k, v, k + 1, to, u_scale); break;
+        case 1: update_strip<1, Cholesky>(l, work, ld, k, v, from, to, u_scale); break;
+        case 2: update_strip<2, Cholesky>(l, work, ld, k, v, from, to, u_scale); break;
+        case 3: update_strip<3, Cholesky>(l, work, ld, k, v, from, to, u_scale); break;
+        default: update_strip<4, Cholesky>(l, work, ld, k, v, from, to, u_scale); break;
         }
     }
 }
 
 // Position of the first largest |col[i]|, k <= i < n, in a padded column (zeros beyond n); k
 // when none compares equal (NaN).
-int64_t first_largest(const double *col, int64_t ld, int64_t k)
+template <class T> int64_t first_largest(const T *col, int64_t ld, int64_t k)
 {
-    const int64_t first = k / 4;
-    const __m256d below_k = y4::rows(0, static_cast<int>(k - 4 * first), 0); // rows above k: out of the race
-    const __m256d out = _mm256_set1_pd(-1.0);
-    __m256d largest = _mm256_blendv_pd(y4::abs(_mm256_load_pd(col + 4 * first)), out, below_k);
-    for (int64_t v = first + 1; v < ld / 4; ++v)
-        largest = _mm256_max_pd(largest, y4::abs(_mm256_load_pd(col + 4 * v)));
-    largest = y4::all_max(largest);
-    for (int64_t v = first; v < ld / 4; ++v) {
-        __m256d size = y4::abs(_mm256_load_pd(col + 4 * v));
+    using W = wide<T>;
+    const int64_t first = k / W::lanes;
+    const auto above_k = W::rows(0, k - W::lanes * first); // rows above k: out of the race
+    const auto out = W::splat(T(-1));
+    auto largest = W::blend(W::abs(W::load(col + W::lanes * first)), out, above_k);
+    for (int64_t v = first + 1; v < ld / W::lanes; ++v)
+        largest = W::max(largest, W::abs(W::load(col + W::lanes * v)));
+    largest = W::all_max(largest);
+    for (int64_t v = first; v < ld / W::lanes; ++v) {
+        auto size = W::abs(W::load(col + W::lanes * v));
         if (v == first)
-            size = _mm256_blendv_pd(size, out, below_k);
-        if (const int hits = _mm256_movemask_pd(_mm256_cmp_pd(size, largest, _CMP_EQ_OQ)))
-            return 4 * v + __builtin_ctz(static_cast<unsigned>(hits));
+            size = W::blend(size, out, above_k);
+        if (const unsigned hits = W::equal(size, largest))
+            return W::lanes * v + __builtin_ctz(hits);
     }
     return k;
 }
 
-// Real double LU with partial pivoting for 8 < n <= column_limit, right-looking on a copy with
-// zero-padded columns of whole aligned vectors; each update skips the vectors above the pivot.
-void getrf_d_columns(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// col[rows from k + 1] *= s, in place on a padded column from vector first.
+template <class T> void scale_below(T *col, int64_t ld, int64_t k, typename wide<T>::reg s)
 {
-    const int64_t ld = (n + 3) & ~int64_t(3);
-    alignas(32) double work[column_limit * column_limit];
+    using W = wide<T>;
+    const int64_t first = (k + 1) / W::lanes;
+    const auto below = W::rows(k + 1 - W::lanes * first, W::lanes);
+    for (int64_t v = first; v < ld / W::lanes; ++v) {
+        const auto c = W::load(col + W::lanes * v);
+        W::store(col + W::lanes * v, v == first ? W::blend(c, W::mul(c, s), below) : W::mul(c, s));
+    }
+}
+
+// Real LU with partial pivoting for 8 < n <= column_limit, right-looking on a copy with
+// zero-padded columns of whole aligned vectors; each update skips the vectors above the pivot.
+template <class T> void getrf_columns(int64_t n, T *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using W = wide<T>;
+    const int64_t ld = padded<T>(n), vectors = ld / W::lanes;
+    alignas(32) T work[column_limit * column_limit];
     copy_padded(n, a, lda, work, ld);
     for (int64_t k = 0; k < n; ++k) {
-        double *col = work + k * ld;
+        T *col = work + k * ld;
         const int64_t p = first_largest(col, ld, k);
         ipiv[k] = p + 1;
         if (p != k)
             for (int64_t j = 0; j < n; ++j)
                 std::swap(work[k + j * ld], work[p + j * ld]);
-        const double pivot = col[k];
-        if (pivot == 0.0 && *info == 0)
+        const T pivot = col[k];
+        if (pivot == T(0) && *info == 0)
             *info = k + 1;
-        const __m256d scale = _mm256_set1_pd(pivot != 0.0 ? 1.0 / pivot : 1.0);
-        const int64_t first = (k + 1) / 4;
-        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
-        for (int64_t v = first; v < ld / 4; ++v) {
-            const __m256d c = _mm256_load_pd(col + 4 * v);
-            _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
-        }
-        if (first == ld / 4) // the last row: nothing below
-            break;
-        const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
-        update_strips<false>(work, ld, n, k, first, lead, [n](int64_t) { return n; });
+        scale_below(col, ld, k, W::splat(pivot != T(0) ? T(1) / pivot : T(1)));
+        const int64_t first = (k + 1) / W::lanes;
+        const auto below = W::rows(k + 1 - W::lanes * first, W::lanes);
+        update_rows<false>(work, ld, k, first, vectors, k + 1, [n](int64_t) { return n; }, [&](int64_t v) {
+            const auto l = W::load(col + W::lanes * v);
+            return v == first ? W::keep(l, below) : l;
+        });
     }
     for (int64_t j = 0; j < n; ++j)
         std::copy(work + j * ld, work + j * ld + n, a + j * lda);
 }
 
-// Cholesky A = L*L^T for 8 < n <= column_limit, right-looking on a padded copy; only the lower
-// triangle goes back, and on a non-positive pivot only the finished columns and that pivot.
-void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
+// Real Cholesky A = L*L^T for 8 < n <= column_limit, right-looking on a padded copy; only the
+// lower triangle goes back, and on a non-positive pivot only the finished columns and that pivot.
+template <class T> void potrf_lower_columns(int64_t n, T *a, int64_t lda, int64_t *info)
 {
-    const int64_t ld = (n + 3) & ~int64_t(3);
-    alignas(32) double work[column_limit * column_limit];
+    using W = wide<T>;
+    const int64_t ld = padded<T>(n), vectors = ld / W::lanes;
+    alignas(32) T work[column_limit * column_limit];
     copy_padded(n, a, lda, work, ld);
     int64_t done = n;
     for (int64_t k = 0; k < n; ++k) {
-        double *col = work + k * ld;
-        const double d = col[k];
-        if (!(d > 0.0)) {
+        T *col = work + k * ld;
+        const T d = col[k];
+        if (!(d > T(0))) {
             done = k;
             break;
         }
         // The update takes a_ik * (a_jk / d) for l_ik * l_jk, so the next pivot waits for one
         // division; the column is scaled by 1/sqrt(d) after.
-        const int64_t first = (k + 1) / 4;
-        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
-        if (first < ld / 4) {
-            const __m256d lead = _mm256_and_pd(_mm256_load_pd(col + 4 * first), below);
-            update_strips<true>(work, ld, n, k, first, lead, [](int64_t v_end) { return 4 * v_end; }, 1.0 / d);
-        }
-        const double root = std::sqrt(d);
-        const __m256d scale = _mm256_set1_pd(1.0 / root);
-        for (int64_t v = first; v < ld / 4; ++v) {
-            const __m256d c = _mm256_load_pd(col + 4 * v);
-            _mm256_store_pd(col + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
-        }
+        const int64_t first = (k + 1) / W::lanes;
+        const auto below = W::rows(k + 1 - W::lanes * first, W::lanes);
+        update_rows<true>(work, ld, k, first, vectors, k + 1, [n](int64_t v_end) { return std::min(n, W::lanes * v_end); },
+                          [&](int64_t v) {
+                              const auto l = W::load(col + W::lanes * v);
+                              return v == first ? W::keep(l, below) : l;
+                          },
+                          T(1) / d);
+        const T root = std::sqrt(d);
+        scale_below(col, ld, k, W::splat(T(1) / root));
         col[k] = root;
     }
     for (int64_t j = 0; j < done; ++j)
@@ -455,65 +530,44 @@ void potrf_lower_d_columns(int64_t n, double *a, int64_t lda, int64_t *info)
     }
 }
 
-// target_j -= l * target_j[k] on the rows of vectors [v0, v1) for the columns j in [from, to),
-// with l's vectors from load_l(v).
-template <class LoadL>
-void update_rows(double *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from, int64_t to, LoadL load_l)
-{
-    for (int64_t v = v0; v < v1; v += 4) {
-        const int64_t count = std::min<int64_t>(4, v1 - v);
-        __m256d l[4];
-        for (int c = 0; c < 4; ++c)
-            l[c] = c < count ? load_l(v + c) : _mm256_setzero_pd();
-        switch (count) {
-        case 1: update_strip<1, false>(l, work, ld, k, v, from, to); break;
-        case 2: update_strip<2, false>(l, work, ld, k, v, from, to); break;
-        case 3: update_strip<3, false>(l, work, ld, k, v, from, to); break;
-        default: update_strip<4, false>(l, work, ld, k, v, from, to); break;
-        }
-    }
-}
-
-// Largest order of the padded inverse.
-constexpr int64_t inverse_column_limit = 64;
-
-// The inverse U^-1 * L^-1 * P^T for 8 < n <= inverse_column_limit from a padded copy of the
+// The real inverse U^-1 * L^-1 * P^T for 8 < n <= column_limit from a padded copy of the
 // factor: X = L^-1 (column j needs rows below j only), then X = D^-1 X and the unit upper
 // triangle D^-1 U solved in place, each step a strip of the factor's column held in registers
 // while X's columns stream past; the column interchanges become the store addresses.
-void inverse_d_columns(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
+template <class T> void inverse_columns(int64_t n, const T *a, int64_t lda, const int64_t *ipiv, T *inv, int64_t ldinv)
 {
-    const int64_t ld = (n + 3) & ~int64_t(3), vectors = ld / 4;
-    alignas(32) double f[inverse_column_limit * inverse_column_limit], x[inverse_column_limit * inverse_column_limit];
-    alignas(32) double scale[inverse_column_limit] = {};
+    using W = wide<T>;
+    const int64_t ld = padded<T>(n), vectors = ld / W::lanes;
+    alignas(32) T f[column_limit * column_limit], x[column_limit * column_limit];
+    alignas(32) T scale[column_limit] = {};
     copy_padded(n, a, lda, f, ld);
-    std::fill(x, x + ld * n, 0.0);
+    std::fill(x, x + ld * n, T(0));
     for (int64_t k = 0; k < n; ++k) {
-        scale[k] = 1.0 / f[k + k * ld];
-        x[k + k * ld] = 1.0;
+        scale[k] = T(1) / f[k + k * ld];
+        x[k + k * ld] = T(1);
     }
     for (int64_t k = 0; k + 1 < n; ++k) { // L^-1
-        const double *col = f + k * ld;
-        const int64_t first = (k + 1) / 4;
-        const __m256d below = y4::rows(static_cast<int>(k + 1 - 4 * first), 4, 0);
-        update_rows(x, ld, k, first, vectors, 0, k + 1, [&](int64_t v) {
-            const __m256d l = _mm256_load_pd(col + 4 * v);
-            return v == first ? _mm256_and_pd(l, below) : l;
+        const T *col = f + k * ld;
+        const int64_t first = (k + 1) / W::lanes;
+        const auto below = W::rows(k + 1 - W::lanes * first, W::lanes);
+        update_rows<false>(x, ld, k, first, vectors, 0, [k](int64_t) { return k + 1; }, [&](int64_t v) {
+            const auto l = W::load(col + W::lanes * v);
+            return v == first ? W::keep(l, below) : l;
         });
     }
     for (int64_t j = 0; j < n; ++j)
         for (int64_t v = 0; v < vectors; ++v)
-            _mm256_store_pd(x + j * ld + 4 * v, _mm256_mul_pd(_mm256_load_pd(x + j * ld + 4 * v), _mm256_load_pd(scale + 4 * v)));
+            W::store(x + j * ld + W::lanes * v, W::mul(W::load(x + j * ld + W::lanes * v), W::load(scale + W::lanes * v)));
     for (int64_t k = n - 1; k > 0; --k) { // (D^-1 U)^-1, unit diagonal
-        const double *col = f + k * ld;
-        const int64_t last = (k - 1) / 4; // the vector holding row k - 1
-        const __m256d above = y4::rows(0, static_cast<int>(k - 4 * last), 0);
-        update_rows(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
-            const __m256d u = _mm256_mul_pd(_mm256_load_pd(col + 4 * v), _mm256_load_pd(scale + 4 * v));
-            return v == last ? _mm256_and_pd(u, above) : u;
+        const T *col = f + k * ld;
+        const int64_t last = (k - 1) / W::lanes; // the vector holding row k - 1
+        const auto above = W::rows(0, k - W::lanes * last);
+        update_rows<false>(x, ld, k, 0, last + 1, 0, [n](int64_t) { return n; }, [&](int64_t v) {
+            const auto u = W::mul(W::load(col + W::lanes * v), W::load(scale + W::lanes * v));
+            return v == last ? W::keep(u, above) : u;
         });
     }
-    int64_t at[inverse_column_limit]; // at[c]: the column of x that ends in column c
+    int64_t at[column_limit]; // at[c]: the column of x that ends in column c
     inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
@@ -524,7 +578,7 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
     if (at_fixed_order(n, [&]<int N>() { getrf_d_registers<N>(a, lda, ipiv, info); }))
         return;
     if (n <= column_limit)
-        return getrf_d_columns(n, a, lda, ipiv, info);
+        return getrf_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
 }
 
@@ -533,7 +587,7 @@ void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
     if (at_fixed_order(n, [&]<int N>() { potrf_lower_d_registers<N>(a, lda, info); }))
         return;
     if (n <= column_limit)
-        return potrf_lower_d_columns(n, a, lda, info);
+        return potrf_lower_columns(n, a, lda, info);
     potrf_lower_loop(n, a, lda, info);
 }
 
@@ -541,9 +595,252 @@ void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, dou
 {
     if (at_fixed_order(n, [&]<int N>() { inverse_d_registers<N>(a, lda, ipiv, inv, ldinv); }))
         return;
-    if (n <= inverse_column_limit)
-        return inverse_d_columns(n, a, lda, ipiv, inv, ldinv);
+    if (n <= column_limit)
+        return inverse_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+// ---- single precision: a column of up to 8 floats in one register ----
+
+// Eight floats; lane masks come as bits and become blend masks (constants once the kernels are
+// unrolled). Partial columns go out in plain stores of halves, pairs and lanes.
+struct y8f {
+    using reg = __m256;
+    using scalar = float;
+    static reg mask(unsigned m)
+    {
+        const __m256i bit = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+        return _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_and_si256(_mm256_set1_epi32(static_cast<int>(m)), bit), bit));
+    }
+    static reg load(unsigned m, const float *p)
+    {
+        return (m & 0xFF) == 0xFF ? _mm256_loadu_ps(p) : _mm256_maskload_ps(p, _mm256_castps_si256(mask(m)));
+    }
+    // Lanes of m (a run of lanes, as the kernels ask) from the four lanes of x, at p.
+    static void store_quarter(float *p, __m128 x, unsigned m)
+    {
+        m &= 15;
+        if (m == 15) {
+            _mm_storeu_ps(p, x);
+            return;
+        }
+        for (int i = 0; i < 4; ++i) {
+            if ((m >> i & 3) == 3 && (i & 1) == 0) {
+                _mm_storel_pi(reinterpret_cast<__m64 *>(p + i), i == 0 ? x : _mm_movehl_ps(x, x));
+                ++i;
+            } else if (m >> i & 1) {
+                _mm_store_ss(p + i, _mm_permutevar_ps(x, _mm_set1_epi32(i)));
+            }
+        }
+    }
+    static void store(unsigned m, float *p, reg v)
+    {
+        if ((m & 0xFF) == 0xFF)
+            return _mm256_storeu_ps(p, v);
+        store_quarter(p, _mm256_castps256_ps128(v), m);
+        store_quarter(p + 4, _mm256_extractf128_ps(v, 1), m >> 4);
+    }
+    static reg abs(reg v) { return _mm256_andnot_ps(_mm256_set1_ps(-0.0f), v); }
+    static reg sign(reg v) { return _mm256_and_ps(v, _mm256_set1_ps(-0.0f)); }
+    static reg splat(float x) { return _mm256_set1_ps(x); }
+    static reg masked(unsigned m, reg v, reg fill) { return _mm256_blendv_ps(fill, v, mask(m)); }
+    static reg all_max(reg v)
+    {
+        v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
+        v = _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
+        return _mm256_max_ps(v, _mm256_permute_ps(v, 0xB1));
+    }
+    static unsigned equal(reg a, reg b) { return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ))); }
+    static reg lane(reg v, int k) { return _mm256_permutevar8x32_ps(v, _mm256_set1_epi32(k)); }
+    static __m256i swap_index(int k, int p)
+    {
+        const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+        const __m256i kv = _mm256_set1_epi32(k), pv = _mm256_set1_epi32(p);
+        const __m256i idx = _mm256_blendv_epi8(iota, pv, _mm256_cmpeq_epi32(iota, kv));
+        return _mm256_blendv_epi8(idx, kv, _mm256_cmpeq_epi32(iota, pv));
+    }
+    static reg permute(__m256i idx, reg v) { return _mm256_permutevar8x32_ps(v, idx); }
+    static reg mask_mul(reg v, unsigned m, reg s) { return _mm256_blendv_ps(v, _mm256_mul_ps(v, s), mask(m)); }
+    static reg mask_xor(reg v, unsigned m, reg s) { return _mm256_blendv_ps(v, _mm256_xor_ps(v, s), mask(m)); }
+    static reg mask_fnmadd(reg l, reg u, reg c, unsigned m) { return _mm256_blendv_ps(c, _mm256_fnmadd_ps(l, u, c), mask(m)); }
+    static reg fnmadd(reg l, reg u, reg c) { return _mm256_fnmadd_ps(l, u, c); }
+    static reg sqrt(reg v) { return _mm256_sqrt_ps(v); }
+    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
+    static reg div(reg a, reg b) { return _mm256_div_ps(a, b); }
+    static reg mask_div(reg v, unsigned m, reg s) { return _mm256_blendv_ps(v, _mm256_div_ps(v, s), mask(m)); }
+    static reg unit(int j) { return _mm256_and_ps(mask(1u << j), _mm256_set1_ps(1.0f)); }
+    static float first(reg v) { return _mm256_cvtss_f32(v); }
+};
+
+// Up to four single complex rows in one register, (re, im) lane pairs; masks are bits per row.
+struct y4c {
+    using reg = __m256;
+    using scalar = float;
+    static reg load(unsigned m, const float *p) { return y8f::load(pair_lanes(m & 15), p); }
+    static void store(unsigned m, float *p, reg v) { y8f::store(pair_lanes(m & 15), p, v); }
+    static reg abs(reg v) { return y8f::abs(v); }
+    static reg swap_pairs(reg v) { return _mm256_permute_ps(v, 0xB1); }
+    static reg pair_sum(reg v) { return _mm256_add_ps(v, swap_pairs(v)); }
+    static reg splat(float x) { return _mm256_set1_ps(x); }
+    static reg masked(unsigned m, reg v, reg fill) { return y8f::masked(pair_lanes(m & 15), v, fill); }
+    static reg all_max(reg v)
+    {
+        v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
+        return _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
+    }
+    // Rows whose size equals the largest.
+    static unsigned equal(reg a, reg b) { return _pext_u32(y8f::equal(a, b), 0x55); }
+    static reg re(reg v, int k) { return y8f::lane(v, 2 * k); }
+    static reg im(reg v, int k) { return y8f::lane(v, 2 * k + 1); }
+    static std::complex<float> element(reg v, int k) { return {_mm256_cvtss_f32(re(v, k)), _mm256_cvtss_f32(im(v, k))}; }
+    static __m256i swap_index(int k, int p)
+    {
+        const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), row = _mm256_srli_epi32(iota, 1);
+        const __m256i idx = _mm256_blendv_epi8(iota, _mm256_add_epi32(iota, _mm256_set1_epi32(2 * (p - k))),
+                                               _mm256_cmpeq_epi32(row, _mm256_set1_epi32(k)));
+        return _mm256_blendv_epi8(idx, _mm256_add_epi32(iota, _mm256_set1_epi32(2 * (k - p))),
+                                  _mm256_cmpeq_epi32(row, _mm256_set1_epi32(p)));
+    }
+    static reg permute(__m256i idx, reg v) { return _mm256_permutevar8x32_ps(v, idx); }
+    static reg negate_odd(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f)); }
+    static reg negate_even(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f)); }
+    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
+    static reg div(reg a, reg b) { return _mm256_div_ps(a, b); }
+    // x * s on the rows of m, s given as its parts in every lane.
+    static reg mask_scale_by(reg x, unsigned m, reg s_re, reg s_im)
+    {
+        return masked(m, _mm256_fmaddsub_ps(x, s_re, _mm256_mul_ps(swap_pairs(x), s_im)), x);
+    }
+    static reg mask_scale(reg x, unsigned m, std::complex<float> s)
+    {
+        return mask_scale_by(x, m, _mm256_set1_ps(s.real()), _mm256_set1_ps(s.imag()));
+    }
+    // x - l*u for u given as (re in every lane, (im, -im) pairs), l's swapped copy at hand.
+    static reg minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt)
+    {
+        return _mm256_fmadd_ps(ls, u_im_alt, _mm256_fnmadd_ps(l, u_re, x));
+    }
+    static reg mask_minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt, unsigned m)
+    {
+        return masked(m, minus_product(x, l, ls, u_re, u_im_alt), x);
+    }
+    static reg mask_div(reg v, unsigned m, reg s) { return masked(m, _mm256_div_ps(v, s), v); }
+    static reg with_real(reg v, int k, float x) { return masked(1u << k, _mm256_setr_ps(x, 0.0f, x, 0.0f, x, 0.0f, x, 0.0f), v); }
+    static reg unit(int j) { return y8f::unit(2 * j); }
+};
+
+// Up to eight single complex rows in two registers: rows 0-3 in lo, 4-7 in hi. An interchange
+// across the halves takes both permutes and a blend.
+struct y8c {
+    struct reg {
+        __m256 lo, hi;
+    };
+    struct interchange {
+        __m256i lo, hi; // source lane (0-15) of each lane
+    };
+    using scalar = float;
+    static reg both(__m256 x) { return {x, x}; }
+    static reg load(unsigned m, const float *p) { return {y4c::load(m, p), y4c::load(m >> 4, p + 8)}; }
+    static void store(unsigned m, float *p, reg v)
+    {
+        y4c::store(m, p, v.lo);
+        y4c::store(m >> 4, p + 8, v.hi);
+    }
+    static reg abs(reg v) { return {y4c::abs(v.lo), y4c::abs(v.hi)}; }
+    static reg swap_pairs(reg v) { return {y4c::swap_pairs(v.lo), y4c::swap_pairs(v.hi)}; }
+    static reg pair_sum(reg v) { return {y4c::pair_sum(v.lo), y4c::pair_sum(v.hi)}; }
+    static reg splat(float x) { return both(_mm256_set1_ps(x)); }
+    static reg masked(unsigned m, reg v, reg fill) { return {y4c::masked(m, v.lo, fill.lo), y4c::masked(m >> 4, v.hi, fill.hi)}; }
+    static reg all_max(reg v) { return both(y4c::all_max(_mm256_max_ps(v.lo, v.hi))); }
+    static unsigned equal(reg a, reg b) { return y4c::equal(a.lo, b.lo) | y4c::equal(a.hi, b.hi) << 4; }
+    static reg re(reg v, int k) { return both(k < 4 ? y4c::re(v.lo, k) : y4c::re(v.hi, k - 4)); }
+    static reg im(reg v, int k) { return both(k < 4 ? y4c::im(v.lo, k) : y4c::im(v.hi, k - 4)); }
+    static std::complex<float> element(reg v, int k) { return k < 4 ? y4c::element(v.lo, k) : y4c::element(v.hi, k - 4); }
+    static interchange swap_index(int k, int p)
+    {
+        auto half = [k, p](int first) {
+            const __m256i lane = _mm256_add_epi32(_mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), _mm256_set1_epi32(first));
+            const __m256i row = _mm256_srli_epi32(lane, 1);
+            const __m256i idx = _mm256_blendv_epi8(lane, _mm256_add_epi32(lane, _mm256_set1_epi32(2 * (p - k))),
+                                                   _mm256_cmpeq_epi32(row, _mm256_set1_epi32(k)));
+            return _mm256_blendv_epi8(idx, _mm256_add_epi32(lane, _mm256_set1_epi32(2 * (k - p))),
+                                      _mm256_cmpeq_epi32(row, _mm256_set1_epi32(p)));
+        };
+        return {half(0), half(8)};
+    }
+    static reg permute(const interchange &s, reg v)
+    {
+        auto half = [&v](__m256i idx) {
+            const __m256 from_hi = _mm256_castsi256_ps(_mm256_cmpgt_epi32(idx, _mm256_set1_epi32(7)));
+            return _mm256_blendv_ps(_mm256_permutevar8x32_ps(v.lo, idx), _mm256_permutevar8x32_ps(v.hi, idx), from_hi);
+        };
+        return {half(s.lo), half(s.hi)};
+    }
+    static reg negate_odd(reg v) { return {y4c::negate_odd(v.lo), y4c::negate_odd(v.hi)}; }
+    static reg negate_even(reg v) { return {y4c::negate_even(v.lo), y4c::negate_even(v.hi)}; }
+    static reg mul(reg a, reg b) { return {_mm256_mul_ps(a.lo, b.lo), _mm256_mul_ps(a.hi, b.hi)}; }
+    static reg div(reg a, reg b) { return {_mm256_div_ps(a.lo, b.lo), _mm256_div_ps(a.hi, b.hi)}; }
+    static reg mask_scale_by(reg x, unsigned m, reg s_re, reg s_im)
+    {
+        return {y4c::mask_scale_by(x.lo, m & 15, s_re.lo, s_im.lo), y4c::mask_scale_by(x.hi, m >> 4, s_re.hi, s_im.hi)};
+    }
+    static reg mask_scale(reg x, unsigned m, std::complex<float> s)
+    {
+        return {y4c::mask_scale(x.lo, m & 15, s), y4c::mask_scale(x.hi, m >> 4, s)};
+    }
+    static reg minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt)
+    {
+        return {y4c::minus_product(x.lo, l.lo, ls.lo, u_re.lo, u_im_alt.lo), y4c::minus_product(x.hi, l.hi, ls.hi, u_re.hi, u_im_alt.hi)};
+    }
+    static reg mask_minus_product(reg x, reg l, reg ls, reg u_re, reg u_im_alt, unsigned m)
+    {
+        return {y4c::mask_minus_product(x.lo, l.lo, ls.lo, u_re.lo, u_im_alt.lo, m & 15),
+                y4c::mask_minus_product(x.hi, l.hi, ls.hi, u_re.hi, u_im_alt.hi, m >> 4)};
+    }
+    static reg mask_div(reg v, unsigned m, reg s) { return {y4c::mask_div(v.lo, m & 15, s.lo), y4c::mask_div(v.hi, m >> 4, s.hi)}; }
+    static reg with_real(reg v, int k, float x)
+    {
+        return k < 4 ? reg{y4c::with_real(v.lo, k, x), v.hi} : reg{v.lo, y4c::with_real(v.hi, k - 4, x)};
+    }
+    static reg unit(int j) { return j < 4 ? reg{y4c::unit(j), _mm256_setzero_ps()} : reg{_mm256_setzero_ps(), y4c::unit(j - 4)}; }
+};
+
+// The single complex register kernels' vectors: one register to 4 rows, two above.
+template <int N> using complex_float_vector = std::conditional_t<(N <= 4), y4c, y8c>;
+
+// The register kernels up to 8 (computed in float, so pivots and statuses are float LAPACK's),
+// the padded ones to 64, the loops above.
+void getrf_s(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    if (at_fixed_order(n, [&]<int N>() { getrf_registers<N, y8f>(a, lda, ipiv, info); }))
+        return;
+    if (n <= column_limit)
+        return getrf_columns(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_s(int64_t n, float *a, int64_t lda, int64_t *info)
+{
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_registers<N, y8f>(a, lda, info); }))
+        return;
+    if (n <= column_limit)
+        return potrf_lower_columns(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_s(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, float *inv, int64_t ldinv)
+{
+    if (at_fixed_order(n, [&]<int N>() { inverse_registers<N, y8f>(a, lda, ipiv, inv, ldinv); }))
+        return;
+    if (n <= column_limit)
+        return inverse_columns(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
+{
+    return {getrf_s, potrf_lower_s, potrf_upper_loop<float>, getrs_loop<float>, inverse_s,
+            getrf_limit, potrf_limit, inverse_limit};
 }
 
 // ---- complex double: a vector holds two (re, im) pairs ----
@@ -877,70 +1174,154 @@ template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t l
         z2::store<N>(ad + 2 * j * lda, col[j], j);
 }
 
-void copy_padded(int64_t n, const std::complex<double> *a, int64_t lda, std::complex<double> *work, int64_t ld)
-{
-    for (int64_t j = 0; j < n; ++j) {
-        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
-        std::fill(work + j * ld + n, work + (j + 1) * ld, std::complex<double>(0.0));
+// Whole vectors of complex rows for the padded-copy kernels: two (re, im) pairs of doubles or
+// four of floats.
+template <class R> struct wide_complex;
+template <> struct wide_complex<double> {
+    using reg = __m256d;
+    static constexpr int64_t rows_per = 2;
+    static reg load(const double *p) { return _mm256_load_pd(p); }
+    static void store(double *p, reg v) { _mm256_store_pd(p, v); }
+    static reg zero() { return _mm256_setzero_pd(); }
+    static reg splat(double x) { return _mm256_set1_pd(x); }
+    static reg keep(reg v, reg mask) { return _mm256_and_pd(v, mask); }
+    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_pd(a, b, mask); }
+    static reg mul(reg a, reg b) { return _mm256_mul_pd(a, b); }
+    static reg fmadd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
+    static reg swap(reg x) { return z2::swap(x); }
+    static reg alternate(double im) { return z2::alternate(im); }
+    static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return z2::minus_product(x, l, ls, c, d_alt); }
+    static reg rows(int64_t first, int64_t last, int64_t r) { return z2::rows(first, last, r); }
+};
+template <> struct wide_complex<float> {
+    using reg = __m256;
+    static constexpr int64_t rows_per = 4;
+    static reg load(const float *p) { return _mm256_load_ps(p); }
+    static void store(float *p, reg v) { _mm256_store_ps(p, v); }
+    static reg zero() { return _mm256_setzero_ps(); }
+    static reg splat(float x) { return _mm256_set1_ps(x); }
+    static reg keep(reg v, reg mask) { return _mm256_and_ps(v, mask); }
+    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_ps(a, b, mask); }
+    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
+    static reg fmadd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
+    static reg swap(reg x) { return _mm256_permute_ps(x, 0xB1); }
+    static reg alternate(float im) { return _mm256_setr_ps(-im, im, -im, im, -im, im, -im, im); }
+    static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return _mm256_fnmadd_ps(ls, d_alt, _mm256_fnmadd_ps(l, c, x)); }
+    static reg rows(int64_t first, int64_t last, int64_t r)
+    {
+        const float row = static_cast<float>(4 * r);
+        const __m256 i = _mm256_setr_ps(row, row, row + 1, row + 1, row + 2, row + 2, row + 3, row + 3);
+        return _mm256_and_ps(_mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(first)), _CMP_GE_OQ),
+                             _mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(last)), _CMP_LT_OQ));
     }
+};
+
+// x * s for a complex scalar s.
+template <class R> typename wide_complex<R>::reg scale_complex(typename wide_complex<R>::reg x, std::complex<R> s)
+{
+    using W = wide_complex<R>;
+    return W::fmadd(W::swap(x), W::alternate(s.imag()), W::mul(x, W::splat(s.real())));
 }
 
 // target_j -= l * u_j on the complex rows of vectors [v, v + C) for the columns j in [from, to),
 // u_j = target_j[k] (LU, the inverse) or conj(l_j) from column k itself (Cholesky).
-template <int C, bool Cholesky>
-void update_strip_z(const __m256d *l, std::complex<double> *work, int64_t ld, int64_t k, int64_t v, int64_t from,
-                    int64_t to, double u_scale)
+template <int C, bool Cholesky, class R>
+void update_strip_complex(const typename wide_complex<R>::reg *l, std::complex<R> *work, int64_t ld, int64_t k, int64_t v,
+                          int64_t from, int64_t to, R u_scale)
 {
-    __m256d ls[C];
+    using W = wide_complex<R>;
+    constexpr int64_t lanes = 2 * W::rows_per;
+    typename W::reg ls[C];
 #pragma GCC unroll 4
     for (int c = 0; c < C; ++c)
-        ls[c] = z2::swap(l[c]);
-    for (int64_t j = from; j < to; ++j) {
-        double *target = reinterpret_cast<double *>(work + j * ld) + 4 * v;
-        const std::complex<double> u = Cholesky ? std::conj(work[k * ld + j]) * u_scale : work[j * ld + k];
-        const __m256d c_re = _mm256_set1_pd(u.real()), d_alt = z2::alternate(u.imag());
+        ls[c] = W::swap(l[c]);
+    // Cholesky: the columns j in [j0, j1) on vectors [c0, C) of the strip.
+    auto columns = [&]<int c0>(int64_t j0, int64_t j1) {
+        for (int64_t j = j0; j < j1; ++j) {
+            R *target = reinterpret_cast<R *>(work + j * ld) + lanes * v;
+            const std::complex<R> u = std::conj(work[k * ld + j]) * u_scale;
+            const auto c_re = W::splat(u.real()), d_alt = W::alternate(u.imag());
 #pragma GCC unroll 4
-        for (int c = 0; c < C; ++c)
-            if (!Cholesky || 2 * (v + c + 1) > j) // Cholesky: only the vectors that hold rows from j down
-                _mm256_store_pd(target + 4 * c, z2::minus_product(_mm256_load_pd(target + 4 * c), l[c], ls[c], c_re, d_alt));
+            for (int c = c0; c < C; ++c)
+                W::store(target + lanes * c, W::minus_product(W::load(target + lanes * c), l[c], ls[c], c_re, d_alt));
+        }
+    };
+    if constexpr (Cholesky) { // only the vectors that hold rows from j down: one fewer past each vector's end
+        [&]<int... c0>(std::integer_sequence<int, c0...>) {
+            (columns.template operator()<c0>(c0 == 0 ? from : std::max(from, W::rows_per * (v + c0)),
+                                             std::min(to, W::rows_per * (v + c0 + 1))),
+             ...);
+        }(std::make_integer_sequence<int, C>());
+    } else {
+        for (int64_t j = from; j < to; ++j) {
+            R *target = reinterpret_cast<R *>(work + j * ld) + lanes * v;
+            const std::complex<R> u = work[j * ld + k];
+            const auto c_re = W::splat(u.real()), d_alt = W::alternate(u.imag());
+#pragma GCC unroll 4
+            for (int c = 0; c < C; ++c)
+                W::store(target + lanes * c, W::minus_product(W::load(target + lanes * c), l[c], ls[c], c_re, d_alt));
+        }
     }
 }
 
-template <bool Cholesky, class LoadL>
-void update_rows_z(std::complex<double> *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from,
-                   int64_t to, LoadL load_l, double u_scale = 1.0)
+template <bool Cholesky, class R, class LoadL>
+void update_rows_complex(std::complex<R> *work, int64_t ld, int64_t k, int64_t v0, int64_t v1, int64_t from, int64_t to,
+                         LoadL load_l, R u_scale = R(1))
 {
+    using W = wide_complex<R>;
     for (int64_t v = v0; v < v1; v += 4) {
         const int64_t count = std::min<int64_t>(4, v1 - v);
-        const int64_t last = Cholesky ? std::min<int64_t>(to, 2 * (v + count)) : to; // Cholesky: rows from j down
-        __m256d l[4];
+        const int64_t last = Cholesky ? std::min<int64_t>(to, W::rows_per * (v + count)) : to; // Cholesky: rows from j down
+        typename W::reg l[4];
         for (int c = 0; c < 4; ++c)
-            l[c] = c < count ? load_l(v + c) : _mm256_setzero_pd();
+            l[c] = c < count ? load_l(v + c) : W::zero();
         switch (count) {
-        case 1: update_strip_z<1, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
-        case 2: update_strip_z<2, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
-        case 3: update_strip_z<3, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
-        default: update_strip_z<4, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        case 1: update_strip_complex<1, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        case 2: update_strip_complex<2, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        case 3: update_strip_complex<3, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
+        default: update_strip_complex<4, Cholesky>(l, work, ld, k, v, from, last, u_scale); break;
         }
     }
 }
 
 constexpr int64_t complex_limit = 32;
 
-// Complex double LU with partial pivoting for n <= complex_limit on a padded copy: the pivot is
-// the first largest |re|+|im|, the column scaled by its reciprocal, as LAPACK does.
-void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// The leading dimension of a padded complex copy: whole vectors.
+template <class R> constexpr int64_t padded_complex(int64_t n)
 {
-    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
-    alignas(32) double storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
-    std::complex<double> *work = reinterpret_cast<std::complex<double> *>(storage);
+    return (n + wide_complex<R>::rows_per - 1) & ~(wide_complex<R>::rows_per - 1);
+}
+
+// The multipliers of column k below row k from a padded column's vector v (first: the one that
+// holds row k + 1).
+template <class R> auto below_loader(const R *cd, int64_t k)
+{
+    using W = wide_complex<R>;
+    const int64_t first = (k + 1) / W::rows_per;
+    const auto below = W::rows(k + 1, (first + 1) * W::rows_per, first);
+    return [cd, first, below](int64_t v) {
+        const auto l = W::load(cd + 2 * W::rows_per * v);
+        return v == first ? W::keep(l, below) : l;
+    };
+}
+
+// Complex LU with partial pivoting for n <= complex_limit on a padded copy: the pivot is the
+// first largest |re|+|im|, the column scaled by its reciprocal, as LAPACK does.
+template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using W = wide_complex<R>;
+    using T = std::complex<R>;
+    constexpr int64_t lanes = 2 * W::rows_per;
+    const int64_t ld = padded_complex<R>(n), vectors = ld / W::rows_per;
+    alignas(32) R storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    T *work = reinterpret_cast<T *>(storage);
     copy_padded(n, a, lda, work, ld);
     for (int64_t k = 0; k < n; ++k) {
-        std::complex<double> *col = work + k * ld;
+        T *col = work + k * ld;
         int64_t p = k;
-        double best = std::abs(col[k].real()) + std::abs(col[k].imag());
+        R best = std::abs(col[k].real()) + std::abs(col[k].imag());
         for (int64_t i = k + 1; i < n; ++i) {
-            const double size = std::abs(col[i].real()) + std::abs(col[i].imag());
+            const R size = std::abs(col[i].real()) + std::abs(col[i].imag());
             if (size > best)
                 best = size, p = i;
         }
@@ -948,21 +1329,18 @@ void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *i
         if (p != k)
             for (int64_t j = 0; j < n; ++j)
                 std::swap(work[k + j * ld], work[p + j * ld]);
-        const std::complex<double> pivot = col[k];
-        if (pivot == 0.0 && *info == 0)
+        const T pivot = col[k];
+        if (pivot == R(0) && *info == 0)
             *info = k + 1;
-        const std::complex<double> r = pivot != 0.0 ? reciprocal(pivot) : std::complex<double>(1.0);
-        const int64_t first = (k + 1) / 2;
-        const __m256d below = z2::rows(k + 1, ld, first);
-        double *cd = reinterpret_cast<double *>(col);
+        const T r = pivot != R(0) ? reciprocal(pivot) : T(1);
+        const int64_t first = (k + 1) / W::rows_per;
+        const auto below = W::rows(k + 1, ld, first);
+        R *cd = reinterpret_cast<R *>(col);
         for (int64_t v = first; v < vectors; ++v) {
-            const __m256d c = _mm256_load_pd(cd + 4 * v);
-            _mm256_store_pd(cd + 4 * v, v == first ? _mm256_blendv_pd(c, z2::scale(c, r), below) : z2::scale(c, r));
+            const auto c = W::load(cd + lanes * v);
+            W::store(cd + lanes * v, v == first ? W::blend(c, scale_complex(c, r), below) : scale_complex(c, r));
         }
-        update_rows_z<false>(work, ld, k, first, vectors, k + 1, n, [&](int64_t v) {
-            const __m256d l = _mm256_load_pd(cd + 4 * v);
-            return v == first ? _mm256_and_pd(l, below) : l;
-        });
+        update_rows_complex<false>(work, ld, k, first, vectors, k + 1, n, below_loader(cd, k));
     }
     for (int64_t j = 0; j < n; ++j)
         std::copy(work + j * ld, work + j * ld + n, a + j * lda);
@@ -970,34 +1348,34 @@ void getrf_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *i
 
 // Complex Cholesky A = L*L^H for n <= complex_limit on a padded copy; only the lower triangle
 // goes back (real diagonal), and on a non-positive pivot only the finished columns and it.
-void potrf_lower_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int64_t *info)
+template <class R> void potrf_lower_complex_columns(int64_t n, std::complex<R> *a, int64_t lda, int64_t *info)
 {
-    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
-    alignas(32) double storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
-    std::complex<double> *work = reinterpret_cast<std::complex<double> *>(storage);
+    using W = wide_complex<R>;
+    using T = std::complex<R>;
+    constexpr int64_t lanes = 2 * W::rows_per;
+    const int64_t ld = padded_complex<R>(n), vectors = ld / W::rows_per;
+    alignas(32) R storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    T *work = reinterpret_cast<T *>(storage);
     copy_padded(n, a, lda, work, ld);
     int64_t done = n;
     for (int64_t k = 0; k < n; ++k) {
-        std::complex<double> *col = work + k * ld;
-        const double d = col[k].real();
-        if (!(d > 0.0)) {
+        T *col = work + k * ld;
+        const R d = col[k].real();
+        if (!(d > R(0))) {
             col[k] = d;
             done = k;
             break;
         }
         // As in the real kernel: the update divides by d, the column is scaled after.
-        const int64_t first = (k + 1) / 2;
-        const __m256d below = z2::rows(k + 1, ld, first);
-        double *cd = reinterpret_cast<double *>(col);
-        update_rows_z<true>(work, ld, k, first, vectors, k + 1, n, [&](int64_t v) {
-            const __m256d l = _mm256_load_pd(cd + 4 * v);
-            return v == first ? _mm256_and_pd(l, below) : l;
-        }, 1.0 / d);
-        const double root = std::sqrt(d);
-        const __m256d scale = _mm256_set1_pd(1.0 / root);
+        const int64_t first = (k + 1) / W::rows_per;
+        const auto below = W::rows(k + 1, ld, first);
+        R *cd = reinterpret_cast<R *>(col);
+        update_rows_complex<true>(work, ld, k, first, vectors, k + 1, n, below_loader(cd, k), R(1) / d);
+        const R root = std::sqrt(d);
+        const auto scale = W::splat(R(1) / root);
         for (int64_t v = first; v < vectors; ++v) {
-            const __m256d c = _mm256_load_pd(cd + 4 * v);
-            _mm256_store_pd(cd + 4 * v, v == first ? _mm256_blendv_pd(c, _mm256_mul_pd(c, scale), below) : _mm256_mul_pd(c, scale));
+            const auto c = W::load(cd + lanes * v);
+            W::store(cd + lanes * v, v == first ? W::blend(c, W::mul(c, scale), below) : W::mul(c, scale));
         }
         col[k] = root;
     }
@@ -1012,54 +1390,87 @@ void potrf_lower_z_columns(int64_t n, std::complex<double> *a, int64_t lda, int6
 }
 
 // The complex inverse U^-1 * L^-1 * P^T for n <= complex_limit from a padded copy of the
-// factor, as inverse_d_columns forms it.
-void inverse_z_columns(int64_t n, const std::complex<double> *a, int64_t lda, const int64_t *ipiv,
-                       std::complex<double> *inv, int64_t ldinv)
+// factor, as inverse_columns forms it.
+template <class R>
+void inverse_complex_columns(int64_t n, const std::complex<R> *a, int64_t lda, const int64_t *ipiv, std::complex<R> *inv,
+                             int64_t ldinv)
 {
-    using zd = std::complex<double>;
-    const int64_t ld = (n + 1) & ~int64_t(1), vectors = ld / 2;
-    alignas(32) double storage[4 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
-    zd *f = reinterpret_cast<zd *>(storage), *x = f + complex_limit * complex_limit;
-    alignas(32) double scale_re[2 * complex_limit] = {}, scale_alt[2 * complex_limit] = {};
+    using W = wide_complex<R>;
+    using T = std::complex<R>;
+    constexpr int64_t lanes = 2 * W::rows_per;
+    const int64_t ld = padded_complex<R>(n), vectors = ld / W::rows_per;
+    alignas(32) R storage[4 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
+    T *f = reinterpret_cast<T *>(storage), *x = f + complex_limit * complex_limit;
+    alignas(32) R scale_re[2 * complex_limit] = {}, scale_alt[2 * complex_limit] = {};
     copy_padded(n, a, lda, f, ld);
-    std::fill(x, x + ld * n, zd(0.0));
+    std::fill(x, x + ld * n, T(0));
     for (int64_t k = 0; k < n; ++k) {
-        const zd s = reciprocal(f[k + k * ld]);
+        const T s = reciprocal(f[k + k * ld]);
         scale_re[2 * k] = scale_re[2 * k + 1] = s.real();
         scale_alt[2 * k] = -s.imag(), scale_alt[2 * k + 1] = s.imag();
-        x[k + k * ld] = 1.0;
+        x[k + k * ld] = R(1);
     }
     // x * s row by row, s held as (re, re) and (-im, im) pairs.
-    auto times_scale = [&](__m256d v, int64_t r) {
-        return _mm256_fmadd_pd(z2::swap(v), _mm256_load_pd(scale_alt + 4 * r), _mm256_mul_pd(v, _mm256_load_pd(scale_re + 4 * r)));
+    auto times_scale = [&](typename W::reg v, int64_t r) {
+        return W::fmadd(W::swap(v), W::load(scale_alt + lanes * r), W::mul(v, W::load(scale_re + lanes * r)));
     };
-    for (int64_t k = 0; k + 1 < n; ++k) { // L^-1
-        const double *cd = reinterpret_cast<const double *>(f + k * ld);
-        const int64_t first = (k + 1) / 2;
-        const __m256d below = z2::rows(k + 1, ld, first);
-        update_rows_z<false>(x, ld, k, first, vectors, 0, k + 1, [&](int64_t v) {
-            const __m256d l = _mm256_load_pd(cd + 4 * v);
-            return v == first ? _mm256_and_pd(l, below) : l;
-        });
-    }
+    for (int64_t k = 0; k + 1 < n; ++k) // L^-1
+        update_rows_complex<false>(x, ld, k, (k + 1) / W::rows_per, vectors, 0, k + 1,
+                                   below_loader(reinterpret_cast<const R *>(f + k * ld), k));
     for (int64_t j = 0; j < n; ++j) {
-        double *xd = reinterpret_cast<double *>(x + j * ld);
+        R *xd = reinterpret_cast<R *>(x + j * ld);
         for (int64_t v = 0; v < vectors; ++v)
-            _mm256_store_pd(xd + 4 * v, times_scale(_mm256_load_pd(xd + 4 * v), v));
+            W::store(xd + lanes * v, times_scale(W::load(xd + lanes * v), v));
     }
     for (int64_t k = n - 1; k > 0; --k) { // (D^-1 U)^-1, unit diagonal
-        const double *cd = reinterpret_cast<const double *>(f + k * ld);
-        const int64_t last = (k - 1) / 2;
-        const __m256d above = z2::rows(0, k, last);
-        update_rows_z<false>(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
-            const __m256d u = times_scale(_mm256_load_pd(cd + 4 * v), v);
-            return v == last ? _mm256_and_pd(u, above) : u;
+        const R *cd = reinterpret_cast<const R *>(f + k * ld);
+        const int64_t last = (k - 1) / W::rows_per;
+        const auto above = W::rows(0, k, last);
+        update_rows_complex<false>(x, ld, k, 0, last + 1, 0, n, [&](int64_t v) {
+            const auto u = times_scale(W::load(cd + lanes * v), v);
+            return v == last ? W::keep(u, above) : u;
         });
     }
     int64_t at[complex_limit];
     inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+}
+
+// Single complex: the register kernels up to 8, the padded ones above.
+void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    if (at_fixed_order(n, [&]<int N>() { getrf_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, info); }))
+        return;
+    if (n <= complex_limit)
+        return getrf_complex_columns(n, a, lda, ipiv, info);
+    getrf_loop(n, a, lda, ipiv, info);
+}
+
+void potrf_lower_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *info)
+{
+    if (at_fixed_order(n, [&]<int N>() { potrf_lower_complex_registers<N, complex_float_vector<N>>(a, lda, info); }))
+        return;
+    if (n <= complex_limit)
+        return potrf_lower_complex_columns(n, a, lda, info);
+    potrf_lower_loop(n, a, lda, info);
+}
+
+void inverse_c(int64_t n, const std::complex<float> *a, int64_t lda, const int64_t *ipiv, std::complex<float> *inv,
+               int64_t ldinv)
+{
+    if (at_fixed_order(n, [&]<int N>() { inverse_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, inv, ldinv); }))
+        return;
+    if (n <= complex_limit)
+        return inverse_complex_columns(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
+constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_limit, int64_t potrf_limit,
+                                                                 int64_t inverse_limit)
+{
+    return {getrf_c, potrf_lower_c, potrf_upper_loop<std::complex<float>>, getrs_loop<std::complex<float>>, inverse_c,
+            getrf_limit, potrf_limit, inverse_limit};
 }
 
 // The register kernels up to 8; the padded ones from the orders where they beat the fixed-order
@@ -1069,7 +1480,7 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
     if (at_fixed_order(n, [&]<int N>() { getrf_z_registers<N>(a, lda, ipiv, info); }))
         return;
     if (n <= complex_limit)
-        return getrf_z_columns(n, a, lda, ipiv, info);
+        return getrf_complex_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
 }
 
@@ -1080,7 +1491,7 @@ void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *inf
     if (n <= 16)
         return potrf_lower_small(n, a, lda, info);
     if (n <= complex_limit)
-        return potrf_lower_z_columns(n, a, lda, info);
+        return potrf_lower_complex_columns(n, a, lda, info);
     potrf_lower_loop(n, a, lda, info);
 }
 
@@ -1090,7 +1501,7 @@ void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int6
     if (at_fixed_order(n, [&]<int N>() { inverse_z_registers<N>(a, lda, ipiv, inv, ldinv); }))
         return;
     if (n <= complex_limit)
-        return inverse_z_columns(n, a, lda, ipiv, inv, ldinv);
+        return inverse_complex_columns(n, a, lda, ipiv, inv, ldinv);
     inverse_loop(n, a, lda, ipiv, inv, ldinv);
 }
 
@@ -1114,12 +1525,11 @@ namespace zel::dense {
 
 // Orders up to which each kernel beats OpenBLAS (getrf, potrf, inverse), measured with `zel bench
 // dense` on an AMD EPYC lowered to AVX2, the peer on OpenBLAS 0.3.21's Haswell kernels:
-//   d  getrf 64 (1.7x there), potrf 56 (1.25x at 56, 0.9x at 64), inverse 64 (1.6x or more);
-//   z  getrf 32 (1.9x), potrf 32 (1.35x), inverse 32 (1.8x); at 64 the kernels are OpenBLAS's.
-// s and c keep the portable loops' limits, which hold there too: s getrf 1.75x at 32, potrf
-// 1.7x at 8 (1.0x at 16), inverse 1.35x at 32; c getrf 1.8x at 32, potrf 1.85x at 16 (1.0x at
-// 32), inverse 1.1x at 32.
-const small_set small_set_avx2 = {avx2::table<float>(32, 8, 32), avx2::double_table(64, 56, 64),
-                                  avx2::table<std::complex<float>>(32, 16, 32), avx2::complex_double_table(32, 32, 32)};
+//   d  getrf 64 (1.7x there), potrf 56 (1.25x at 56, 0.9x at 64), inverse 64 (1.5x or more);
+//   z  getrf 32 (1.9x), potrf 32 (1.3x), inverse 32 (1.8x); at 64 the kernels are OpenBLAS's;
+//   s  getrf 64 (1.9x), potrf 56 (1.3x at 56, 1.0x at 64), inverse 64 (3x);
+//   c  getrf 32 (2.7x), potrf 32 (1.9x), inverse 32 (4x); the padded copies stop at 32.
+const small_set small_set_avx2 = {avx2::float_table(64, 56, 64), avx2::double_table(64, 56, 64),
+                                  avx2::complex_float_table(32, 32, 32), avx2::complex_double_table(32, 32, 32)};
 
 } // namespace zel::dense
