@@ -435,6 +435,66 @@ template <class T, int KC> struct column_rows {
     }
 };
 
+// E vectors of E reals each transposed in log2(E) rounds of interleaving rows i and i + E/2.
+template <class V, int E, size_t... L> ZEL_SWEEP_INLINE void transpose_square(V *v, std::index_sequence<L...>)
+{
+    if constexpr (E > 1) {
+#pragma GCC unroll 4
+        for (int round = 1; round < E; round *= 2) {
+            V out[E];
+#pragma GCC unroll 16
+            for (int i = 0; i < E / 2; ++i) {
+                out[2 * i] = __builtin_shufflevector(v[i], v[i + E / 2], (L % 2 == 0 ? L / 2 : E + L / 2)...);
+                out[2 * i + 1] =
+                    __builtin_shufflevector(v[i], v[i + E / 2], (L % 2 == 0 ? E / 2 + L / 2 : E + E / 2 + L / 2)...);
+            }
+#pragma GCC unroll 16
+            for (int i = 0; i < E; ++i)
+                v[i] = out[i];
+        }
+    }
+}
+
+// Rows r … r+each−1 of real right-hand sides at once: a vector down each column, transposed
+// in registers a square of columns at a time (rather than each value loaded on its own).
+template <class T, int KC> struct column_squares {
+    using L = lanes<T, KC>;
+    using V = typename L::vec;
+    static constexpr int each = L::bytes / int(sizeof(T));
+    static_assert(!is_complex_v<T>);
+    const T *x;
+    int64_t ld;
+
+    ZEL_SWEEP_INLINE void load(int64_t r, L *rows) const
+    {
+#pragma GCC unroll 4
+        for (int g = 0; g < L::count; ++g) {
+            V v[each];
+#pragma GCC unroll 16
+            for (int e = 0; e < each; ++e)
+                std::memcpy(&v[e], x + (g * each + e) * ld + r, sizeof(V));
+            transpose_square<V, each>(v, std::make_index_sequence<size_t(each)>{});
+#pragma GCC unroll 16
+            for (int e = 0; e < each; ++e)
+                rows[e].v[0][g] = v[e];
+        }
+    }
+    ZEL_SWEEP_INLINE void store(int64_t r, const L *rows) const
+    {
+#pragma GCC unroll 4
+        for (int g = 0; g < L::count; ++g) {
+            V v[each];
+#pragma GCC unroll 16
+            for (int e = 0; e < each; ++e)
+                v[e] = rows[e].v[0][g];
+            transpose_square<V, each>(v, std::make_index_sequence<size_t(each)>{});
+#pragma GCC unroll 16
+            for (int e = 0; e < each; ++e)
+                std::memcpy(const_cast<T *>(x) + (g * each + e) * ld + r, &v[e], sizeof(V));
+        }
+    }
+};
+
 template <class T, int KC> column_rows<T, KC> columns_of(const rhs_block<T> &b, int64_t c0, int64_t first)
 {
     constexpr int64_t parts = sizeof(T) / sizeof(real_t<T>);
@@ -454,7 +514,22 @@ void gather_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, 
     const T *x = b.x + c0 * b.ld + p.first;
     if (kc == KC) {
         const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
-        for (int64_t r = 0; r < p.cols; ++r) {
+        int64_t r = 0;
+        if constexpr (!is_complex_v<T>) {
+            constexpr int E = column_squares<T, KC>::each;
+            const column_squares<T, KC> squares{b.x + c0 * b.ld + p.first, b.ld};
+            for (; r + E <= p.cols; r += E) {
+                lanes<T, KC> a[E];
+                squares.load(r, a);
+#pragma GCC unroll 16
+                for (int e = 0; e < E; ++e) {
+                    if constexpr (Forward)
+                        add(a[e], load_row<T, KC>(kept + (p.first + r + e) * W));
+                    store_row(t + (r + e) * W, a[e]);
+                }
+            }
+        }
+        for (; r < p.cols; ++r) {
             lanes<T, KC> a = own.load(r);
             if constexpr (Forward)
                 add(a, load_row<T, KC>(kept + (p.first + r) * W));
@@ -486,7 +561,19 @@ void scatter_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
     constexpr int W = lanes<T, KC>::reals;
     if (kc == KC) {
         const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
-        for (int64_t r = 0; r < p.cols; ++r)
+        int64_t r = 0;
+        if constexpr (!is_complex_v<T>) {
+            constexpr int E = column_squares<T, KC>::each;
+            const column_squares<T, KC> squares{b.x + c0 * b.ld + p.first, b.ld};
+            for (; r + E <= p.cols; r += E) {
+                lanes<T, KC> a[E];
+#pragma GCC unroll 16
+                for (int e = 0; e < E; ++e)
+                    a[e] = load_row<T, KC>(t + (r + e) * W);
+                squares.store(r, a);
+            }
+        }
+        for (; r < p.cols; ++r)
             own.store(r, load_row<T, KC>(t + r * W));
     } else {
         scatter_rows<T, I, KC>(p, b, c0, kc, t, p.cols);
