@@ -1499,7 +1499,12 @@ void inverse_complex_columns(int64_t n, const std::complex<R> *a, int64_t lda, c
 // Single complex: the register kernels up to 8, the padded ones above.
 void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { getrf_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, info); }))
+    if (at_fixed_order(n, [&]<int N>() {
+            if constexpr (N <= 7) // the blocked form measured slower below 8
+                getrf_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, info);
+            else
+                getrf_complex_blocked<N, y8c, complex_float_vector<N - 4>>(a, lda, ipiv, info);
+        }))
         return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);
