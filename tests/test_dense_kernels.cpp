@@ -159,6 +159,32 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
         EXPECT_EQ(ipiv[0], zel::is_complex_v<T> ? 1 : 2);
         EXPECT_EQ(ipiv, reference_lu(a).first);
     }
+    // The same in a later column, past the first four (the orders that factor in blocks take
+    // the trailing ones as a matrix of their own): rows below the fourth are zero in columns
+    // 0-3, so column 4 reaches its step unchanged and its equal magnitudes decide.
+    for (int64_t n : {6, 7, 8, 12}) {
+        SCOPED_TRACE("later column, n=" + std::to_string(n));
+        matrix<T> a = random_matrix<T>(n, n, 17 + n);
+        for (int64_t j = 0; j < 4; ++j)
+            for (int64_t i = 4; i < n; ++i)
+                a(i, j) = T(0);
+        for (int64_t i = 4; i < n; ++i)
+            a(i, 4) = T(i % 2 ? -2 : 1);
+        a(n - 1, 4) = T(2);
+        if constexpr (zel::is_complex_v<T>)
+            a(4, 4) = T(1.5, 1.5);
+        matrix<T> f = a;
+        std::vector<int64_t> ipiv(static_cast<size_t>(n));
+        int64_t info = -1;
+        api<T>::getrf(&n, &n, c_ptr(f.data()), &f.ld, ipiv.data(), &info);
+        EXPECT_EQ(info, 0);
+        EXPECT_EQ(ipiv[4], zel::is_complex_v<T> ? 5 : 6);
+        EXPECT_EQ(ipiv, reference_lu(a).first);
+        auto [l, u] = split_lu(f);
+        matrix<T> plu = product(l, u);
+        swap_rows(plu, ipiv, true);
+        EXPECT_LE(max_diff(plu, a), 8 * real<T>(n) * eps<T>);
+    }
     // Far from 1 the modulus squared of a complex pivot leaves the range, so its reciprocal
     // takes the guarded path; the pivots, the reconstruction and the inverse must not notice.
     const real<T> tiny = sizeof(real<T>) == 4 ? real<T>(1e-22) : real<T>(1e-170);
