@@ -1123,6 +1123,18 @@ void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64
     const double *ad = reinterpret_cast<const double *>(a);
     int at[N], to[N]; // at[c]: the column of the solve that ends in column c
     inverse_destinations(N, ipiv, at, to);
+    std::complex<double> d[N];
+    __m256d d_re[R], d_alt[R]; // 1/u_kk by rows, as (re, re) and (-im, im) pairs
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k)
+        d[k] = reciprocal(a[k + k * lda]);
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r) {
+        const std::complex<double> second = 2 * r + 1 < N ? d[2 * r + 1] : 0.0;
+        const __m256d pair = _mm256_setr_pd(d[2 * r].real(), d[2 * r].imag(), second.real(), second.imag());
+        d_re[r] = _mm256_movedup_pd(pair);
+        d_alt[r] = z2::odd_to_alternate(pair);
+    }
 #pragma GCC unroll 2
     for (int g = 0; g < N; g += 4) {
         const int end = std::min(N, g + 4);
@@ -1150,29 +1162,29 @@ void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64
             }
         }
 #pragma GCC unroll 8
-        for (int k = N - 1; k >= 0; --k) { // U^-1
+        for (int k = N - 1; k > 0; --k) { // U^-1 with column k of U times 1/u_kk, off the columns' chain
             const int kr = k / 2;
-            const std::complex<double> d = reciprocal(a[k + k * lda]);
-            const __m256d at_k = z2::rows(k, k + 1, kr);
             __m256d u[R], us[R];
             z2::load<N>(ad + 2 * k * lda, u);
 #pragma GCC unroll 4
             for (int r = 0; r <= kr; ++r) {
-                u[r] = _mm256_and_pd(u[r], z2::rows(0, k, r));
+                u[r] = z2::times(_mm256_and_pd(u[r], z2::rows(0, k, r)), d[k]);
                 us[r] = z2::swap(u[r]);
             }
 #pragma GCC unroll 4
             for (int j = g; j < end; ++j) {
-                const __m256d b = z2::times(z2::broadcast(x[j - g][kr], k & 1), d);
-                x[j - g][kr] = _mm256_blendv_pd(x[j - g][kr], b, at_k);
-                if (k > 0) {
-                    const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+                const __m256d b = z2::broadcast(x[j - g][kr], k & 1);
+                const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
 #pragma GCC unroll 4
-                    for (int r = 0; r <= kr; ++r)
-                        x[j - g][r] = z2::minus_product(x[j - g][r], u[r], us[r], re, im_alt);
-                }
+                for (int r = 0; r <= kr; ++r)
+                    x[j - g][r] = z2::minus_product(x[j - g][r], u[r], us[r], re, im_alt);
             }
         }
+#pragma GCC unroll 4
+        for (int j = g; j < end; ++j) // row k times 1/u_kk last
+#pragma GCC unroll 4
+            for (int r = 0; r < R; ++r)
+                x[j - g][r] = _mm256_fmadd_pd(z2::swap(x[j - g][r]), d_alt[r], _mm256_mul_pd(x[j - g][r], d_re[r]));
 #pragma GCC unroll 4
         for (int j = g; j < end; ++j)
             z2::store<N>(reinterpret_cast<double *>(inv + to[j] * ldinv), x[j - g], 0);
