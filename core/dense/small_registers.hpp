@@ -264,10 +264,13 @@ void inverse_complex_registers(const std::complex<typename V::scalar> *a, int64_
     const S *ad = reinterpret_cast<const S *>(a);
     reg x[N];
     std::complex<S> r[N];
+    alignas(32) S r_re[16] = {}, r_im[16] = {}; // 1/u_kk by rows, each part in both lanes of its row
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j) {
         x[j] = V::unit(j);
         r[j] = reciprocal(a[j + j * lda]);
+        r_re[2 * j] = r_re[2 * j + 1] = r[j].real();
+        r_im[2 * j] = r_im[2 * j + 1] = r[j].imag();
     }
 #pragma GCC unroll 8
     for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
@@ -277,15 +280,17 @@ void inverse_complex_registers(const std::complex<typename V::scalar> *a, int64_
             x[j] = V::minus_product(x[j], l, ls, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
     }
 #pragma GCC unroll 8
-    for (int k = N - 1; k >= 0; --k) { // U^-1
-        const reg u = V::load((1u << k) - 1, ad + 2 * k * lda), us = V::swap_pairs(u);
+    for (int k = N - 1; k > 0; --k) { // U^-1 with column k of U times 1/u_kk, off the columns' chain
+        const unsigned above = (1u << k) - 1;
+        const reg u = V::mask_scale(V::load(above, ad + 2 * k * lda), above, r[k]), us = V::swap_pairs(u);
 #pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            x[j] = V::mask_scale(x[j], 1u << k, r[k]);
-            if (k > 0)
-                x[j] = V::minus_product(x[j], u, us, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
-        }
+        for (int j = 0; j < N; ++j)
+            x[j] = V::minus_product(x[j], u, us, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
     }
+    const reg d_re = V::load(lanes_from<N>(0), r_re), d_im = V::load(lanes_from<N>(0), r_im);
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) // row k times 1/u_kk last
+        x[j] = V::mask_scale_by(x[j], lanes_from<N>(0), d_re, d_im);
     S *invd = reinterpret_cast<S *>(inv);
     int at[N], to[N]; // at[c]: the register that ends in column c
     inverse_destinations(N, ipiv, at, to);
