@@ -987,21 +987,39 @@ template <int R> [[gnu::always_inline]] inline __m256d interchange_z(__m256d *c,
     return u;
 }
 
-// Complex double LU with partial pivoting for N <= 8, a column in R = (N+1)/2 registers of two
-// (re, im) pairs. Rows trade places in the registers at each step, so the pivot is the first
-// largest |re|+|im| in the current order as LAPACK picks it; each column's interchange yields
-// the pivot row's entry, the u its update needs. A finished column is stored at once and takes
-// its later interchanges in memory, so the registers keep only the columns still changing.
-template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// Rows k <-> ipiv[k] - 1 for k in [first, last) over `count(k)` columns from column `from`.
+template <class Count>
+[[gnu::always_inline]] inline void swap_rows_z(double *ad, int64_t lda, const int64_t *ipiv, int first, int last,
+                                               Count count, int from = 0)
+{
+    for (int k = first; k < last; ++k) {
+        const int64_t p = ipiv[k] - 1;
+        if (p != k)
+            for (int j = from; j < from + count(k); ++j) {
+                double *x = ad + 2 * (k + j * lda), *y = ad + 2 * (p + j * lda);
+                const __m128d t = _mm_loadu_pd(x);
+                _mm_storeu_pd(x, _mm_loadu_pd(y));
+                _mm_storeu_pd(y, t);
+            }
+    }
+}
+
+// Complex double LU with partial pivoting of the first C columns of an N x N matrix (N <= 8), a
+// column in R = (N+1)/2 registers of two (re, im) pairs. Rows trade places in the registers at
+// each step, so the pivot is the first largest |re|+|im| in the current order as LAPACK picks it;
+// each column's interchange yields the pivot row's entry, the u its update needs. A finished
+// column is stored at once and takes its later interchanges in memory, so the registers keep only
+// the columns still changing. Columns C to N are left as they are (getrf_z_blocked goes on).
+template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 1) / 2;
     double *ad = reinterpret_cast<double *>(a);
-    __m256d col[N][R];
+    __m256d col[C][R];
 #pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
+    for (int j = 0; j < C; ++j)
         z2::load<N>(ad + 2 * j * lda, col[j]);
 #pragma GCC unroll 8
-    for (int k = 0; k < N; ++k) {
+    for (int k = 0; k < C; ++k) {
         const int kr = k / 2;
         __m256d pick[R], inverse, l[R], swapped[R];
         ipiv[k] = pivot_row_z<N, R>(col[k], k, pick, &inverse) + 1;
@@ -1029,7 +1047,7 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
         // Only rows below k change: a vector that also holds row k keeps it (a NaN or infinite
         // u times the zero multiplier must not reach the finished rows).
 #pragma GCC unroll 8
-        for (int j = k + 1; j < N; ++j) {
+        for (int j = k + 1; j < C; ++j) {
             const __m256d u = interchange_z<R>(col[j], pick, k);
             const __m256d re = _mm256_movedup_pd(u), im_alt = z2::odd_to_alternate(u);
             if ((k & 1) == 0)
@@ -1040,16 +1058,57 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
                 col[j][r] = z2::minus_product(col[j][r], l[r], swapped[r], re, im_alt);
         }
     }
-    for (int k = 1; k < N; ++k) {
-        const int64_t p = ipiv[k] - 1;
-        if (p != k)
-            for (int j = 0; j < k; ++j) {
-                double *x = ad + 2 * (k + j * lda), *y = ad + 2 * (p + j * lda);
-                const __m128d t = _mm_loadu_pd(x);
-                _mm_storeu_pd(x, _mm_loadu_pd(y));
-                _mm_storeu_pd(y, t);
-            }
+    swap_rows_z(ad, lda, ipiv, 1, C, [](int k) { return k; });
+}
+
+// Complex double LU for 4 < N <= 8 in two blocks (used at 7 and 8), as the whole matrix would not fit the
+// registers: the first four columns factored in registers; each other column loaded in the
+// panel's row order, solved with the unit lower triangle and given the rank-4 update; then the
+// trailing block factored as a matrix of order N-4, whose interchanges the first columns take
+// after. The operations are those of the unblocked kernel, in its order.
+template <int N> [[gnu::noinline]] void getrf_z_blocked(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    constexpr int R = (N + 1) / 2;
+    double *ad = reinterpret_cast<double *>(a);
+    getrf_z_registers<N, 4>(a, lda, ipiv, info);
+    int order[N];
+    for (int i = 0; i < N; ++i)
+        order[i] = i;
+    for (int k = 0; k < 4; ++k)
+        std::swap(order[k], order[ipiv[k] - 1]);
+#pragma GCC unroll 4
+    for (int j = 4; j < N; ++j) {
+        const double *c = ad + 2 * j * lda;
+        __m256d x[R];
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) { // rows gathered by pairs: the panel's stores stay clear of them
+            const __m128d low = _mm_loadu_pd(c + 2 * order[2 * r]);
+            x[r] = 2 * r + 1 < N ? _mm256_insertf128_pd(_mm256_castpd128_pd256(low), _mm_loadu_pd(c + 2 * order[2 * r + 1]), 1)
+                                 : _mm256_zextpd128_pd256(low);
+        }
+#pragma GCC unroll 4
+        for (int k = 0; k < 4; ++k) {
+            const int kr = k / 2;
+            __m256d l[R];
+            z2::load<N>(ad + 2 * k * lda, l, k + 1);
+            const __m256d b = z2::broadcast(x[kr], k & 1);
+            const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+            if ((k & 1) == 0) // row k stays as it is (see getrf_z_registers)
+                x[kr] = _mm256_blendv_pd(x[kr], z2::minus_product(x[kr], l[kr], z2::swap(l[kr]), re, im_alt),
+                                         z2::rows(k + 1, N, kr));
+#pragma GCC unroll 4
+            for (int r = kr + 1; r < R; ++r)
+                x[r] = z2::minus_product(x[r], l[r], z2::swap(l[r]), re, im_alt);
+        }
+        z2::store<N>(ad + 2 * j * lda, x, 0);
     }
+    int64_t trailing = 0;
+    getrf_z_registers<N - 4>(a + 4 + 4 * lda, lda, ipiv + 4, &trailing);
+    if (trailing != 0 && *info == 0)
+        *info = trailing + 4;
+    for (int k = 4; k < N; ++k)
+        ipiv[k] += 4;
+    swap_rows_z(ad, lda, ipiv, 4, N, [](int) { return 4; });
 }
 
 // The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), as inverse_d_registers
@@ -1064,6 +1123,18 @@ void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64
     const double *ad = reinterpret_cast<const double *>(a);
     int at[N], to[N]; // at[c]: the column of the solve that ends in column c
     inverse_destinations(N, ipiv, at, to);
+    std::complex<double> d[N];
+    __m256d d_re[R], d_alt[R]; // 1/u_kk by rows, as (re, re) and (-im, im) pairs
+#pragma GCC unroll 8
+    for (int k = 0; k < N; ++k)
+        d[k] = reciprocal(a[k + k * lda]);
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r) {
+        const std::complex<double> second = 2 * r + 1 < N ? d[2 * r + 1] : 0.0;
+        const __m256d pair = _mm256_setr_pd(d[2 * r].real(), d[2 * r].imag(), second.real(), second.imag());
+        d_re[r] = _mm256_movedup_pd(pair);
+        d_alt[r] = z2::odd_to_alternate(pair);
+    }
 #pragma GCC unroll 2
     for (int g = 0; g < N; g += 4) {
         const int end = std::min(N, g + 4);
@@ -1091,29 +1162,29 @@ void inverse_z_registers(const std::complex<double> *a, int64_t lda, const int64
             }
         }
 #pragma GCC unroll 8
-        for (int k = N - 1; k >= 0; --k) { // U^-1
+        for (int k = N - 1; k > 0; --k) { // U^-1 with column k of U times 1/u_kk, off the columns' chain
             const int kr = k / 2;
-            const std::complex<double> d = reciprocal(a[k + k * lda]);
-            const __m256d at_k = z2::rows(k, k + 1, kr);
             __m256d u[R], us[R];
             z2::load<N>(ad + 2 * k * lda, u);
 #pragma GCC unroll 4
             for (int r = 0; r <= kr; ++r) {
-                u[r] = _mm256_and_pd(u[r], z2::rows(0, k, r));
+                u[r] = z2::times(_mm256_and_pd(u[r], z2::rows(0, k, r)), d[k]);
                 us[r] = z2::swap(u[r]);
             }
 #pragma GCC unroll 4
             for (int j = g; j < end; ++j) {
-                const __m256d b = z2::times(z2::broadcast(x[j - g][kr], k & 1), d);
-                x[j - g][kr] = _mm256_blendv_pd(x[j - g][kr], b, at_k);
-                if (k > 0) {
-                    const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
+                const __m256d b = z2::broadcast(x[j - g][kr], k & 1);
+                const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
 #pragma GCC unroll 4
-                    for (int r = 0; r <= kr; ++r)
-                        x[j - g][r] = z2::minus_product(x[j - g][r], u[r], us[r], re, im_alt);
-                }
+                for (int r = 0; r <= kr; ++r)
+                    x[j - g][r] = z2::minus_product(x[j - g][r], u[r], us[r], re, im_alt);
             }
         }
+#pragma GCC unroll 4
+        for (int j = g; j < end; ++j) // row k times 1/u_kk last
+#pragma GCC unroll 4
+            for (int r = 0; r < R; ++r)
+                x[j - g][r] = _mm256_fmadd_pd(z2::swap(x[j - g][r]), d_alt[r], _mm256_mul_pd(x[j - g][r], d_re[r]));
 #pragma GCC unroll 4
         for (int j = g; j < end; ++j)
             z2::store<N>(reinterpret_cast<double *>(inv + to[j] * ldinv), x[j - g], 0);
@@ -1440,7 +1511,12 @@ void inverse_complex_columns(int64_t n, const std::complex<R> *a, int64_t lda, c
 // Single complex: the register kernels up to 8, the padded ones above.
 void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { getrf_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, info); }))
+    if (at_fixed_order(n, [&]<int N>() {
+            if constexpr (N <= 7) // the blocked form measured slower below 8
+                getrf_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, info);
+            else
+                getrf_complex_blocked<N, y8c, complex_float_vector<N - 4>>(a, lda, ipiv, info);
+        }))
         return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);
@@ -1477,7 +1553,12 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
 // loops (measured on the AMD EPYC this was written on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { getrf_z_registers<N>(a, lda, ipiv, info); }))
+    if (at_fixed_order(n, [&]<int N>() {
+            if constexpr (N <= 6) // the blocked form measured slower at 5 and 6
+                getrf_z_registers<N>(a, lda, ipiv, info);
+            else
+                getrf_z_blocked<N>(a, lda, ipiv, info);
+        }))
         return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);

@@ -150,8 +150,10 @@ constexpr unsigned pair_lanes(unsigned rows)
     return m;
 }
 
-// LU with partial pivoting, the pivot the first largest |re|+|im| as LAPACK chooses it.
-template <int N, class V>
+// LU with partial pivoting, the pivot the first largest |re|+|im| as LAPACK chooses it, of the
+// first C columns of an N x N matrix; columns C to N are left as they are (getrf_complex_blocked
+// goes on).
+template <int N, class V, int C = N>
 void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using reg = typename V::reg;
@@ -161,12 +163,13 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
     // Above four rows a finished column goes out at once and takes the later interchanges in
     // memory, so the registers hold only the columns still changing.
     constexpr bool early = N > 4;
-    reg col[N];
+    static_assert(C == N || early);
+    reg col[C];
 #pragma GCC unroll 8
-    for (int j = 0; j < N; ++j)
+    for (int j = 0; j < C; ++j)
         col[j] = V::load(rows, ad + 2 * j * lda);
 #pragma GCC unroll 8
-    for (int k = 0; k < N; ++k) {
+    for (int k = 0; k < C; ++k) {
         const reg size = V::masked(lanes_from<N>(k), V::pair_sum(V::abs(col[k])), V::splat(S(-1)));
         // Every row's reciprocal conj(x)/|x|^2 while the search runs, so the pivot's is at hand
         // once it is known; the scaled scalar one where |x|^2 leaves the range.
@@ -176,7 +179,7 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
         ipiv[k] = p + 1;
         const auto swap = V::swap_index(k, p);
 #pragma GCC unroll 8
-        for (int j = early ? k : 0; j < N; ++j)
+        for (int j = early ? k : 0; j < C; ++j)
             col[j] = V::permute(swap, col[j]);
         const unsigned below = lanes_from<N>(k + 1);
         const std::complex<S> pivot = V::element(col[k], k);
@@ -195,11 +198,11 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
             V::store(rows, ad + 2 * k * lda, col[k]);
         const reg swapped = V::swap_pairs(col[k]);
 #pragma GCC unroll 8
-        for (int j = k + 1; j < N; ++j) // col[j] -= l * u, u = col[j][k]
+        for (int j = k + 1; j < C; ++j) // col[j] -= l * u, u = col[j][k]
             col[j] = V::mask_minus_product(col[j], col[k], swapped, V::re(col[j], k), V::negate_odd(V::im(col[j], k)), below);
     }
     if constexpr (early) {
-        for (int k = 1; k < N; ++k) {
+        for (int k = 1; k < C; ++k) {
             const int64_t p = ipiv[k] - 1;
             if (p != k)
                 for (int j = 0; j < k; ++j)
@@ -209,6 +212,45 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
 #pragma GCC unroll 8
         for (int j = 0; j < N; ++j)
             V::store(rows, ad + 2 * j * lda, col[j]);
+    }
+}
+
+// Complex LU for 4 < N <= 8 in two blocks, for vectors whose eight columns would crowd the
+// registers: the first four columns factored in registers; each other column given the panel's
+// interchanges, solved with the unit lower triangle and the rank-4 update; then the trailing
+// block factored as a matrix of order N-4 (vectors W), whose interchanges the first columns take
+// after. The operations are those of the unblocked kernel, in its order.
+template <int N, class V, class W>
+[[gnu::noinline]] void getrf_complex_blocked(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using reg = typename V::reg;
+    using S = typename V::scalar;
+    S *ad = reinterpret_cast<S *>(a);
+    constexpr unsigned rows = lanes_from<N>(0);
+    getrf_complex_registers<N, V, 4>(a, lda, ipiv, info);
+#pragma GCC unroll 4
+    for (int j = 4; j < N; ++j) {
+        reg x = V::load(rows, ad + 2 * j * lda);
+#pragma GCC unroll 4
+        for (int k = 0; k < 4; ++k)
+            x = V::permute(V::swap_index(k, static_cast<int>(ipiv[k] - 1)), x);
+#pragma GCC unroll 4
+        for (int k = 0; k < 4; ++k) {
+            const reg l = V::load(rows, ad + 2 * k * lda);
+            x = V::mask_minus_product(x, l, V::swap_pairs(l), V::re(x, k), V::negate_odd(V::im(x, k)),
+                                      lanes_from<N>(k + 1));
+        }
+        V::store(rows, ad + 2 * j * lda, x);
+    }
+    int64_t trailing = 0;
+    getrf_complex_registers<N - 4, W>(a + 4 + 4 * lda, lda, ipiv + 4, &trailing);
+    if (trailing != 0 && *info == 0)
+        *info = trailing + 4;
+    for (int k = 4; k < N; ++k) {
+        const int64_t p = ipiv[k] += 4;
+        if (p - 1 != k)
+            for (int j = 0; j < 4; ++j)
+                std::swap(a[k + j * lda], a[p - 1 + j * lda]);
     }
 }
 
@@ -222,10 +264,13 @@ void inverse_complex_registers(const std::complex<typename V::scalar> *a, int64_
     const S *ad = reinterpret_cast<const S *>(a);
     reg x[N];
     std::complex<S> r[N];
+    alignas(32) S r_re[16] = {}, r_im[16] = {}; // 1/u_kk by rows, each part in both lanes of its row
 #pragma GCC unroll 8
     for (int j = 0; j < N; ++j) {
         x[j] = V::unit(j);
         r[j] = reciprocal(a[j + j * lda]);
+        r_re[2 * j] = r_re[2 * j + 1] = r[j].real();
+        r_im[2 * j] = r_im[2 * j + 1] = r[j].imag();
     }
 #pragma GCC unroll 8
     for (int k = 0; k + 1 < N; ++k) { // L^-1: column j has zeros above row j
@@ -235,15 +280,17 @@ void inverse_complex_registers(const std::complex<typename V::scalar> *a, int64_
             x[j] = V::minus_product(x[j], l, ls, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
     }
 #pragma GCC unroll 8
-    for (int k = N - 1; k >= 0; --k) { // U^-1
-        const reg u = V::load((1u << k) - 1, ad + 2 * k * lda), us = V::swap_pairs(u);
+    for (int k = N - 1; k > 0; --k) { // U^-1 with column k of U times 1/u_kk, off the columns' chain
+        const unsigned above = (1u << k) - 1;
+        const reg u = V::mask_scale(V::load(above, ad + 2 * k * lda), above, r[k]), us = V::swap_pairs(u);
 #pragma GCC unroll 8
-        for (int j = 0; j < N; ++j) {
-            x[j] = V::mask_scale(x[j], 1u << k, r[k]);
-            if (k > 0)
-                x[j] = V::minus_product(x[j], u, us, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
-        }
+        for (int j = 0; j < N; ++j)
+            x[j] = V::minus_product(x[j], u, us, V::re(x[j], k), V::negate_odd(V::im(x[j], k)));
     }
+    const reg d_re = V::load(lanes_from<N>(0), r_re), d_im = V::load(lanes_from<N>(0), r_im);
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) // row k times 1/u_kk last
+        x[j] = V::mask_scale_by(x[j], lanes_from<N>(0), d_re, d_im);
     S *invd = reinterpret_cast<S *>(inv);
     int at[N], to[N]; // at[c]: the register that ends in column c
     inverse_destinations(N, ipiv, at, to);
