@@ -464,7 +464,7 @@ void solver_impl<T>::fill_frame(const analysis_state<T, I> &state, zel_pds_frame
 
 // A solve of several right-hand sides lends the sweeps their rows (n of them, of up to 16
 // values), kept for the solves after it: the fresh pages of two such blocks a driver run cost
-// as much as a tenth of a 16-column solve. False when they cannot be had.
+// the 2-D 1000² Laplacian's 16-column solve about 7%. False when they cannot be had.
 template <class T, class I> bool lend_sweep_scratch(analysis_state<T, I> &state, zel_pds_frame &frame)
 {
     if (frame.nrhs <= 1)

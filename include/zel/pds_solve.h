@@ -13,8 +13,9 @@
  * have leading dimension n. Results come back through the integer error slot: 0 success,
  * 1 a failed allocation (or a missing block), 2 a solve the factor cannot do.
  * Ownership: nothing here keeps or frees a caller's array; scratch memory is returned before
- * each call returns (the frame's lent sweep scratch stays its lender's). The drivers and refinement are defined by libzel_sequential.so.2, the
- * kernels and the dispatch by libzel_core.so.2. */
+ * each call returns (the frame's lent sweep scratch stays its lender's). The drivers and
+ * refinement are defined by libzel_sequential.so.2, the kernels and the dispatch by
+ * libzel_core.so.2. */
 #ifndef ZEL_PDS_SOLVE_H
 #define ZEL_PDS_SOLVE_H
 
@@ -71,8 +72,9 @@ typedef struct zel_pds_frame {
     const void *a_col_idx;
     const void *a_values;
     /* Scratch the sweep kernels use in place of their own when it is large enough and aligned
-     * to 64 bytes (null: they allocate theirs). The solver object lends it for solves of
-     * several right-hand sides and keeps it for its next solves; the kernels never free it. */
+     * to 64 bytes (null: they allocate theirs), one kernel call at a time. The solver object
+     * lends it for solves of several right-hand sides and keeps it for its next solves; the
+     * kernels never free it. */
     void *sweep_scratch;
     int64_t sweep_scratch_bytes;
 } zel_pds_frame;
