@@ -495,6 +495,23 @@ template <class T, int KC> struct column_squares {
     }
 };
 
+// f(squares, r) for the whole squares of a panel's own rows (none for complex values); the
+// number of rows they cover.
+template <class T, int KC, class I, class F>
+int64_t by_squares(const rhs_block<T> &b, int64_t c0, const sweep_panel<T, I> &p, F &&f)
+{
+    if constexpr (is_complex_v<T>) {
+        return 0;
+    } else {
+        constexpr int E = column_squares<T, KC>::each;
+        const column_squares<T, KC> squares{b.x + c0 * b.ld + p.first, b.ld};
+        int64_t r = 0;
+        for (; r + E <= p.cols; r += E)
+            f(squares, r);
+        return r;
+    }
+}
+
 template <class T, int KC> column_rows<T, KC> columns_of(const rhs_block<T> &b, int64_t c0, int64_t first)
 {
     constexpr int64_t parts = sizeof(T) / sizeof(real_t<T>);
@@ -514,21 +531,17 @@ void gather_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0, 
     const T *x = b.x + c0 * b.ld + p.first;
     if (kc == KC) {
         const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
-        int64_t r = 0;
-        if constexpr (!is_complex_v<T>) {
-            constexpr int E = column_squares<T, KC>::each;
-            const column_squares<T, KC> squares{b.x + c0 * b.ld + p.first, b.ld};
-            for (; r + E <= p.cols; r += E) {
-                lanes<T, KC> a[E];
-                squares.load(r, a);
+        int64_t r = by_squares<T, KC>(b, c0, p, [&](const auto &squares, int64_t r0) {
+            constexpr int E = std::remove_cvref_t<decltype(squares)>::each;
+            lanes<T, KC> a[E];
+            squares.load(r0, a);
 #pragma GCC unroll 16
-                for (int e = 0; e < E; ++e) {
-                    if constexpr (Forward)
-                        add(a[e], load_row<T, KC>(kept + (p.first + r + e) * W));
-                    store_row(t + (r + e) * W, a[e]);
-                }
+            for (int e = 0; e < E; ++e) {
+                if constexpr (Forward)
+                    add(a[e], load_row<T, KC>(kept + (p.first + r0 + e) * W));
+                store_row(t + (r0 + e) * W, a[e]);
             }
-        }
+        });
         for (; r < p.cols; ++r) {
             lanes<T, KC> a = own.load(r);
             if constexpr (Forward)
@@ -561,18 +574,14 @@ void scatter_kept(const sweep_panel<T, I> &p, const rhs_block<T> &b, int64_t c0,
     constexpr int W = lanes<T, KC>::reals;
     if (kc == KC) {
         const column_rows<T, KC> own = columns_of<T, KC>(b, c0, p.first);
-        int64_t r = 0;
-        if constexpr (!is_complex_v<T>) {
-            constexpr int E = column_squares<T, KC>::each;
-            const column_squares<T, KC> squares{b.x + c0 * b.ld + p.first, b.ld};
-            for (; r + E <= p.cols; r += E) {
-                lanes<T, KC> a[E];
+        int64_t r = by_squares<T, KC>(b, c0, p, [&](const auto &squares, int64_t r0) {
+            constexpr int E = std::remove_cvref_t<decltype(squares)>::each;
+            lanes<T, KC> a[E];
 #pragma GCC unroll 16
-                for (int e = 0; e < E; ++e)
-                    a[e] = load_row<T, KC>(t + (r + e) * W);
-                squares.store(r, a);
-            }
-        }
+            for (int e = 0; e < E; ++e)
+                a[e] = load_row<T, KC>(t + (r0 + e) * W);
+            squares.store(r0, a);
+        });
         for (; r < p.cols; ++r)
             own.store(r, load_row<T, KC>(t + r * W));
     } else {
