@@ -2,6 +2,7 @@
 // on zero-padded copies of whole vectors, in every precision.
 #include <immintrin.h>
 
+#include <cstring>
 #include <utility>
 
 #define ZEL_SMALL_ISA avx2
@@ -309,6 +310,14 @@ template <int N> void inverse_d_registers(const double *a, int64_t lda, const in
         y4::store<N>(inv + to[j] * ldinv, x[j], 0);
 }
 
+// Orders 9 to 16 at fixed size, as at_fixed_order does to 8.
+template <class Kernel> [[gnu::always_inline]] inline bool at_order_9_to_16(int64_t n, Kernel &&kernel)
+{
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return ((n == 9 + i && (kernel.template operator()<9 + i>(), true)) || ...);
+    }(std::make_integer_sequence<int, 8>());
+}
+
 // Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
 template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work, int64_t ld)
 {
@@ -321,53 +330,81 @@ template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work,
 // Largest order of the padded-copy kernels; their copies live on the stack.
 constexpr int64_t column_limit = 64;
 
-// Whole aligned vectors of the padded-copy kernels, in either real precision.
-template <class T> struct wide;
-template <> struct wide<double> {
-    using reg = __m256d;
-    static constexpr int64_t lanes = 4;
-    static reg load(const double *p) { return _mm256_load_pd(p); }
-    static void store(double *p, reg v) { _mm256_store_pd(p, v); }
-    static reg splat(double x) { return _mm256_set1_pd(x); }
-    static reg broadcast(const double *p) { return _mm256_broadcast_sd(p); }
-    static reg zero() { return _mm256_setzero_pd(); }
-    static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_pd(a, b, c); }
-    static reg mul(reg a, reg b) { return _mm256_mul_pd(a, b); }
-    static reg max(reg a, reg b) { return _mm256_max_pd(a, b); }
-    static reg keep(reg v, reg mask) { return _mm256_and_pd(v, mask); }
-    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_pd(a, b, mask); }
-    static reg abs(reg v) { return y4::abs(v); }
-    static reg all_max(reg v) { return y4::all_max(v); }
-    static unsigned equal(reg a, reg b) { return static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_EQ_OQ))); }
-    // Lanes [first, last) of a vector.
-    static reg rows(int64_t first, int64_t last) { return y4::rows(static_cast<int>(first), static_cast<int>(last), 0); }
-};
-template <> struct wide<float> {
-    using reg = __m256;
-    static constexpr int64_t lanes = 8;
-    static reg load(const float *p) { return _mm256_load_ps(p); }
-    static void store(float *p, reg v) { _mm256_store_ps(p, v); }
-    static reg splat(float x) { return _mm256_set1_ps(x); }
-    static reg broadcast(const float *p) { return _mm256_broadcast_ss(p); }
-    static reg zero() { return _mm256_setzero_ps(); }
-    static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_ps(a, b, c); }
-    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
-    static reg max(reg a, reg b) { return _mm256_max_ps(a, b); }
-    static reg keep(reg v, reg mask) { return _mm256_and_ps(v, mask); }
-    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_ps(a, b, mask); }
-    static reg abs(reg v) { return _mm256_andnot_ps(_mm256_set1_ps(-0.0f), v); }
-    static reg all_max(reg v)
+// Whole vectors of the padded-copy kernels, in either real precision: what is the same in both
+// through the compiler's vector arithmetic, the rest per precision.
+template <class T> struct wide {
+    static constexpr bool is_double = std::is_same_v<T, double>;
+    typedef T reg __attribute__((__vector_size__(32), __may_alias__)); // as __m256d and __m256
+    using scalar = T;
+    using lane_int = std::conditional_t<is_double, int64_t, int32_t>;
+    typedef lane_int ints __attribute__((vector_size(32)));
+    static constexpr int64_t lanes = 32 / sizeof(T);
+    static reg load(const T *p) { return *reinterpret_cast<const reg *>(p); }
+    static void store(T *p, reg v) { *reinterpret_cast<reg *>(p) = v; }
+    static reg loadu(const T *p)
     {
-        v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
-        v = _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
-        return _mm256_max_ps(v, _mm256_permute_ps(v, 0xB1));
+        reg v;
+        std::memcpy(&v, p, sizeof v);
+        return v;
     }
-    static unsigned equal(reg a, reg b) { return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ))); }
-    static reg rows(int64_t first, int64_t last)
+    static reg splat(T x) { return x - reg{}; } // x - 0 is x, -0 too
+    static reg broadcast(const T *p) { return splat(*p); }
+    static reg zero() { return reg{}; }
+    static reg mul(reg a, reg b) { return a * b; }
+    static reg div(reg a, reg b) { return a / b; }
+    static reg keep(reg v, reg mask) { return reg(ints(v) & ints(mask)); }
+    static reg drop(reg v, reg mask) { return reg(ints(v) & ~ints(mask)); }
+    static reg flip(reg v, reg sign) { return reg(ints(v) ^ ints(sign)); }
+    static reg abs(reg v) { return drop(v, splat(T(-0.0))); }
+    static reg equal_mask(reg a, reg b) { return reg(a == b); }
+    static reg fnmadd(reg a, reg b, reg c)
     {
-        const __m256 i = _mm256_setr_ps(0, 1, 2, 3, 4, 5, 6, 7);
-        return _mm256_and_ps(_mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(first)), _CMP_GE_OQ),
-                             _mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(last)), _CMP_LT_OQ));
+        if constexpr (is_double) return _mm256_fnmadd_pd(a, b, c); else return _mm256_fnmadd_ps(a, b, c);
+    }
+    static reg max(reg a, reg b)
+    {
+        if constexpr (is_double) return _mm256_max_pd(a, b); else return _mm256_max_ps(a, b);
+    }
+    static reg blend(reg a, reg b, reg mask)
+    {
+        if constexpr (is_double) return _mm256_blendv_pd(a, b, mask); else return _mm256_blendv_ps(a, b, mask);
+    }
+    static unsigned bits(reg mask)
+    {
+        if constexpr (is_double) return unsigned(_mm256_movemask_pd(mask)); else return unsigned(_mm256_movemask_ps(mask));
+    }
+    static unsigned equal(reg a, reg b) { return bits(equal_mask(a, b)); }
+    // Lane i of v, for every i, combined with the lanes i ^ w for every power of two w from
+    // group on: the largest (all_max) or the bits of all (all_or, which copies the one nonzero
+    // lane, or with group 2 the one nonzero pair, everywhere).
+    template <int group = 1, class Combine> static reg across(reg v, Combine combine)
+    {
+        if constexpr (is_double) {
+            v = combine(v, _mm256_permute2f128_pd(v, v, 0x01));
+            return group < 2 ? combine(v, _mm256_permute_pd(v, 0x5)) : v;
+        } else {
+            v = combine(v, _mm256_permute2f128_ps(v, v, 0x01));
+            v = combine(v, _mm256_permute_ps(v, 0x4E));
+            return group < 2 ? combine(v, _mm256_permute_ps(v, 0xB1)) : v;
+        }
+    }
+    static reg all_max(reg v) { return across(v, [](reg x, reg y) { return max(x, y); }); }
+    static reg either(reg a, reg b) { return reg(ints(a) | ints(b)); }
+    template <int group = 1> static reg all_or(reg v) { return across<group>(v, [](reg x, reg y) { return either(x, y); }); }
+    static reg iota()
+    {
+        if constexpr (is_double) return _mm256_setr_pd(0, 1, 2, 3); else return _mm256_setr_ps(0, 1, 2, 3, 4, 5, 6, 7);
+    }
+    static reg halves() // iota / 2, rounded down
+    {
+        if constexpr (is_double) return _mm256_setr_pd(0, 0, 1, 1); else return _mm256_setr_ps(0, 0, 1, 1, 2, 2, 3, 3);
+    }
+    // Lanes [first, last) of a vector; the lanes of the low bits of m.
+    static reg rows(int64_t first, int64_t last) { return reg((iota() >= T(first)) & (iota() < T(last))); }
+    static reg from_bits(unsigned m)
+    {
+        const ints bit = is_double ? ints(_mm256_setr_epi64x(1, 2, 4, 8)) : ints(_mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128));
+        return reg(((ints{} + lane_int(m)) & bit) == bit);
     }
 };
 
@@ -492,6 +529,110 @@ template <class T> void getrf_columns(int64_t n, T *a, int64_t lda, int64_t *ipi
         std::copy(work + j * ld, work + j * ld + n, a + j * lda);
 }
 
+// The one lane of a column of R vectors (in registers or at p) that pick selects, in every lane.
+// group 2: the one complex row, a pair of lanes, in every pair.
+template <int R, class W, int group = 1> typename W::reg picked(const typename W::reg *v, const typename W::reg *pick)
+{
+    typename W::reg s = W::keep(v[0], pick[0]);
+#pragma GCC unroll 8
+    for (int r = 1; r < R; ++r)
+        s = W::either(s, W::keep(v[r], pick[r]));
+    return W::template all_or<group>(s);
+}
+template <int R, class W, int group = 1> typename W::reg picked(const typename W::scalar *p, const typename W::reg *pick)
+{
+    typename W::reg v[R];
+#pragma GCC unroll 8
+    for (int r = 0; r < R; ++r)
+        v[r] = W::load(p + W::lanes * r);
+    return picked<R, W, group>(v, pick);
+}
+
+// Real LU with partial pivoting of order N, 8 < N <= 16, on an aligned copy of whole vectors.
+// Rows stay where they are while eliminating: a mask marks the rows not yet chosen as pivots, each
+// column reads its u from the pivot row in place, and the rows go out in LAPACK's order once at the
+// end, so no step waits for an interchange across the columns. The next column's update stays in
+// registers and its u comes from the comparison's mask, not through the pivot's row number, which
+// keeps the step-to-step chain short; the multipliers are scaled by 1/|pivot| and take its sign
+// after (exact), so the division overlaps the search.
+template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using W = wide<T>;
+    using reg = typename W::reg;
+    constexpr int L = W::lanes, R = (N + L - 1) / L, ld = R * L;
+    alignas(32) T work[ld * N];
+    for (int j = 0; j < N; ++j) {
+        std::copy(a + j * lda, a + j * lda + N, work + j * ld);
+        std::fill(work + j * ld + N, work + (j + 1) * ld, T(0));
+    }
+    reg open[R], c[R];
+    row_order rows{0xFEDCBA9876543210, 0xFEDCBA9876543210};
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r) {
+        open[r] = W::rows(0, N - L * r);
+        c[r] = W::load(work + L * r);
+    }
+    for (int k = 0; k < N; ++k) {
+        reg size[R], pick[R], l[R], largest = W::zero();
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            size[r] = W::keep(W::abs(c[r]), open[r]);
+            largest = W::max(largest, size[r]);
+        }
+        largest = W::all_max(largest);
+        const reg one = W::splat(T(1));
+        const reg scale = W::blend(W::div(one, largest), one, W::equal_mask(largest, W::zero()));
+        unsigned hits = 0;
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            pick[r] = W::keep(W::equal_mask(size[r], largest), open[r]);
+            hits |= W::bits(pick[r]) << (L * r);
+        }
+        int p = __builtin_ctz(hits | 1u << 31);
+        if ((hits & (hits - 1)) != 0 || hits == 0) [[unlikely]] { // a tie, or NaN: first in the interchanged order
+            p = rows.at(k);
+            for (int i = N - 1; i >= k; --i)
+                if (hits >> rows.at(i) & 1)
+                    p = rows.at(i);
+#pragma GCC unroll 4
+            for (int r = 0; r < R; ++r)
+                pick[r] = W::from_bits((1u << p) >> (L * r));
+        }
+        ipiv[k] = rows.interchange(k, p) + 1;
+        const reg pivot = picked<R, W>(c, pick);
+        if (pivot[0] == T(0) && *info == 0)
+            *info = k + 1;
+        const reg sign = W::keep(pivot, W::splat(T(-0.0)));
+        T *col = work + k * ld;
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            open[r] = W::drop(open[r], pick[r]);
+            l[r] = W::keep(W::flip(W::mul(c[r], scale), sign), open[r]);
+            W::store(col + L * r, W::blend(c[r], l[r], open[r]));
+        }
+        if (k + 1 == N)
+            break;
+        const T *next = col + ld;
+        const reg u = picked<R, W>(next, pick);
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r)
+            c[r] = W::fnmadd(l[r], u, W::load(next + L * r));
+        for (int j = k + 2; j < N; ++j) {
+            T *target = work + j * ld;
+            const reg uj = W::broadcast(target + p);
+#pragma GCC unroll 4
+            for (int r = 0; r < R; ++r)
+                W::store(target + L * r, W::fnmadd(l[r], uj, W::load(target + L * r)));
+        }
+    }
+    int from[N];
+    for (int i = 0; i < N; ++i)
+        from[i] = rows.at(i);
+    for (int j = 0; j < N; ++j)
+        for (int i = 0; i < N; ++i)
+            a[i + j * lda] = work[from[i] + j * ld];
+}
+
 // Real Cholesky A = L*L^T for 8 < n <= column_limit, right-looking on a padded copy; only the
 // lower triangle goes back, and on a non-positive pivot only the finished columns and that pivot.
 template <class T> void potrf_lower_columns(int64_t n, T *a, int64_t lda, int64_t *info)
@@ -571,15 +712,6 @@ template <class T> void inverse_columns(int64_t n, const T *a, int64_t lda, cons
     inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
-}
-
-void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
-{
-    if (at_fixed_order(n, [&]<int N>() { getrf_d_registers<N>(a, lda, ipiv, info); }))
-        return;
-    if (n <= column_limit)
-        return getrf_columns(n, a, lda, ipiv, info);
-    getrf_loop(n, a, lda, ipiv, info);
 }
 
 void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
@@ -808,16 +940,25 @@ struct y8c {
 // The single complex register kernels' vectors: one register to 4 rows, two above.
 template <int N> using complex_float_vector = std::conditional_t<(N <= 4), y4c, y8c>;
 
-// The register kernels up to 8 (computed in float, so pivots and statuses are float LAPACK's),
-// the padded ones to 64, the loops above.
-void getrf_s(int64_t n, float *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// Real LU: the register kernels up to 8 (single precision computed in float, so pivots and
+// statuses are float LAPACK's), rows kept in place to 16, the padded copies to 64, the loops above.
+template <class T> void getrf_real(int64_t n, T *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
-    if (at_fixed_order(n, [&]<int N>() { getrf_registers<N, y8f>(a, lda, ipiv, info); }))
+    if (at_fixed_order(n, [&]<int N>() {
+            if constexpr (std::is_same_v<T, double>)
+                getrf_d_registers<N>(a, lda, ipiv, info);
+            else
+                getrf_registers<N, y8f>(a, lda, ipiv, info);
+        }))
+        return;
+    if (at_order_9_to_16(n, [&]<int N>() { getrf_fixed_rows<N>(a, lda, ipiv, info); }))
         return;
     if (n <= column_limit)
         return getrf_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
 }
+
+// Single precision: the register kernels up to 8, the padded ones to 64, the loops above.
 
 void potrf_lower_s(int64_t n, float *a, int64_t lda, int64_t *info)
 {
@@ -839,7 +980,7 @@ void inverse_s(int64_t n, const float *a, int64_t lda, const int64_t *ipiv, floa
 
 constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
 {
-    return {getrf_s, potrf_lower_s, potrf_upper_loop<float>, getrs_loop<float>, inverse_s,
+    return {getrf_real<float>, potrf_lower_s, potrf_upper_loop<float>, getrs_loop<float>, inverse_s,
             getrf_limit, potrf_limit, inverse_limit};
 }
 
@@ -1246,44 +1387,28 @@ template <int N> void potrf_lower_z_registers(std::complex<double> *a, int64_t l
 }
 
 // Whole vectors of complex rows for the padded-copy kernels: two (re, im) pairs of doubles or
-// four of floats.
-template <class R> struct wide_complex;
-template <> struct wide_complex<double> {
-    using reg = __m256d;
-    static constexpr int64_t rows_per = 2;
-    static reg load(const double *p) { return _mm256_load_pd(p); }
-    static void store(double *p, reg v) { _mm256_store_pd(p, v); }
-    static reg zero() { return _mm256_setzero_pd(); }
-    static reg splat(double x) { return _mm256_set1_pd(x); }
-    static reg keep(reg v, reg mask) { return _mm256_and_pd(v, mask); }
-    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_pd(a, b, mask); }
-    static reg mul(reg a, reg b) { return _mm256_mul_pd(a, b); }
-    static reg fmadd(reg a, reg b, reg c) { return _mm256_fmadd_pd(a, b, c); }
-    static reg swap(reg x) { return z2::swap(x); }
-    static reg alternate(double im) { return z2::alternate(im); }
-    static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return z2::minus_product(x, l, ls, c, d_alt); }
-    static reg rows(int64_t first, int64_t last, int64_t r) { return z2::rows(first, last, r); }
-};
-template <> struct wide_complex<float> {
-    using reg = __m256;
-    static constexpr int64_t rows_per = 4;
-    static reg load(const float *p) { return _mm256_load_ps(p); }
-    static void store(float *p, reg v) { _mm256_store_ps(p, v); }
-    static reg zero() { return _mm256_setzero_ps(); }
-    static reg splat(float x) { return _mm256_set1_ps(x); }
-    static reg keep(reg v, reg mask) { return _mm256_and_ps(v, mask); }
-    static reg blend(reg a, reg b, reg mask) { return _mm256_blendv_ps(a, b, mask); }
-    static reg mul(reg a, reg b) { return _mm256_mul_ps(a, b); }
-    static reg fmadd(reg a, reg b, reg c) { return _mm256_fmadd_ps(a, b, c); }
-    static reg swap(reg x) { return _mm256_permute_ps(x, 0xB1); }
-    static reg alternate(float im) { return _mm256_setr_ps(-im, im, -im, im, -im, im, -im, im); }
-    static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return _mm256_fnmadd_ps(ls, d_alt, _mm256_fnmadd_ps(l, c, x)); }
+// four of floats, over wide<R>'s lane operations.
+template <class R> struct wide_complex : wide<R> {
+    using W = wide<R>;
+    using reg = typename W::reg;
+    static constexpr int64_t rows_per = W::lanes / 2;
+    static reg swap(reg x)
+    {
+        if constexpr (W::is_double) return _mm256_permute_pd(x, 0x5); else return _mm256_permute_ps(x, 0xB1);
+    }
+    static reg fmadd(reg a, reg b, reg c) { return W::fnmadd(W::flip(a, W::splat(R(-0.0))), b, c); }
+    // (-im, im) in each pair for a scalar im.
+    static reg alternate(R im)
+    {
+        if constexpr (W::is_double) return _mm256_setr_pd(-im, im, -im, im); else return _mm256_setr_ps(-im, im, -im, im, -im, im, -im, im);
+    }
+    // x - l*u for u = (c, d), with l's swapped copy at hand.
+    static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return W::fnmadd(ls, d_alt, W::fnmadd(l, c, x)); }
+    // Lanes of complex rows [first, last) of vector r.
     static reg rows(int64_t first, int64_t last, int64_t r)
     {
-        const float row = static_cast<float>(4 * r);
-        const __m256 i = _mm256_setr_ps(row, row, row + 1, row + 1, row + 2, row + 2, row + 3, row + 3);
-        return _mm256_and_ps(_mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(first)), _CMP_GE_OQ),
-                             _mm256_cmp_ps(i, _mm256_set1_ps(static_cast<float>(last)), _CMP_LT_OQ));
+        const reg row = W::halves() + R(rows_per * r); // the row of each lane
+        return reg((row >= R(first)) & (row < R(last)));
     }
 };
 
@@ -1417,6 +1542,109 @@ template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int
         std::copy(work + j * ld, work + j * ld + n, a + j * lda);
 }
 
+// (re, re) and (-im, im) in every pair, from a complex value held in every pair of v.
+template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts(typename wide<R>::reg v)
+{
+    using W = wide<R>;
+    const typename W::reg re = W::keep(v, W::from_bits(0x55)), im = W::drop(v, W::from_bits(0x55));
+    const typename W::reg flip_even = W::keep(W::splat(R(-0.0)), W::from_bits(0x55));
+    return {W::either(re, wide_complex<R>::swap(re)), W::flip(W::either(im, wide_complex<R>::swap(im)), flip_even)};
+}
+
+// Complex LU with partial pivoting of order N, 8 < N <= 16, on an aligned copy, with the rows
+// kept in place as getrf_fixed_rows keeps them: the pivot is the first largest |re|+|im| in the
+// interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
+// (the scaled scalar one where |x|^2 leaves the range), and the rows go out in order at the end.
+// Single precision only: a double column of sixteen rows takes eight vectors, and the updates of
+// rows that stay in place then cost more than the interchanges they save.
+template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using W = wide<R>;
+    using Z = wide_complex<R>;
+    using reg = typename W::reg;
+    constexpr int P = Z::rows_per, V = (N + P - 1) / P, ld = V * P, L = W::lanes;
+    alignas(32) R storage[2 * ld * N]; // raw: complex arrays would be zeroed
+    std::complex<R> *work = reinterpret_cast<std::complex<R> *>(storage);
+    copy_padded(N, a, lda, work, ld);
+    reg open[V], c[V];
+    row_order rows{0xFEDCBA9876543210, 0xFEDCBA9876543210};
+#pragma GCC unroll 8
+    for (int v = 0; v < V; ++v) {
+        open[v] = Z::rows(0, N, v);
+        c[v] = W::load(storage + L * v);
+    }
+    const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
+    for (int k = 0; k < N; ++k) {
+        reg size[V], quotient[V], pick[V], l[V], ls[V], largest = W::zero();
+#pragma GCC unroll 8
+        for (int v = 0; v < V; ++v) {
+            const reg m = W::abs(c[v]), squares = W::mul(c[v], c[v]);
+            size[v] = W::keep(m + Z::swap(m), open[v]);
+            quotient[v] = W::flip(W::div(c[v], squares + Z::swap(squares)), odd_sign);
+            largest = W::max(largest, size[v]);
+        }
+        largest = W::all_max(largest);
+        uint64_t hits = 0;
+#pragma GCC unroll 8
+        for (int v = 0; v < V; ++v) {
+            pick[v] = W::keep(W::equal_mask(size[v], largest), open[v]);
+            hits |= uint64_t(W::bits(pick[v])) << (L * v);
+        }
+        int p = __builtin_ctzll(hits | uint64_t(1) << 63) / 2;
+        if (__builtin_popcountll(hits) != 2) [[unlikely]] { // a tie, or NaN: first in the interchanged order
+            p = rows.at(k);
+            for (int i = N - 1; i >= k; --i)
+                if (hits >> (2 * rows.at(i)) & 1)
+                    p = rows.at(i);
+#pragma GCC unroll 8
+            for (int v = 0; v < V; ++v)
+                pick[v] = Z::rows(p, p + 1, v);
+        }
+        ipiv[k] = rows.interchange(k, p) + 1;
+        const reg pivot = picked<V, W, 2>(c, pick);
+        const std::complex<R> x(pivot[0], pivot[1]);
+        const R norm = x.real() * x.real() + x.imag() * x.imag();
+        constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
+        constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
+        reg inverse = picked<V, W, 2>(quotient, pick);
+        if (!(norm > low && norm < high)) [[unlikely]] {
+            const std::complex<R> s = x != R(0) ? reciprocal(x) : std::complex<R>(1);
+            inverse = W::keep(W::splat(s.real()), W::from_bits(0x55)) + W::drop(W::splat(s.imag()), W::from_bits(0x55));
+            if (x == R(0) && *info == 0)
+                *info = k + 1;
+        }
+        const auto [s_re, s_alt] = parts<R>(inverse);
+        R *col = storage + 2 * k * ld;
+#pragma GCC unroll 8
+        for (int v = 0; v < V; ++v) {
+            open[v] = W::drop(open[v], pick[v]);
+            l[v] = W::keep(Z::fmadd(Z::swap(c[v]), s_alt, W::mul(c[v], s_re)), open[v]);
+            ls[v] = Z::swap(l[v]);
+            W::store(col + L * v, W::blend(c[v], l[v], open[v]));
+        }
+        if (k + 1 == N)
+            break;
+        const R *next = col + 2 * ld;
+        const auto [u_re, u_alt] = parts<R>(picked<V, W, 2>(next, pick));
+#pragma GCC unroll 8
+        for (int v = 0; v < V; ++v)
+            c[v] = Z::minus_product(W::load(next + L * v), l[v], ls[v], u_re, u_alt);
+        for (int j = k + 2; j < N; ++j) {
+            R *target = storage + 2 * j * ld;
+            const reg re = W::splat(target[2 * p]), alt = Z::alternate(target[2 * p + 1]);
+#pragma GCC unroll 8
+            for (int v = 0; v < V; ++v)
+                W::store(target + L * v, Z::minus_product(W::load(target + L * v), l[v], ls[v], re, alt));
+        }
+    }
+    int from[N];
+    for (int i = 0; i < N; ++i)
+        from[i] = rows.at(i);
+    for (int j = 0; j < N; ++j)
+        for (int i = 0; i < N; ++i)
+            a[i + j * lda] = work[from[i] + j * ld];
+}
+
 // Complex Cholesky A = L*L^H for n <= complex_limit on a padded copy; only the lower triangle
 // goes back (real diagonal), and on a non-positive pivot only the finished columns and it.
 template <class R> void potrf_lower_complex_columns(int64_t n, std::complex<R> *a, int64_t lda, int64_t *info)
@@ -1518,6 +1746,8 @@ void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int6
                 getrf_complex_blocked<N, y8c, complex_float_vector<N - 4>>(a, lda, ipiv, info);
         }))
         return;
+    if (at_order_9_to_16(n, [&]<int N>() { getrf_complex_fixed_rows<N>(a, lda, ipiv, info); }))
+        return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
@@ -1595,7 +1825,7 @@ constexpr small_kernels<std::complex<double>> complex_double_table(int64_t getrf
 
 constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_limit, int64_t inverse_limit)
 {
-    return {getrf_d, potrf_lower_d, potrf_upper_loop<double>, getrs_loop<double>, inverse_d,
+    return {getrf_real<double>, potrf_lower_d, potrf_upper_loop<double>, getrs_loop<double>, inverse_d,
             getrf_limit, potrf_limit, inverse_limit};
 }
 

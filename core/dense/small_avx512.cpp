@@ -187,7 +187,7 @@ constexpr small_kernels<float> float_table(int64_t getrf_limit, int64_t potrf_li
 // Where the AVX2 set's kernels ran faster on the processor this was measured on (an AMD EPYC,
 // whose 512-bit operations take two passes; `zel bench dense`, both tables), this set calls
 // them: the real double Cholesky and the complex kernels of both precisions at every order, the
-// real double LU from 5 to 8 and above 32, the real double inverse outside 5 to 8.
+// real double LU from 5 to 16 and above 32, the real double inverse outside 5 to 8.
 void inverse_d(int64_t n, const double *a, int64_t lda, const int64_t *ipiv, double *inv, int64_t ldinv)
 {
     if (n <= 4 || n > 8)
@@ -248,7 +248,7 @@ constexpr small_kernels<std::complex<double>> complex_double_table()
             getrs_loop<std::complex<double>>, inverse_z, 32, 32, 32};
 }
 
-// Real double LU with partial pivoting for 8 < n <= 8*R on a copy with zero-padded columns of
+// Real double LU with partial pivoting for 16 < n <= 8*R on a copy with zero-padded columns of
 // R full vectors: every load and store is a whole aligned vector (masked ones would defeat
 // store forwarding), the pivot search is vectorised, and each update skips the vectors above
 // the pivot row.
@@ -334,10 +334,8 @@ void getrf_d(int64_t n, double *a, int64_t lda, int64_t *ipiv, int64_t *info)
             if constexpr (N <= 4)
                 getrf_registers<N, ymm4>(a, lda, ipiv, info);
         });
-    if (n <= 8)
-        return small_set_avx2.d.getrf(n, a, lda, ipiv, info);
     if (n <= 16)
-        return getrf_d_columns<2>(n, a, lda, ipiv, info);
+        return small_set_avx2.d.getrf(n, a, lda, ipiv, info);
     if (n <= 32)
         return getrf_d_columns<4>(n, a, lda, ipiv, info);
     small_set_avx2.d.getrf(n, a, lda, ipiv, info);
