@@ -175,7 +175,7 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
     // at step 0 (its column-0 entry is the only nonzero one, so column 1 reaches step 1 as it was),
     // and in column 1 row 1 then comes before it though it lies below it in memory. Kernels that
     // leave the rows in place while eliminating must still take the first in the new order.
-    for (int64_t n : {3, 4, 8, 9, 12, 15, 16, 17}) {
+    for (int64_t n : {3, 4, 5, 8, 9, 12, 15, 16, 17}) {
         SCOPED_TRACE("reordered tie, n=" + std::to_string(n));
         matrix<T> a = random_matrix<T>(n, n, 53 + n);
         for (int64_t i = 0; i < n; ++i) {

@@ -151,8 +151,8 @@ constexpr unsigned pair_lanes(unsigned rows)
 }
 
 // LU with partial pivoting, the pivot the first largest |re|+|im| as LAPACK chooses it, of the
-// first C columns of an N x N matrix; columns C to N are left as they are (getrf_complex_blocked
-// goes on).
+// first C columns of an N x N matrix; columns C to N are left as they are, for a caller that
+// factors in blocks.
 template <int N, class V, int C = N>
 void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
@@ -212,45 +212,6 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
 #pragma GCC unroll 8
         for (int j = 0; j < N; ++j)
             V::store(rows, ad + 2 * j * lda, col[j]);
-    }
-}
-
-// Complex LU for 4 < N <= 8 in two blocks, for vectors whose eight columns would crowd the
-// registers: the first four columns factored in registers; each other column given the panel's
-// interchanges, solved with the unit lower triangle and the rank-4 update; then the trailing
-// block factored as a matrix of order N-4 (vectors W), whose interchanges the first columns take
-// after. The operations are those of the unblocked kernel, in its order.
-template <int N, class V, class W>
-[[gnu::noinline]] void getrf_complex_blocked(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
-{
-    using reg = typename V::reg;
-    using S = typename V::scalar;
-    S *ad = reinterpret_cast<S *>(a);
-    constexpr unsigned rows = lanes_from<N>(0);
-    getrf_complex_registers<N, V, 4>(a, lda, ipiv, info);
-#pragma GCC unroll 4
-    for (int j = 4; j < N; ++j) {
-        reg x = V::load(rows, ad + 2 * j * lda);
-#pragma GCC unroll 4
-        for (int k = 0; k < 4; ++k)
-            x = V::permute(V::swap_index(k, static_cast<int>(ipiv[k] - 1)), x);
-#pragma GCC unroll 4
-        for (int k = 0; k < 4; ++k) {
-            const reg l = V::load(rows, ad + 2 * k * lda);
-            x = V::mask_minus_product(x, l, V::swap_pairs(l), V::re(x, k), V::negate_odd(V::im(x, k)),
-                                      lanes_from<N>(k + 1));
-        }
-        V::store(rows, ad + 2 * j * lda, x);
-    }
-    int64_t trailing = 0;
-    getrf_complex_registers<N - 4, W>(a + 4 + 4 * lda, lda, ipiv + 4, &trailing);
-    if (trailing != 0 && *info == 0)
-        *info = trailing + 4;
-    for (int k = 4; k < N; ++k) {
-        const int64_t p = ipiv[k] += 4;
-        if (p - 1 != k)
-            for (int j = 0; j < 4; ++j)
-                std::swap(a[k + j * lda], a[p - 1 + j * lda]);
     }
 }
 
