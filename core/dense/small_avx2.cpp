@@ -353,9 +353,10 @@ template <class T> struct wide {
     static reg zero() { return reg{}; }
     static reg mul(reg a, reg b) { return a * b; }
     static reg div(reg a, reg b) { return a / b; }
-    static reg keep(reg v, reg mask) { return reg(ints(v) & ints(mask)); }
-    static reg drop(reg v, reg mask) { return reg(ints(v) & ~ints(mask)); }
-    static reg flip(reg v, reg sign) { return reg(ints(v) ^ ints(sign)); }
+    // Bit operations in the floating-point domain (an integer one would cost a bypass cycle).
+    static reg keep(reg v, reg mask) { return reg(_mm256_and_ps(__m256(v), __m256(mask))); }
+    static reg drop(reg v, reg mask) { return reg(_mm256_andnot_ps(__m256(mask), __m256(v))); }
+    static reg flip(reg v, reg sign) { return reg(_mm256_xor_ps(__m256(v), __m256(sign))); }
     static reg abs(reg v) { return drop(v, splat(T(-0.0))); }
     static reg equal_mask(reg a, reg b) { return reg(a == b); }
     static reg fnmadd(reg a, reg b, reg c)
@@ -390,7 +391,7 @@ template <class T> struct wide {
         }
     }
     static reg all_max(reg v) { return across(v, [](reg x, reg y) { return max(x, y); }); }
-    static reg either(reg a, reg b) { return reg(ints(a) | ints(b)); }
+    static reg either(reg a, reg b) { return reg(_mm256_or_ps(__m256(a), __m256(b))); }
     template <int group = 1> static reg all_or(reg v) { return across<group>(v, [](reg x, reg y) { return either(x, y); }); }
     static reg iota()
     {
