@@ -8,12 +8,28 @@
 
 constexpr int64_t blocked_complex_limit = 64;
 
-// The extra operations the block update needs on wide_complex's vectors.
+// The leading dimension of the blocked kernels' copies: whole vectors and one more when the
+// columns would lie a power of two apart (at 64 a row interchange or a block row of U would
+// touch only a few cache sets).
+template <class R> constexpr int64_t spaced_complex(int64_t n)
+{
+    const int64_t ld = padded_complex<R>(n);
+    return (ld & (ld - 1)) == 0 ? ld + wide_complex<R>::rows_per : ld;
+}
+
+// The extra operations the blocked kernels need beside wide_complex's.
 template <class R> struct block_ops;
 template <> struct block_ops<double> {
     using reg = __m256d;
     static reg broadcast(const double *p) { return _mm256_broadcast_sd(p); }
     static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_pd(a, b, c); }
+    static void exchange(std::complex<double> *x, std::complex<double> *y) // in one move each, not two
+    {
+        double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
+        const __m128d t = _mm_load_pd(xd);
+        _mm_store_pd(xd, _mm_load_pd(yd));
+        _mm_store_pd(yd, t);
+    }
     // (-im, re) of every complex entry: x * i.
     static reg times_i(reg x) { return _mm256_xor_pd(_mm256_permute_pd(x, 0x5), _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0)); }
 };
@@ -21,6 +37,13 @@ template <> struct block_ops<float> {
     using reg = __m256;
     static reg broadcast(const float *p) { return _mm256_broadcast_ss(p); }
     static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_ps(a, b, c); }
+    static void exchange(std::complex<float> *x, std::complex<float> *y)
+    {
+        double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
+        const __m128d t = _mm_load_sd(xd);
+        _mm_store_sd(xd, _mm_load_sd(yd));
+        _mm_store_sd(yd, t);
+    }
     static reg times_i(reg x)
     {
         return _mm256_xor_ps(_mm256_permute_ps(x, 0xB1), _mm256_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f));
@@ -117,12 +140,12 @@ template <class R> void pivot_and_scale(std::complex<R> *work, int64_t ld, int64
     ipiv[k] = p + 1;
     if (p != k)
         for (int64_t j = 0; j < n; ++j)
-            std::swap(work[k + j * ld], work[p + j * ld]);
+            block_ops<R>::exchange(work + k + j * ld, work + p + j * ld);
     const T pivot = col[k];
     if (pivot == R(0) && *info == 0)
         *info = k + 1;
     const T r = pivot != R(0) ? reciprocal(pivot) : T(1);
-    const int64_t first = (k + 1) / W::rows_per, vectors = ld / W::rows_per;
+    const int64_t first = (k + 1) / W::rows_per, vectors = padded_complex<R>(n) / W::rows_per;
     const auto below = W::rows(k + 1, ld, first);
     R *cd = reinterpret_cast<R *>(col);
     for (int64_t v = first; v < vectors; ++v) {
@@ -140,8 +163,8 @@ void getrf_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int64_t *i
     using W = wide_complex<R>;
     using T = std::complex<R>;
     static_assert(Width % 4 == 0);
-    const int64_t ld = padded_complex<R>(n), vectors = ld / W::rows_per;
-    alignas(32) R storage[2 * Bound * Bound]; // raw: complex arrays would be zeroed
+    const int64_t vectors = padded_complex<R>(n) / W::rows_per, ld = spaced_complex<R>(n);
+    alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
     T *work = reinterpret_cast<T *>(storage);
     copy_padded(n, a, lda, work, ld);
     for (int64_t kb = 0; kb < n; kb += Width) {
@@ -176,8 +199,8 @@ void potrf_lower_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int6
     using T = std::complex<R>;
     constexpr int64_t lanes = 2 * W::rows_per;
     static_assert(Width % 4 == 0);
-    const int64_t ld = padded_complex<R>(n), vectors = ld / W::rows_per;
-    alignas(32) R storage[2 * Bound * Bound]; // raw: complex arrays would be zeroed
+    const int64_t vectors = padded_complex<R>(n) / W::rows_per, ld = spaced_complex<R>(n);
+    alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
     T *work = reinterpret_cast<T *>(storage);
     copy_padded(n, a, lda, work, ld);
     int64_t done = n;
