@@ -1,4 +1,4 @@
-// Complex LU from 33 to 64 and Cholesky from 17 to 64 on a padded copy, in blocks of columns: a
+// Complex LU from 33 to 64 and Cholesky from 17 (z) or 22 (c) to 64 on a padded copy, in blocks of columns: a
 // block's columns are factored a column at a time as the padded kernels do, and the products with
 // whole blocks are done as one update held in registers (a column at a time they would go through
 // memory for every column). Included by small_avx2.cpp inside its namespace, after the padded
