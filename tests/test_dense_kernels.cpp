@@ -225,7 +225,8 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
         }
     }
     // A zero column k gives info = k+1; the factorisation still reconstructs A.
-    for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 50, 64}) {
+    // 33, 40 and 63 put n / 2 inside the second block of columns of the orders factored in blocks.
+    for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 33, 40, 50, 63, 64}) {
         for (int64_t zero_col : {int64_t(0), n / 2, n - 1}) {
             SCOPED_TRACE("n=" + std::to_string(n) + " zero column " + std::to_string(zero_col));
             matrix<T> a = random_matrix<T>(n, n, 11 + n);
@@ -348,8 +349,11 @@ TYPED_TEST(DenseKernels, PotrfBothTrianglesAndIndefinite)
         }
     }
     // A non-positive leading minor of order k gives info = k (on every path: 24 and 64 reach the
-    // padded kernels of both precisions; up to 8, every column of the register kernels).
-    for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 16, 24, 40, 64}) {
+    // padded kernels of both precisions; up to 8, every column of the register kernels; 33 to 64
+    // the complex kernels that factor in blocks, (n + 1) / 2 inside their second block). The
+    // leading minor of order k - 1 comes back factored, the failing diagonal entry as its Schur
+    // complement (what lies below or right of that minor differs between blocked forms).
+    for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 16, 24, 33, 40, 48, 63, 64}) {
         std::vector<int64_t> columns = {1, (n + 1) / 2, n};
         if (n <= 8)
             for (int64_t k = 2; k < n; ++k)
@@ -375,9 +379,22 @@ TYPED_TEST(DenseKernels, PotrfBothTrianglesAndIndefinite)
                     }
                 }
                 f(k - 1, k - 1) = s - T(real<T>(0.5)); // the Schur complement becomes -0.5
+                const matrix<T> minor = f;
                 int64_t info = 0;
                 api<T>::potrf(&uplo, &n, c_ptr(f.data()), &f.ld, &info, 1);
                 EXPECT_EQ(info, k) << "n=" << n << " uplo=" << uplo;
+                auto factor = [&](int64_t i, int64_t q) { return uplo == 'L' ? f(i, q) : conj(f(q, i)); };
+                const real<T> tol = 16 * real<T>(n) * eps<T> * max_abs(a);
+                real<T> worst = 0;
+                for (int64_t j = 0; j + 1 < k; ++j)
+                    for (int64_t i = j; i + 1 < k; ++i) {
+                        T x(0);
+                        for (int64_t q = 0; q <= j; ++q)
+                            x += factor(i, q) * conj(factor(j, q));
+                        worst = std::max(worst, abs1(x - minor(i, j)));
+                    }
+                EXPECT_LE(worst, tol) << "n=" << n << " k=" << k << " uplo=" << uplo;
+                EXPECT_NEAR(std::real(std::complex<real<T>>(f(k - 1, k - 1))), real<T>(-0.5), tol) << "n=" << n << " k=" << k;
             }
         }
     }

@@ -1691,6 +1691,8 @@ template <class R> void potrf_lower_complex_columns(int64_t n, std::complex<R> *
     }
 }
 
+#include "small_complex_blocked.hpp"
+
 // The complex inverse U^-1 * L^-1 * P^T for n <= complex_limit from a padded copy of the
 // factor, as inverse_columns forms it.
 template <class R>
@@ -1753,6 +1755,8 @@ void getrf_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *ipiv, int6
         return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);
+    if (n <= blocked_complex_limit)
+        return getrf_complex_panels<16>(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
 }
 
@@ -1760,8 +1764,10 @@ void potrf_lower_c(int64_t n, std::complex<float> *a, int64_t lda, int64_t *info
 {
     if (at_fixed_order(n, [&]<int N>() { potrf_lower_complex_registers<N, complex_float_vector<N>>(a, lda, info); }))
         return;
-    if (n <= complex_limit)
+    if (n <= 21) // the blocked form measured slower up to 19, even at 20 and 21
         return potrf_lower_complex_columns(n, a, lda, info);
+    if (n <= blocked_complex_limit)
+        return potrf_lower_complex_panels<8>(n, a, lda, info);
     potrf_lower_loop(n, a, lda, info);
 }
 
@@ -1795,6 +1801,8 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
         return;
     if (n <= complex_limit)
         return getrf_complex_columns(n, a, lda, ipiv, info);
+    if (n <= blocked_complex_limit)
+        return getrf_complex_panels<16>(n, a, lda, ipiv, info);
     getrf_loop(n, a, lda, ipiv, info);
 }
 
@@ -1804,8 +1812,8 @@ void potrf_lower_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *inf
         return;
     if (n <= 16)
         return potrf_lower_small(n, a, lda, info);
-    if (n <= complex_limit)
-        return potrf_lower_complex_columns(n, a, lda, info);
+    if (n <= blocked_complex_limit) // from 17 the blocked form measured faster than the padded one
+        return potrf_lower_complex_panels<8>(n, a, lda, info);
     potrf_lower_loop(n, a, lda, info);
 }
 
@@ -1840,10 +1848,12 @@ namespace zel::dense {
 // Orders up to which each kernel beats OpenBLAS (getrf, potrf, inverse), measured with `zel bench
 // dense` on an AMD EPYC lowered to AVX2, the peer on OpenBLAS 0.3.21's Haswell kernels:
 //   d  getrf 64 (1.7x there), potrf 56 (1.25x at 56, 0.9x at 64), inverse 64 (1.5x or more);
-//   z  getrf 32 (1.9x), potrf 32 (1.3x), inverse 32 (1.8x); at 64 the kernels are OpenBLAS's;
+//   z  getrf 64 (1.9x at 32, 1.5x at 64), potrf 64 (1.47x at 32, 1.35x at 64), inverse 32 (1.8x);
 //   s  getrf 64 (1.9x), potrf 56 (1.3x at 56, 1.0x at 64), inverse 64 (3x);
-//   c  getrf 32 (2.7x), potrf 32 (1.9x), inverse 32 (4x); the padded copies stop at 32.
+//   c  getrf 64 (2.7x at 32, 2.25x at 64), potrf 64 (2.1x at 32, 1.75x at 64), inverse 32 (4x);
+//   the complex LU factors in blocks of columns above 32, the Cholesky above 16 (z) or 21 (c);
+//   above 64 OpenBLAS's blocked forms are as fast.
 const small_set small_set_avx2 = {avx2::float_table(64, 56, 64), avx2::double_table(64, 56, 64),
-                                  avx2::complex_float_table(32, 32, 32), avx2::complex_double_table(32, 32, 32)};
+                                  avx2::complex_float_table(64, 64, 32), avx2::complex_double_table(64, 64, 32)};
 
 } // namespace zel::dense

@@ -245,7 +245,7 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
 constexpr small_kernels<std::complex<double>> complex_double_table()
 {
     return {getrf_z,           potrf_lower_z, potrf_upper_loop<std::complex<double>>,
-            getrs_loop<std::complex<double>>, inverse_z, 32, 32, 32};
+            getrs_loop<std::complex<double>>, inverse_z, 64, 64, 32};
 }
 
 // Real double LU with partial pivoting for 16 < n <= 8*R on a copy with zero-padded columns of
@@ -353,9 +353,10 @@ constexpr small_kernels<double> double_table()
 namespace zel::dense {
 
 // Limits as `zel bench dense` measured them on the AMD EPYC against OpenBLAS's own choice of
-// kernels: d and s to 64 (d potrf 1.45x there, s potrf 1.6x), z and c to 32 (the padded
-// copies' end; c inverse to 64 on the loops, 1.1x there).
+// kernels: d and s to 64 (d potrf 1.45x there, s potrf 1.6x); z and c LU and Cholesky to 64
+// (the blocked complex kernels' end), their inverses to 32 (the padded copies' end; c inverse to
+// 64 on the loops, 1.1x there).
 const small_set small_set_avx512 = {avx512::float_table(64, 64, 64), avx512::double_table(),
-                                    avx512::complex_float_table(32, 32, 64), avx512::complex_double_table()};
+                                    avx512::complex_float_table(64, 64, 64), avx512::complex_double_table()};
 
 } // namespace zel::dense
