@@ -1790,6 +1790,16 @@ void inverse_complex_columns(int64_t n, const std::complex<R> *a, int64_t lda, c
         std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
 }
 
+// The complex inverse past the register kernels: the padded kernel to complex_limit.
+template <class R>
+void inverse_complex_padded(int64_t n, const std::complex<R> *a, int64_t lda, const int64_t *ipiv, std::complex<R> *inv,
+                            int64_t ldinv)
+{
+    if (n <= complex_limit)
+        return inverse_complex_columns(n, a, lda, ipiv, inv, ldinv);
+    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+}
+
 // Complex LU past the register and fixed-order kernels: the padded kernel to complex_limit, the
 // blocked one above.
 template <class R> void getrf_complex_padded(int64_t n, std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
@@ -1832,9 +1842,7 @@ void inverse_c(int64_t n, const std::complex<float> *a, int64_t lda, const int64
 {
     if (at_fixed_order(n, [&]<int N>() { inverse_complex_registers<N, complex_float_vector<N>>(a, lda, ipiv, inv, ldinv); }))
         return;
-    if (n <= complex_limit)
-        return inverse_complex_columns(n, a, lda, ipiv, inv, ldinv);
-    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+    inverse_complex_padded(n, a, lda, ipiv, inv, ldinv);
 }
 
 constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_limit, int64_t potrf_limit,
@@ -1874,9 +1882,7 @@ void inverse_z(int64_t n, const std::complex<double> *a, int64_t lda, const int6
 {
     if (at_fixed_order(n, [&]<int N>() { inverse_z_registers<N>(a, lda, ipiv, inv, ldinv); }))
         return;
-    if (n <= complex_limit)
-        return inverse_complex_columns(n, a, lda, ipiv, inv, ldinv);
-    inverse_loop(n, a, lda, ipiv, inv, ldinv);
+    inverse_complex_padded(n, a, lda, ipiv, inv, ldinv);
 }
 
 constexpr small_kernels<std::complex<double>> complex_double_table(int64_t getrf_limit, int64_t potrf_limit,
