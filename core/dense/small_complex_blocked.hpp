@@ -23,13 +23,6 @@ template <> struct block_ops<double> {
     using reg = __m256d;
     static reg broadcast(const double *p) { return _mm256_broadcast_sd(p); }
     static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_pd(a, b, c); }
-    static void exchange(std::complex<double> *x, std::complex<double> *y) // in one move each, not two
-    {
-        double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
-        const __m128d t = _mm_load_pd(xd);
-        _mm_store_pd(xd, _mm_load_pd(yd));
-        _mm_store_pd(yd, t);
-    }
     // (-im, re) of every complex entry: x * i.
     static reg times_i(reg x) { return _mm256_xor_pd(_mm256_permute_pd(x, 0x5), _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0)); }
 };
@@ -37,13 +30,6 @@ template <> struct block_ops<float> {
     using reg = __m256;
     static reg broadcast(const float *p) { return _mm256_broadcast_ss(p); }
     static reg fnmadd(reg a, reg b, reg c) { return _mm256_fnmadd_ps(a, b, c); }
-    static void exchange(std::complex<float> *x, std::complex<float> *y)
-    {
-        double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
-        const __m128d t = _mm_load_sd(xd);
-        _mm_store_sd(xd, _mm_load_sd(yd));
-        _mm_store_sd(yd, t);
-    }
     static reg times_i(reg x)
     {
         return _mm256_xor_ps(_mm256_permute_ps(x, 0xB1), _mm256_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f));
@@ -122,38 +108,6 @@ void block_update_run(const block_update<R> &b, int64_t v0, int64_t v1, int64_t 
     }
 }
 
-// Partial pivoting in column k over rows [k, n), whole rows swapped; the status names the first
-// zero pivot; the column below k scaled by the pivot's reciprocal.
-template <class R> void pivot_and_scale(std::complex<R> *work, int64_t ld, int64_t n, int64_t k, int64_t *ipiv, int64_t *info)
-{
-    using W = wide_complex<R>;
-    using T = std::complex<R>;
-    constexpr int64_t lanes = 2 * W::rows_per;
-    T *col = work + k * ld;
-    int64_t p = k;
-    R best = std::abs(col[k].real()) + std::abs(col[k].imag());
-    for (int64_t i = k + 1; i < n; ++i) {
-        const R size = std::abs(col[i].real()) + std::abs(col[i].imag());
-        if (size > best)
-            best = size, p = i;
-    }
-    ipiv[k] = p + 1;
-    if (p != k)
-        for (int64_t j = 0; j < n; ++j)
-            block_ops<R>::exchange(work + k + j * ld, work + p + j * ld);
-    const T pivot = col[k];
-    if (pivot == R(0) && *info == 0)
-        *info = k + 1;
-    const T r = pivot != R(0) ? reciprocal(pivot) : T(1);
-    const int64_t first = (k + 1) / W::rows_per, vectors = padded_complex<R>(n) / W::rows_per;
-    const auto below = W::rows(k + 1, ld, first);
-    R *cd = reinterpret_cast<R *>(col);
-    for (int64_t v = first; v < vectors; ++v) {
-        const auto c = W::load(cd + lanes * v);
-        W::store(cd + lanes * v, v == first ? W::blend(c, scale_complex(c, r), below) : scale_complex(c, r));
-    }
-}
-
 // Complex LU with partial pivoting for n <= Bound, in blocks of Width columns (a multiple of every
 // vector's rows): the block's columns a column at a time, the block row of U by forward
 // substitution, then the trailing matrix at once.
@@ -169,11 +123,8 @@ void getrf_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int64_t *i
     copy_padded(n, a, lda, work, ld);
     for (int64_t kb = 0; kb < n; kb += Width) {
         const int64_t end = std::min(kb + Width, n);
-        for (int64_t k = kb; k < end; ++k) {
-            pivot_and_scale(work, ld, n, k, ipiv, info);
-            const R *cd = reinterpret_cast<const R *>(work + k * ld);
-            update_rows_complex<false>(work, ld, k, (k + 1) / W::rows_per, vectors, k + 1, end, below_loader(cd, k));
-        }
+        for (int64_t k = kb; k < end; ++k)
+            lu_column<true>(work, ld, n, k, end, ipiv, info);
         if (end == n)
             break;
         for (int64_t k = kb; k + 1 < end; ++k) { // U's block row: L's unit triangle solved
@@ -197,7 +148,6 @@ void potrf_lower_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int6
 {
     using W = wide_complex<R>;
     using T = std::complex<R>;
-    constexpr int64_t lanes = 2 * W::rows_per;
     static_assert(Width % 4 == 0);
     const int64_t vectors = padded_complex<R>(n) / W::rows_per, ld = spaced_complex<R>(n);
     alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
@@ -211,33 +161,9 @@ void potrf_lower_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int6
             const block_update<R> b = {base + 2 * kb * ld, base, base + 2 * kb, 2 * ld, 2 * ld, 2, kb};
             block_update_run<true>(b, kb / W::rows_per, vectors, end - kb, kb);
         }
-        for (int64_t k = kb; k < end; ++k) {
-            T *col = work + k * ld;
-            const R d = col[k].real();
-            if (!(d > R(0))) {
-                col[k] = d;
+        for (int64_t k = kb; k < end && done == n; ++k)
+            if (!cholesky_column(work, ld, k, vectors, end))
                 done = k;
-                break;
-            }
-            const int64_t first = (k + 1) / W::rows_per;
-            const auto below = W::rows(k + 1, ld, first);
-            R *cd = reinterpret_cast<R *>(col);
-            update_rows_complex<true>(work, ld, k, first, vectors, k + 1, end, below_loader(cd, k), R(1) / d);
-            const R root = std::sqrt(d);
-            const auto scale = W::splat(R(1) / root);
-            for (int64_t v = first; v < vectors; ++v) {
-                const auto c = W::load(cd + lanes * v);
-                W::store(cd + lanes * v, v == first ? W::blend(c, W::mul(c, scale), below) : W::mul(c, scale));
-            }
-            col[k] = root;
-        }
     }
-    for (int64_t j = 0; j < done; ++j) {
-        work[j + j * ld] = work[j + j * ld].real();
-        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
-    }
-    if (done < n) {
-        a[done + done * lda] = work[done + done * ld];
-        *info = done + 1;
-    }
+    cholesky_copy_back(n, done, work, ld, a, lda, info);
 }
