@@ -100,6 +100,16 @@ struct row_order {
         return (word & ~(uint64_t(15) << (4 * i))) | uint64_t(value) << (4 * i);
     }
     int at(int position) const { return field(order, position); }
+    // The N columns of work into a, row i from row at(i): LAPACK's order after the interchanges.
+    template <int N, class T> void write_out(const T *work, int64_t ld, T *a, int64_t lda) const
+    {
+        int from[N];
+        for (int i = 0; i < N; ++i)
+            from[i] = at(i);
+        for (int j = 0; j < N; ++j)
+            for (int i = 0; i < N; ++i)
+                a[i + j * lda] = work[from[i] + j * ld];
+    }
     // Row p becomes the pivot of step k; returns the position it came from.
     int interchange(int k, int p)
     {
@@ -628,12 +638,7 @@ template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t 
                 W::store(target + L * r, W::fnmadd(l[r], uj, W::load(target + L * r)));
         }
     }
-    int from[N];
-    for (int i = 0; i < N; ++i)
-        from[i] = rows.at(i);
-    for (int j = 0; j < N; ++j)
-        for (int i = 0; i < N; ++i)
-            a[i + j * lda] = work[from[i] + j * ld];
+    rows.write_out<N>(work, ld, a, lda);
 }
 
 // Real Cholesky A = L*L^T for 8 < n <= column_limit, right-looking on a padded copy; only the
@@ -1674,12 +1679,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
                 W::store(target + L * v, Z::minus_product(W::load(target + L * v), l[v], ls[v], re, alt));
         }
     }
-    int from[N];
-    for (int i = 0; i < N; ++i)
-        from[i] = rows.at(i);
-    for (int j = 0; j < N; ++j)
-        for (int i = 0; i < N; ++i)
-            a[i + j * lda] = work[from[i] + j * ld];
+    rows.write_out<N>(work, ld, a, lda);
 }
 
 // Column k of a complex Cholesky factor on a padded copy, columns (k, to) less its product: false,
