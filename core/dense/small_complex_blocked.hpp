@@ -17,6 +17,18 @@ template <class R> constexpr int64_t spaced_complex(int64_t n)
     return (ld & (ld - 1)) == 0 ? ld + wide_complex<R>::rows_per : ld;
 }
 
+// A's copy for the blocked kernels, on the stack: columns ld apart, whole vectors of rows each.
+template <class R, int64_t Bound> struct blocked_copy {
+    alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
+    int64_t ld, vectors;
+    blocked_copy(int64_t n, const std::complex<R> *a, int64_t lda)
+        : ld(spaced_complex<R>(n)), vectors(padded_complex<R>(n) / wide_complex<R>::rows_per)
+    {
+        copy_padded(n, a, lda, work(), ld);
+    }
+    std::complex<R> *work() { return reinterpret_cast<std::complex<R> *>(storage); }
+};
+
 // The extra operations the blocked kernels need beside wide_complex's.
 template <class R> struct block_ops;
 template <> struct block_ops<double> {
@@ -117,10 +129,9 @@ void getrf_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int64_t *i
     using W = wide_complex<R>;
     using T = std::complex<R>;
     static_assert(Width % 4 == 0);
-    const int64_t vectors = padded_complex<R>(n) / W::rows_per, ld = spaced_complex<R>(n);
-    alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
-    T *work = reinterpret_cast<T *>(storage);
-    copy_padded(n, a, lda, work, ld);
+    blocked_copy<R, Bound> copy(n, a, lda);
+    T *work = copy.work();
+    const int64_t vectors = copy.vectors, ld = copy.ld;
     for (int64_t kb = 0; kb < n; kb += Width) {
         const int64_t end = std::min(kb + Width, n);
         for (int64_t k = kb; k < end; ++k)
@@ -149,10 +160,9 @@ void potrf_lower_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int6
     using W = wide_complex<R>;
     using T = std::complex<R>;
     static_assert(Width % 4 == 0);
-    const int64_t vectors = padded_complex<R>(n) / W::rows_per, ld = spaced_complex<R>(n);
-    alignas(32) R storage[2 * spaced_complex<R>(Bound) * Bound]; // raw: complex arrays would be zeroed
-    T *work = reinterpret_cast<T *>(storage);
-    copy_padded(n, a, lda, work, ld);
+    blocked_copy<R, Bound> copy(n, a, lda);
+    T *work = copy.work();
+    const int64_t vectors = copy.vectors, ld = copy.ld;
     int64_t done = n;
     R *base = reinterpret_cast<R *>(work);
     for (int64_t kb = 0; kb < n && done == n; kb += Width) {
