@@ -16,15 +16,20 @@ constexpr bool fixed_orders = true;
 namespace zel::dense::avx2 {
 namespace {
 
+// All-ones in the lanes whose row number lies in [first, last).
+inline __m256d lanes_in(int64_t first, int64_t last, int64_t r0, int64_t r1, int64_t r2, int64_t r3)
+{
+    const auto in = [&](int64_t row) -> int64_t { return first <= row && row < last ? -1 : 0; };
+    return _mm256_castsi256_pd(_mm256_setr_epi64x(in(r0), in(r1), in(r2), in(r3)));
+}
+
 // Four doubles; without mask registers, lane selections are blends with all-ones lanes.
 struct y4 {
-    static __m256d iota(int r) { return _mm256_setr_pd(4.0 * r, 4.0 * r + 1, 4.0 * r + 2, 4.0 * r + 3); }
-    // Lanes of rows in [first, last) of vector r.
+    // Lanes of rows in [first, last) of vector r. Built from scalar tests, so the unrolled register
+    // kernels get constants (vector comparisons are not folded: they cost an instruction apiece).
     static __m256d rows(int first, int last, int r)
     {
-        const __m256d i = iota(r);
-        return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(first), _CMP_GE_OQ),
-                             _mm256_cmp_pd(i, _mm256_set1_pd(last), _CMP_LT_OQ));
+        return lanes_in(first, last, 4 * r, 4 * r + 1, 4 * r + 2, 4 * r + 3);
     }
     static __m256d lane_of(int row, int r) { return rows(row, row + 1, r); }
     static __m256i bits(__m256d m) { return _mm256_castpd_si256(m); }
@@ -1012,9 +1017,7 @@ struct z2 {
     // Lanes of complex rows [first, last) of vector r.
     static __m256d rows(int64_t first, int64_t last, int64_t r)
     {
-        const __m256d i = _mm256_setr_pd(2.0 * r, 2.0 * r, 2.0 * r + 1, 2.0 * r + 1);
-        return _mm256_and_pd(_mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(first)), _CMP_GE_OQ),
-                             _mm256_cmp_pd(i, _mm256_set1_pd(static_cast<double>(last)), _CMP_LT_OQ));
+        return lanes_in(first, last, 2 * r, 2 * r, 2 * r + 1, 2 * r + 1);
     }
     // re^2 + im^2 of each pair, in both its lanes.
     static __m256d norm(__m256d x)
