@@ -579,10 +579,7 @@ template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t 
     using reg = typename W::reg;
     constexpr int L = W::lanes, R = (N + L - 1) / L, ld = R * L;
     alignas(32) T work[ld * N];
-    for (int j = 0; j < N; ++j) {
-        std::copy(a + j * lda, a + j * lda + N, work + j * ld);
-        std::fill(work + j * ld + N, work + (j + 1) * ld, T(0));
-    }
+    copy_padded(N, a, lda, work, ld);
     reg open[R], c[R];
     row_order rows{0xFEDCBA9876543210, 0xFEDCBA9876543210};
 #pragma GCC unroll 4
