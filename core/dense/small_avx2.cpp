@@ -195,6 +195,12 @@ template <int N> [[gnu::noinline]] void getrf_d_registers(double *a, int64_t lda
         open[r] = y4::rows(0, N, r);
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
+        if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
+            ipiv[k] = N;
+            if (_mm256_cvtsd_f64(y4::picked<R>(col[k], open)) == 0.0 && *info == 0)
+                *info = N;
+            break;
+        }
         __m256d size[R], largest = _mm256_setzero_pd(), pick[R], l[R];
 #pragma GCC unroll 2
         for (int r = 0; r < R; ++r) {
@@ -588,6 +594,15 @@ template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t 
         c[r] = W::load(work + L * r);
     }
     for (int k = 0; k < N; ++k) {
+        if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
+            ipiv[k] = N;
+            if (picked<R, W>(c, open)[0] == T(0) && *info == 0)
+                *info = N;
+#pragma GCC unroll 4
+            for (int r = 0; r < R; ++r)
+                W::store(work + k * ld + L * r, c[r]);
+            break;
+        }
         reg size[R], pick[R], l[R], largest = W::zero();
 #pragma GCC unroll 4
         for (int r = 0; r < R; ++r) {
@@ -625,8 +640,6 @@ template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t 
             l[r] = W::keep(W::flip(W::mul(c[r], scale), sign), open[r]);
             W::store(col + L * r, W::blend(c[r], l[r], open[r]));
         }
-        if (k + 1 == N)
-            break;
         const T *next = col + ld;
         const reg u = picked<R, W>(next, pick);
 #pragma GCC unroll 4
@@ -1170,6 +1183,14 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
 #pragma GCC unroll 8
     for (int k = 0; k < C; ++k) {
         const int kr = k / 2;
+        if (k == N - 1) { // the last row is its own pivot, with nothing below it to scale
+            ipiv[k] = N;
+            const __m256d pivot = z2::broadcast(col[k][kr], k & 1);
+            if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) == 0 && *info == 0)
+                *info = N;
+            z2::store<N>(ad + 2 * k * lda, col[k], 0);
+            break;
+        }
         __m256d pick[R], inverse, l[R], swapped[R];
         ipiv[k] = pivot_row_z<N, R>(col[k], k, pick, &inverse) + 1;
         const __m256d pivot = interchange_z<R>(col[k], pick, k);
@@ -1617,6 +1638,16 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
     }
     const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
     for (int k = 0; k < N; ++k) {
+        if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
+            ipiv[k] = N;
+            const reg pivot = picked<V, W, 2>(c, open);
+            if (pivot[0] == R(0) && pivot[1] == R(0) && *info == 0)
+                *info = N;
+#pragma GCC unroll 8
+            for (int v = 0; v < V; ++v)
+                W::store(storage + 2 * k * ld + L * v, c[v]);
+            break;
+        }
         reg size[V], quotient[V], pick[V], l[V], ls[V], largest = W::zero();
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {
@@ -1664,8 +1695,6 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             ls[v] = Z::swap(l[v]);
             W::store(col + L * v, W::blend(c[v], l[v], open[v]));
         }
-        if (k + 1 == N)
-            break;
         const R *next = col + 2 * ld;
         const auto [u_re, u_alt] = parts<R>(picked<V, W, 2>(next, pick));
 #pragma GCC unroll 8

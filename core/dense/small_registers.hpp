@@ -32,6 +32,12 @@ template <int N, class V> void getrf_registers(typename V::scalar *a, int64_t ld
         col[j] = V::load(rows, a + j * lda);
 #pragma GCC unroll 8
     for (int k = 0; k < N; ++k) {
+        if (k == N - 1) { // the last row is its own pivot, with nothing below it to scale
+            ipiv[k] = N;
+            if (V::first(V::lane(col[k], k)) == S(0) && *info == 0)
+                *info = N;
+            break;
+        }
         // First largest |a(i,k)|, i >= k; a NaN column keeps row k, as a scan would.
         const reg magnitude = V::masked(lanes_from<N>(k), V::abs(col[k]), V::splat(S(-1)));
         const reg largest = V::all_max(magnitude);
@@ -170,6 +176,14 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
         col[j] = V::load(rows, ad + 2 * j * lda);
 #pragma GCC unroll 8
     for (int k = 0; k < C; ++k) {
+        if (k == N - 1) { // the last row is its own pivot, with nothing below it to scale
+            ipiv[k] = N;
+            if (V::element(col[k], k) == S(0) && *info == 0)
+                *info = N;
+            if constexpr (early)
+                V::store(rows, ad + 2 * k * lda, col[k]);
+            break;
+        }
         const reg size = V::masked(lanes_from<N>(k), V::pair_sum(V::abs(col[k])), V::splat(S(-1)));
         // Every row's reciprocal conj(x)/|x|^2 while the search runs, so the pivot's is at hand
         // once it is known; the scaled scalar one where |x|^2 leaves the range.
