@@ -1169,12 +1169,16 @@ template <class Count>
 // Complex double LU with partial pivoting of the first C columns of an N x N matrix (N <= 8), a
 // column in R = (N+1)/2 registers of two (re, im) pairs. Rows trade places in the registers at
 // each step, so the pivot is the first largest |re|+|im| in the current order as LAPACK picks it;
-// each column's interchange yields the pivot row's entry, the u its update needs. A finished
-// column is stored at once and takes its later interchanges in memory, so the registers keep only
-// the columns still changing. Columns C to N are left as they are (getrf_z_blocked goes on).
+// each column's interchange yields the pivot row's entry, the u its update needs. Above four rows
+// a finished column is stored at once and takes its later interchanges in memory, so the registers
+// keep only the columns still changing; up to four every column stays and takes them there, which
+// is cheaper than the stores and the data-dependent branches of swaps in memory. Columns C to N are
+// left as they are (getrf_z_blocked goes on).
 template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 1) / 2;
+    constexpr bool early = N > 4;
+    static_assert(C == N || early);
     double *ad = reinterpret_cast<double *>(a);
     __m256d col[C][R];
 #pragma GCC unroll 8
@@ -1188,7 +1192,8 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
             const __m256d pivot = z2::broadcast(col[k][kr], k & 1);
             if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) == 0 && *info == 0)
                 *info = N;
-            z2::store<N>(ad + 2 * k * lda, col[k], 0);
+            if constexpr (early)
+                z2::store<N>(ad + 2 * k * lda, col[k], 0);
             break;
         }
         __m256d pick[R], inverse, l[R], swapped[R];
@@ -1210,7 +1215,13 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
             for (int r = kr; r < R; ++r)
                 l[r] = _mm256_and_pd(col[k][r], z2::rows(k + 1, N, r));
         }
-        z2::store<N>(ad + 2 * k * lda, col[k], 0);
+        if constexpr (early) {
+            z2::store<N>(ad + 2 * k * lda, col[k], 0);
+        } else {
+#pragma GCC unroll 4
+            for (int j = 0; j < k; ++j)
+                interchange_z<R>(col[j], pick, k);
+        }
 #pragma GCC unroll 4
         for (int r = kr; r < R; ++r)
             swapped[r] = z2::swap(l[r]);
@@ -1228,7 +1239,13 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
                 col[j][r] = z2::minus_product(col[j][r], l[r], swapped[r], re, im_alt);
         }
     }
-    swap_rows_z(ad, lda, ipiv, 1, C, [](int k) { return k; });
+    if constexpr (early) {
+        swap_rows_z(ad, lda, ipiv, 1, C, [](int k) { return k; });
+    } else {
+#pragma GCC unroll 4
+        for (int j = 0; j < N; ++j)
+            z2::store<N>(ad + 2 * j * lda, col[j], 0);
+    }
 }
 
 // Complex double LU for 4 < N <= 8 in two blocks (used at 7 and 8), as the whole matrix would not fit the
@@ -1567,12 +1584,14 @@ template <bool WholeEntries, class R>
             best = size, p = i;
     }
     ipiv[k] = p + 1;
-    if (p != k)
-        for (int64_t j = 0; j < n; ++j)
+    if (p != k) {
+        for (int64_t j = 0; j < n; ++j) {
             if constexpr (WholeEntries)
                 exchange_entry(work + k + j * ld, work + p + j * ld);
             else
                 std::swap(work[k + j * ld], work[p + j * ld]);
+        }
+    }
     const T pivot = col[k];
     if (pivot == R(0) && *info == 0)
         *info = k + 1;
