@@ -1556,12 +1556,15 @@ inline void exchange_entry(std::complex<double> *x, std::complex<double> *y)
     _mm_store_pd(xd, _mm_load_pd(yd));
     _mm_store_pd(yd, t);
 }
+// Through memcpy: _mm_load_sd reads a plain double, which the optimiser may move past the
+// complex<float> stores around it (wrong factors from 17 up in optimised builds).
 inline void exchange_entry(std::complex<float> *x, std::complex<float> *y)
 {
-    double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
-    const __m128d t = _mm_load_sd(xd);
-    _mm_store_sd(xd, _mm_load_sd(yd));
-    _mm_store_sd(yd, t);
+    uint64_t t, u;
+    std::memcpy(&t, x, sizeof t);
+    std::memcpy(&u, y, sizeof u);
+    std::memcpy(static_cast<void *>(x), &u, sizeof u);
+    std::memcpy(static_cast<void *>(y), &t, sizeof t);
 }
 
 // Column k of a complex LU on a padded copy: the pivot is the first largest |re|+|im| in rows
