@@ -3,6 +3,7 @@
 // precision.
 #include <immintrin.h>
 
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -53,6 +54,14 @@ struct y4 {
             s = _mm256_or_pd(s, _mm256_and_pd(v[1], pick[1]));
         s = _mm256_or_pd(s, _mm256_permute2f128_pd(s, s, 0x01));
         return _mm256_or_pd(s, _mm256_permute_pd(s, 0x5));
+    }
+    // The lane-wise largest of v[0..R) by a tree, for a short chain; a NaN may or may not win.
+    template <int R> static __m256d max_of(const __m256d *v)
+    {
+        if constexpr (R == 1)
+            return v[0];
+        else
+            return _mm256_max_pd(max_of<R / 2>(v), max_of<R - R / 2>(v + R / 2));
     }
     static __m256d all_max(__m256d v)
     {
@@ -1149,15 +1158,13 @@ template <int R> [[gnu::always_inline]] inline __m256d interchange_z(__m256d *c,
     return u;
 }
 
-// Rows k <-> ipiv[k] - 1 for k in [first, last) over `count(k)` columns from column `from`.
-template <class Count>
-[[gnu::always_inline]] inline void swap_rows_z(double *ad, int64_t lda, const int64_t *ipiv, int first, int last,
-                                               Count count, int from = 0)
+// Rows k <-> ipiv[k] - 1 for k in [1, n) over the k columns finished before step k.
+inline void swap_finished_rows_z(double *ad, int64_t lda, const int64_t *ipiv, int n)
 {
-    for (int k = first; k < last; ++k) {
+    for (int k = 1; k < n; ++k) {
         const int64_t p = ipiv[k] - 1;
         if (p != k)
-            for (int j = from; j < from + count(k); ++j) {
+            for (int j = 0; j < k; ++j) {
                 double *x = ad + 2 * (k + j * lda), *y = ad + 2 * (p + j * lda);
                 const __m128d t = _mm_loadu_pd(x);
                 _mm_storeu_pd(x, _mm_loadu_pd(y));
@@ -1166,26 +1173,24 @@ template <class Count>
     }
 }
 
-// Complex double LU with partial pivoting of the first C columns of an N x N matrix (N <= 8), a
-// column in R = (N+1)/2 registers of two (re, im) pairs. Rows trade places in the registers at
+// Complex double LU with partial pivoting of an N x N matrix (N <= 6), a column in R = (N+1)/2
+// registers of two (re, im) pairs. Rows trade places in the registers at
 // each step, so the pivot is the first largest |re|+|im| in the current order as LAPACK picks it;
 // each column's interchange yields the pivot row's entry, the u its update needs. Above four rows
 // a finished column is stored at once and takes its later interchanges in memory, so the registers
 // keep only the columns still changing; up to four every column stays and takes them there, which
-// is cheaper than the stores and the data-dependent branches of swaps in memory. Columns C to N are
-// left as they are (getrf_z_blocked goes on).
-template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// is cheaper than the stores and the data-dependent branches of swaps in memory.
+template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 1) / 2;
     constexpr bool early = N > 4;
-    static_assert(C == N || early);
     double *ad = reinterpret_cast<double *>(a);
-    __m256d col[C][R];
+    __m256d col[N][R];
 #pragma GCC unroll 8
-    for (int j = 0; j < C; ++j)
+    for (int j = 0; j < N; ++j)
         z2::load<N>(ad + 2 * j * lda, col[j]);
 #pragma GCC unroll 8
-    for (int k = 0; k < C; ++k) {
+    for (int k = 0; k < N; ++k) {
         const int kr = k / 2;
         if (k == N - 1) { // the last row is its own pivot, with nothing below it to scale
             ipiv[k] = N;
@@ -1228,7 +1233,7 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
         // Only rows below k change: a vector that also holds row k keeps it (a NaN or infinite
         // u times the zero multiplier must not reach the finished rows).
 #pragma GCC unroll 8
-        for (int j = k + 1; j < C; ++j) {
+        for (int j = k + 1; j < N; ++j) {
             const __m256d u = interchange_z<R>(col[j], pick, k);
             const __m256d re = _mm256_movedup_pd(u), im_alt = z2::odd_to_alternate(u);
             if ((k & 1) == 0)
@@ -1240,7 +1245,7 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
         }
     }
     if constexpr (early) {
-        swap_rows_z(ad, lda, ipiv, 1, C, [](int k) { return k; });
+        swap_finished_rows_z(ad, lda, ipiv, N);
     } else {
 #pragma GCC unroll 4
         for (int j = 0; j < N; ++j)
@@ -1248,54 +1253,170 @@ template <int N, int C = N> void getrf_z_registers(std::complex<double> *a, int6
     }
 }
 
-// Complex double LU for 4 < N <= 8 in two blocks (used at 7 and 8), as the whole matrix would not fit the
-// registers: the first four columns factored in registers; each other column loaded in the
-// panel's row order, solved with the unit lower triangle and given the rank-4 update; then the
-// trailing block factored as a matrix of order N-4, whose interchanges the first columns take
-// after. The operations are those of the unblocked kernel, in its order.
-template <int N> [[gnu::noinline]] void getrf_z_blocked(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// The pivot of step k among sizes of the rows in place, in scalars: the row at position k when its
+// size is NaN, otherwise the first largest in the interchanged order.
+template <int N, int R> [[gnu::noinline, gnu::cold]] int first_largest_kept_z(const __m256d *size, const row_order &rows, int k)
+{
+    alignas(32) double sizes[4 * R];
+    for (int r = 0; r < R; ++r)
+        _mm256_store_pd(sizes + 4 * r, size[r]);
+    auto size_at = [&](int i) { return sizes[2 * rows.at(i)]; };
+    if (std::isnan(size_at(k)))
+        return rows.at(k);
+    int first = k;
+    for (int i = k + 1; i < N; ++i)
+        if (size_at(i) > size_at(first))
+            first = i;
+    return rows.at(first);
+}
+
+// The pivot of step k of a complex LU whose rows stay in place: the first largest |re|+|im| among
+// the open rows of column c in the interchanged order, or the row at position k when its size is
+// NaN. A NaN size also compares as a hit, so one row with two lanes is the common path and a tie
+// or a NaN takes the scalar one. pick gets the pivot's lanes, pivot its value and inverse
+// conj(x)/|x|^2 in both halves (one division after the search: dividing every row while it runs,
+// as pivot_row_z does, measured slower here, where the column keeps all its vectors).
+template <int N, int R>
+[[gnu::always_inline]] inline int pivot_row_kept_z(const __m256d *c, const __m256d *open_magnitude, const row_order &rows,
+                                                   int k, __m256d *pick, __m256d *pivot, __m256d *inverse)
+{
+    __m256d size[R];
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r) {
+        const __m256d m = _mm256_and_pd(c[r], open_magnitude[r]);
+        size[r] = _mm256_add_pd(m, z2::swap(m));
+    }
+    __m256d largest = y4::max_of<R>(size); // a NaN size loses
+    largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
+    unsigned hits = 0;
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r) { // finished rows hit only when every open row is zero, a tie
+        pick[r] = _mm256_cmp_pd(size[r], largest, _CMP_NLT_UQ);
+        hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
+    }
+    int p = static_cast<int>(__builtin_ctz(hits | 1u << 31)) / 2;
+    if (__builtin_popcount(hits) != 2) [[unlikely]] {
+        p = first_largest_kept_z<N, R>(size, rows, k);
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r)
+            pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
+    }
+    *pivot = z2::picked<R>(c, pick, 0);
+    *inverse = _mm256_xor_pd(_mm256_div_pd(*pivot, z2::norm(*pivot)), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
+    return p;
+}
+
+// Whether row p of columns [from, N) is finite: then x - 0*u leaves the finished rows as they are.
+template <int N> bool row_finite_z(const double *ad, int64_t lda, int from, int p)
+{
+    __m128d nan_if_not = _mm_setzero_pd();
+    for (int j = from; j < N; ++j)
+        nan_if_not = _mm_fmadd_pd(_mm_loadu_pd(ad + 2 * (p + j * lda)), _mm_setzero_pd(), nan_if_not);
+    return _mm_movemask_pd(_mm_cmp_pd(nan_if_not, nan_if_not, _CMP_UNORD_Q)) == 0;
+}
+
+// Column x (N rows) less l times its entry in row p, into out. The multipliers are zero in the
+// finished rows; where u is not finite those rows take their old values back (0*inf is NaN).
+template <int N, int R>
+[[gnu::always_inline]] inline void minus_pivot_row_z(const double *x, int p, const __m256d *l, const __m256d *ls,
+                                                     const __m256d *open, bool finite, __m256d *out)
+{
+    const __m256d re = _mm256_broadcast_sd(x + 2 * p), im_alt = z2::alternate(x[2 * p + 1]);
+    z2::load<N>(x, out);
+#pragma GCC unroll 4
+    for (int r = 0; r < R; ++r)
+        out[r] = z2::minus_product(out[r], l[r], ls[r], re, im_alt);
+    if (!finite) [[unlikely]] {
+        __m256d old[R];
+        z2::load<N>(x, old);
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r)
+            out[r] = _mm256_blendv_pd(old[r], out[r], open[r]);
+    }
+}
+
+// Row q of the N columns to row where(q): LAPACK's order after the interchanges.
+template <int N> void write_rows_in_order_z(double *ad, int64_t lda, const row_order &rows)
+{
+    constexpr int R = (N + 1) / 2;
+    int64_t to[2 * R];
+#pragma GCC unroll 8
+    for (int q = 0; q < N; ++q)
+        to[q] = 2 * row_order::field(rows.where, q);
+#pragma GCC unroll 8
+    for (int j = 0; j < N; ++j) {
+        double *c = ad + 2 * j * lda;
+        __m256d x[R];
+        z2::load<N>(c, x);
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            _mm_storeu_pd(c + to[2 * r], _mm256_castpd256_pd128(x[r]));
+            if (2 * r + 1 < N)
+                _mm_storeu_pd(c + to[2 * r + 1], _mm256_extractf128_pd(x[r], 1));
+        }
+    }
+}
+
+// Complex double LU of order N (6 < N <= 8) with its rows kept in place, on the matrix itself:
+// a mask marks the rows not yet chosen, each column reads its u from the pivot row where it lies,
+// and the rows go to LAPACK's order once at the end. The column being searched stays in
+// registers, the others in memory (eight columns of four vectors would not fit), so no step moves
+// rows across the columns; the search and the next column's update are the only chain.
+template <int N> [[gnu::noinline]] void getrf_z_rows_kept(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     constexpr int R = (N + 1) / 2;
     double *ad = reinterpret_cast<double *>(a);
-    getrf_z_registers<N, 4>(a, lda, ipiv, info);
-    int order[N];
-    for (int i = 0; i < N; ++i)
-        order[i] = i;
-    for (int k = 0; k < 4; ++k)
-        std::swap(order[k], order[ipiv[k] - 1]);
+    __m256d c[R], open[R], open_magnitude[R]; // the open rows' lanes, those without their sign bits
+    row_order rows;
+    z2::load<N>(ad, c);
 #pragma GCC unroll 4
-    for (int j = 4; j < N; ++j) {
-        const double *c = ad + 2 * j * lda;
-        __m256d x[R];
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r) { // rows gathered by pairs: the panel's stores stay clear of them
-            const __m128d low = _mm_loadu_pd(c + 2 * order[2 * r]);
-            x[r] = 2 * r + 1 < N ? _mm256_insertf128_pd(_mm256_castpd128_pd256(low), _mm_loadu_pd(c + 2 * order[2 * r + 1]), 1)
-                                 : _mm256_zextpd128_pd256(low);
-        }
-#pragma GCC unroll 4
-        for (int k = 0; k < 4; ++k) {
-            const int kr = k / 2;
-            __m256d l[R];
-            z2::load<N>(ad + 2 * k * lda, l, k + 1);
-            const __m256d b = z2::broadcast(x[kr], k & 1);
-            const __m256d re = _mm256_movedup_pd(b), im_alt = z2::odd_to_alternate(b);
-            if ((k & 1) == 0) // row k stays as it is (see getrf_z_registers)
-                x[kr] = _mm256_blendv_pd(x[kr], z2::minus_product(x[kr], l[kr], z2::swap(l[kr]), re, im_alt),
-                                         z2::rows(k + 1, N, kr));
-#pragma GCC unroll 4
-            for (int r = kr + 1; r < R; ++r)
-                x[r] = z2::minus_product(x[r], l[r], z2::swap(l[r]), re, im_alt);
-        }
-        z2::store<N>(ad + 2 * j * lda, x, 0);
+    for (int r = 0; r < R; ++r) {
+        open[r] = z2::rows(0, N, r);
+        open_magnitude[r] = y4::abs(open[r]);
     }
-    int64_t trailing = 0;
-    getrf_z_registers<N - 4>(a + 4 + 4 * lda, lda, ipiv + 4, &trailing);
-    if (trailing != 0 && *info == 0)
-        *info = trailing + 4;
-    for (int k = 4; k < N; ++k)
-        ipiv[k] += 4;
-    swap_rows_z(ad, lda, ipiv, 4, N, [](int) { return 4; });
+    for (int k = 0; k < N; ++k) {
+        double *col = ad + 2 * k * lda;
+        if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
+            ipiv[k] = N;
+            const __m256d pivot = z2::picked<R>(c, open, 0);
+            if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) == 0 && *info == 0)
+                *info = N;
+            z2::store<N>(col, c, 0);
+            break;
+        }
+        __m256d pick[R], pivot, inverse, l[R], ls[R];
+        const int p = pivot_row_kept_z<N, R>(c, open_magnitude, rows, k, pick, &pivot, &inverse);
+        ipiv[k] = rows.interchange(k, p) + 1;
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            open[r] = _mm256_andnot_pd(pick[r], open[r]);
+            open_magnitude[r] = _mm256_andnot_pd(pick[r], open_magnitude[r]);
+        }
+        __m256d s_re = _mm256_set1_pd(1.0), s_im_alt = _mm256_setzero_pd(); // a zero pivot leaves its column
+        if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
+            const __m256d s = z2::reciprocal(pivot, z2::norm(pivot), inverse);
+            s_re = _mm256_movedup_pd(s);
+            s_im_alt = z2::odd_to_alternate(s);
+        } else if (*info == 0) {
+            *info = k + 1;
+        }
+#pragma GCC unroll 4
+        for (int r = 0; r < R; ++r) {
+            l[r] = _mm256_and_pd(_mm256_fmadd_pd(z2::swap(c[r]), s_im_alt, _mm256_mul_pd(c[r], s_re)), open[r]);
+            ls[r] = z2::swap(l[r]);
+            c[r] = _mm256_blendv_pd(c[r], l[r], open[r]);
+        }
+        z2::store<N>(col, c, 0);
+        const bool finite = row_finite_z<N>(ad, lda, k + 1, p);
+        minus_pivot_row_z<N, R>(col + 2 * lda, p, l, ls, open, finite, c);
+        for (int j = k + 2; j < N; ++j) {
+            double *x = ad + 2 * j * lda;
+            __m256d y[R];
+            minus_pivot_row_z<N, R>(x, p, l, ls, open, finite, y);
+            z2::store<N>(x, y, 0);
+        }
+    }
+    write_rows_in_order_z<N>(ad, lda, rows);
 }
 
 // The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), as inverse_d_registers
@@ -1903,15 +2024,17 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
             getrf_limit, potrf_limit, inverse_limit};
 }
 
-// The register kernels up to 8; the padded ones from the orders where they beat the fixed-order
-// loops (measured on the AMD EPYC this was written on, lowered to AVX2).
+// The register kernels up to 6, the rows kept in place at 7 and 8 (187 ns at 8 against 205 for
+// four columns in registers, then the trailing four, in the batch benchmark); the padded ones
+// from the orders where they beat the fixed-order loops (measured on the AMD EPYC this was written
+// on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if (at_fixed_order(n, [&]<int N>() {
-            if constexpr (N <= 6) // the blocked form measured slower at 5 and 6
+            if constexpr (N <= 6)
                 getrf_z_registers<N>(a, lda, ipiv, info);
-            else
-                getrf_z_blocked<N>(a, lda, ipiv, info);
+            else // 7 and 8 would not fit the registers
+                getrf_z_rows_kept<N>(a, lda, ipiv, info);
         }))
         return;
     getrf_complex_padded(n, a, lda, ipiv, info);
