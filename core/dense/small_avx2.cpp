@@ -421,7 +421,7 @@ template <class T> struct wide {
             return group < 2 ? combine(v, _mm256_permute_ps(v, 0xB1)) : v;
         }
     }
-    static reg all_max(reg v) { return across(v, [](reg x, reg y) { return max(x, y); }); }
+    template <int group = 1> static reg all_max(reg v) { return across<group>(v, [](reg x, reg y) { return max(x, y); }); }
     static reg either(reg a, reg b) { return reg(_mm256_or_ps(__m256(a), __m256(b))); }
     template <int group = 1> static reg all_or(reg v) { return across<group>(v, [](reg x, reg y) { return either(x, y); }); }
     static reg iota()
@@ -854,6 +854,21 @@ struct y4c {
     }
     // Rows whose size equals the largest.
     static unsigned equal(reg a, reg b) { return _pext_u32(y8f::equal(a, b), 0x55); }
+    // The lanes of the rows of m where a equals b, and those rows as bits.
+    static reg equal_rows(unsigned m, reg a, reg b) { return _mm256_and_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ), y8f::mask(pair_lanes(m & 15))); }
+    static unsigned rows_of(reg lanes) { return _pext_u32(static_cast<unsigned>(_mm256_movemask_ps(lanes)), 0x55); }
+    // Row k <-> the one row whose lanes pick holds, formed from the mask itself: the interchange
+    // does not wait for the row number to go through a general register and back.
+    static __m256i swap_index(int k, reg pick)
+    {
+        const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), row = _mm256_srli_epi32(iota, 1);
+        __m256i at = _mm256_and_si256(_mm256_castps_si256(pick), iota); // 2p, 2p + 1 in row p's lanes
+        at = _mm256_or_si256(at, _mm256_permute2x128_si256(at, at, 0x01));
+        at = _mm256_or_si256(at, _mm256_shuffle_epi32(at, 0x4E)); // 2p, 2p + 1 in every pair
+        const __m256i idx = _mm256_blendv_epi8(iota, at, _mm256_cmpeq_epi32(row, _mm256_set1_epi32(k)));
+        const __m256i row_k = _mm256_add_epi32(_mm256_and_si256(iota, _mm256_set1_epi32(1)), _mm256_set1_epi32(2 * k));
+        return _mm256_blendv_epi8(idx, row_k, _mm256_castps_si256(pick));
+    }
     static reg re(reg v, int k) { return y8f::lane(v, 2 * k); }
     static reg im(reg v, int k) { return y8f::lane(v, 2 * k + 1); }
     static std::complex<float> element(reg v, int k) { return {_mm256_cvtss_f32(re(v, k)), _mm256_cvtss_f32(im(v, k))}; }
@@ -1752,9 +1767,11 @@ template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int
 template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts(typename wide<R>::reg v)
 {
     using W = wide<R>;
-    const typename W::reg re = W::keep(v, W::from_bits(0x55)), im = W::drop(v, W::from_bits(0x55));
     const typename W::reg flip_even = W::keep(W::splat(R(-0.0)), W::from_bits(0x55));
-    return {W::either(re, wide_complex<R>::swap(re)), W::flip(W::either(im, wide_complex<R>::swap(im)), flip_even)};
+    if constexpr (W::is_double)
+        return {_mm256_movedup_pd(v), W::flip(_mm256_permute_pd(v, 0xF), flip_even)};
+    else
+        return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
 }
 
 // Complex LU with partial pivoting of order N, 4 < N <= 16, on an aligned copy, with the rows
@@ -1799,7 +1816,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             quotient[v] = W::flip(W::div(c[v], squares + Z::swap(squares)), odd_sign);
             largest = W::max(largest, size[v]);
         }
-        largest = W::all_max(largest);
+        largest = W::template all_max<2>(largest); // both lanes of a pair hold its size
         uint64_t hits = 0;
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {

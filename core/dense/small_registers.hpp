@@ -156,44 +156,34 @@ constexpr unsigned pair_lanes(unsigned rows)
     return m;
 }
 
-// LU with partial pivoting, the pivot the first largest |re|+|im| as LAPACK chooses it, of the
-// first C columns of an N x N matrix; columns C to N are left as they are, for a caller that
-// factors in blocks.
-template <int N, class V, int C = N>
-void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// LU with partial pivoting of an N x N matrix, a column per register, the pivot the first largest
+// |re|+|im| as LAPACK chooses it. The interchange comes from the comparison's mask when one row
+// holds the largest; a tie or a NaN goes through the row number.
+template <int N, class V> void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using reg = typename V::reg;
     using S = typename V::scalar;
     S *ad = reinterpret_cast<S *>(a);
     constexpr unsigned rows = lanes_from<N>(0);
-    // Above four rows a finished column goes out at once and takes the later interchanges in
-    // memory, so the registers hold only the columns still changing.
-    constexpr bool early = N > 4;
-    static_assert(C == N || early);
-    reg col[C];
+    reg col[N];
 #pragma GCC unroll 8
-    for (int j = 0; j < C; ++j)
+    for (int j = 0; j < N; ++j)
         col[j] = V::load(rows, ad + 2 * j * lda);
 #pragma GCC unroll 8
-    for (int k = 0; k < C; ++k) {
-        if (k == N - 1) { // the last row is its own pivot, with nothing below it to scale
-            ipiv[k] = N;
-            if (V::element(col[k], k) == S(0) && *info == 0)
-                *info = N;
-            if constexpr (early)
-                V::store(rows, ad + 2 * k * lda, col[k]);
-            break;
-        }
+    for (int k = 0; k + 1 < N; ++k) {
         const reg size = V::masked(lanes_from<N>(k), V::pair_sum(V::abs(col[k])), V::splat(S(-1)));
         // Every row's reciprocal conj(x)/|x|^2 while the search runs, so the pivot's is at hand
         // once it is known; the scaled scalar one where |x|^2 leaves the range.
         const reg quotient = V::negate_odd(V::div(col[k], V::pair_sum(V::mul(col[k], col[k]))));
-        const unsigned hits = V::equal(size, V::all_max(size));
+        const reg pick = V::equal_rows(lanes_from<N>(k), size, V::all_max(size));
+        const unsigned hits = V::rows_of(pick);
+        auto swap = V::swap_index(k, pick);
         const int p = hits != 0 ? __builtin_ctz(hits) : k;
+        if (__builtin_popcount(hits) != 1) [[unlikely]]
+            swap = V::swap_index(k, p);
         ipiv[k] = p + 1;
-        const auto swap = V::swap_index(k, p);
 #pragma GCC unroll 8
-        for (int j = early ? k : 0; j < C; ++j)
+        for (int j = 0; j < N; ++j)
             col[j] = V::permute(swap, col[j]);
         const unsigned below = lanes_from<N>(k + 1);
         const std::complex<S> pivot = V::element(col[k], k);
@@ -208,25 +198,17 @@ void getrf_complex_registers(std::complex<typename V::scalar> *a, int64_t lda, i
         } else if (*info == 0) {
             *info = k + 1;
         }
-        if constexpr (early)
-            V::store(rows, ad + 2 * k * lda, col[k]);
         const reg swapped = V::swap_pairs(col[k]);
 #pragma GCC unroll 8
-        for (int j = k + 1; j < C; ++j) // col[j] -= l * u, u = col[j][k]
+        for (int j = k + 1; j < N; ++j) // col[j] -= l * u, u = col[j][k]
             col[j] = V::mask_minus_product(col[j], col[k], swapped, V::re(col[j], k), V::negate_odd(V::im(col[j], k)), below);
     }
-    if constexpr (early) {
-        for (int k = 1; k < C; ++k) {
-            const int64_t p = ipiv[k] - 1;
-            if (p != k)
-                for (int j = 0; j < k; ++j)
-                    std::swap(a[k + j * lda], a[p + j * lda]);
-        }
-    } else {
+    ipiv[N - 1] = N; // the last row is its own pivot, with nothing below it to scale
+    if (V::element(col[N - 1], N - 1) == S(0) && *info == 0)
+        *info = N;
 #pragma GCC unroll 8
-        for (int j = 0; j < N; ++j)
-            V::store(rows, ad + 2 * j * lda, col[j]);
-    }
+    for (int j = 0; j < N; ++j)
+        V::store(rows, ad + 2 * j * lda, col[j]);
 }
 
 // The inverse U^-1 * L^-1 * P^T of a complex LU factor, one column of the result per register.
