@@ -114,15 +114,72 @@ struct row_order {
         return (word & ~(uint64_t(15) << (4 * i))) | uint64_t(value) << (4 * i);
     }
     int at(int position) const { return field(order, position); }
-    // The N columns of work into a, row i from row at(i): LAPACK's order after the interchanges.
+    // The N columns of work (aligned whole vectors, ld apart) into a, row i from row at(i):
+    // LAPACK's order after the interchanges; elements of 4 or 8 bytes, moved as integers (a
+    // complex<float> copied as such took a quarter of the single complex LU at order 8). Up to
+    // three vectors a column, each vector of rows is permuted out of every source vector and takes
+    // its lanes from the one that holds them; at four the permutes cost more than the moves.
     template <int N, class T> void write_out(const T *work, int64_t ld, T *a, int64_t lda) const
     {
-        int from[N];
-        for (int i = 0; i < N; ++i)
-            from[i] = at(i);
-        for (int j = 0; j < N; ++j)
+        static_assert(sizeof(T) == 4 || sizeof(T) == 8);
+        constexpr int per = 32 / sizeof(T), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
+        if constexpr (V > 3) {
+            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
+            int from[N];
             for (int i = 0; i < N; ++i)
-                a[i + j * lda] = work[from[i] + j * ld];
+                from[i] = at(i);
+            for (int j = 0; j < N; ++j)
+                for (int i = 0; i < N; ++i) {
+                    bits x;
+                    std::memcpy(&x, work + from[i] + j * ld, sizeof x);
+                    std::memcpy(static_cast<void *>(a + i + j * lda), &x, sizeof x);
+                }
+            return;
+        }
+        const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), part = _mm256_set1_epi32(lanes_per_row - 1);
+        const __m256i shift = _mm256_slli_epi32(_mm256_srli_epi32(iota, lanes_per_row - 1), 2); // 4 * the lane's row
+        __m256i index[V], source[V];
+#pragma GCC unroll 4
+        for (int o = 0; o < V; ++o) { // the rows o*per.. of a come from these lanes of these vectors
+            const __m256i fields = _mm256_set1_epi32(static_cast<int>(order >> (4 * per * o)));
+            const __m256i from = _mm256_and_si256(_mm256_srlv_epi32(fields, shift), _mm256_set1_epi32(15));
+            index[o] = _mm256_add_epi32(_mm256_mullo_epi32(_mm256_and_si256(from, _mm256_set1_epi32(per - 1)), _mm256_add_epi32(part, _mm256_set1_epi32(1))),
+                                        _mm256_and_si256(iota, part));
+            source[o] = _mm256_srli_epi32(from, per == 8 ? 3 : 2);
+        }
+#pragma GCC unroll 2
+        for (int j = 0; j < N; ++j) {
+            __m256 x[V];
+#pragma GCC unroll 4
+            for (int v = 0; v < V; ++v)
+                x[v] = _mm256_load_ps(reinterpret_cast<const float *>(work + j * ld + per * v));
+#pragma GCC unroll 4
+            for (int o = 0; o < V; ++o) {
+                __m256 out = _mm256_permutevar8x32_ps(x[0], index[o]);
+#pragma GCC unroll 4
+                for (int v = 1; v < V; ++v)
+                    out = _mm256_blendv_ps(out, _mm256_permutevar8x32_ps(x[v], index[o]),
+                                           _mm256_castsi256_ps(_mm256_cmpeq_epi32(source[o], _mm256_set1_epi32(v))));
+                store_lanes(reinterpret_cast<float *>(a + j * lda + per * o), out, lanes_per_row * std::min(per, N - per * o));
+            }
+        }
+    }
+    // Lanes [0, count) of v to p: plain stores of 32, 16, 8 and 4 bytes.
+    static void store_lanes(float *p, __m256 v, int count)
+    {
+        if (count == 8)
+            return _mm256_storeu_ps(p, v);
+        __m128 part = _mm256_castps256_ps128(v);
+        if (count >= 4) {
+            _mm_storeu_ps(p, part);
+            p += 4, count -= 4, part = _mm256_extractf128_ps(v, 1);
+        }
+        if (count >= 2) {
+            _mm_storel_pi(reinterpret_cast<__m64 *>(p), part);
+            p += 2, count -= 2, part = _mm_movehl_ps(part, part);
+        }
+        if (count == 1)
+            _mm_store_ss(p, part);
     }
     // Row p becomes the pivot of step k; returns the position it came from.
     int interchange(int k, int p)
@@ -1774,6 +1831,33 @@ template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts
         return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
 }
 
+// The open row of largest size, found as all_max<2> finds the size, carrying the row's
+// reciprocal and its entry of the next column along: the pivot's values are at hand once the
+// search ends, with no second pass over the column. A lane keeps its own row on a tie, so the
+// carried values agree in every lane only when one row holds the largest (the caller checks).
+template <class R> struct largest_row {
+    using W = wide<R>;
+    using reg = typename W::reg;
+    reg size, inverse, u;
+    void take(const largest_row &other)
+    {
+        const reg larger = reg(other.size > size);
+        size = W::max(size, other.size);
+        inverse = W::blend(inverse, other.inverse, larger);
+        u = W::blend(u, other.u, larger);
+    }
+    template <class Permute> void take_permuted(Permute permute) { take({permute(size), permute(inverse), permute(u)}); }
+    void take_across()
+    {
+        if constexpr (W::is_double) {
+            take_permuted([](reg v) { return reg(_mm256_permute2f128_pd(v, v, 0x01)); });
+        } else {
+            take_permuted([](reg v) { return reg(_mm256_permute2f128_ps(v, v, 0x01)); });
+            take_permuted([](reg v) { return reg(_mm256_permute_ps(v, 0x4E)); });
+        }
+    }
+};
+
 // Complex LU with partial pivoting of order N, 4 < N <= 16, on an aligned copy, with the rows
 // kept in place as getrf_fixed_rows keeps them: the pivot is the first largest |re|+|im| in the
 // interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
@@ -1808,23 +1892,28 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
                 W::store(storage + 2 * k * ld + L * v, c[v]);
             break;
         }
-        reg size[V], quotient[V], pick[V], l[V], ls[V], largest = W::zero();
+        const R *next = storage + 2 * (k + 1) * ld;
+        reg size[V], quotient[V], pick[V], l[V], ls[V];
+        largest_row<R> best;
+        uint64_t unordered = 0;
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {
             const reg m = W::abs(c[v]), squares = W::mul(c[v], c[v]);
             size[v] = W::keep(m + Z::swap(m), open[v]);
             quotient[v] = W::flip(W::div(c[v], squares + Z::swap(squares)), odd_sign);
-            largest = W::max(largest, size[v]);
+            unordered |= W::bits(reg(size[v] != size[v]));
+            const largest_row<R> row{size[v], quotient[v], W::load(next + L * v)};
+            v == 0 ? void(best = row) : best.take(row);
         }
-        largest = W::template all_max<2>(largest); // both lanes of a pair hold its size
+        best.take_across();
         uint64_t hits = 0;
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {
-            pick[v] = W::keep(W::equal_mask(size[v], largest), open[v]);
+            pick[v] = W::keep(W::equal_mask(size[v], best.size), open[v]);
             hits |= uint64_t(W::bits(pick[v])) << (L * v);
         }
         int p = __builtin_ctzll(hits | uint64_t(1) << 63) / 2;
-        if (__builtin_popcountll(hits) != 2) [[unlikely]] { // a tie, or NaN: first in the interchanged order
+        if (__builtin_popcountll(hits) != 2 || unordered) [[unlikely]] { // a tie, or NaN: first in the interchanged order
             p = rows.at(k);
             for (int i = N - 1; i >= k; --i)
                 if (hits >> (2 * rows.at(i)) & 1)
@@ -1832,6 +1921,8 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
 #pragma GCC unroll 8
             for (int v = 0; v < V; ++v)
                 pick[v] = Z::rows(p, p + 1, v);
+            best.inverse = picked<V, W, 2>(quotient, pick);
+            best.u = picked<V, W, 2>(next, pick);
         }
         ipiv[k] = rows.interchange(k, p) + 1;
         const reg pivot = picked<V, W, 2>(c, pick);
@@ -1839,7 +1930,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         const R norm = x.real() * x.real() + x.imag() * x.imag();
         constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
         constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
-        reg inverse = picked<V, W, 2>(quotient, pick);
+        reg inverse = best.inverse;
         if (!(norm > low && norm < high)) [[unlikely]] {
             const std::complex<R> s = x != R(0) ? reciprocal(x) : std::complex<R>(1);
             inverse = W::keep(W::splat(s.real()), W::from_bits(0x55)) + W::drop(W::splat(s.imag()), W::from_bits(0x55));
@@ -1855,8 +1946,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             ls[v] = Z::swap(l[v]);
             W::store(col + L * v, W::blend(c[v], l[v], open[v]));
         }
-        const R *next = col + 2 * ld;
-        const auto [u_re, u_alt] = parts<R>(picked<V, W, 2>(next, pick));
+        const auto [u_re, u_alt] = parts<R>(best.u);
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v)
             c[v] = Z::minus_product(W::load(next + L * v), l[v], ls[v], u_re, u_alt);
