@@ -121,10 +121,10 @@ struct row_order {
     // its lanes from the one that holds them; at four the permutes cost more than the moves.
     template <int N, class T> void write_out(const T *work, int64_t ld, T *a, int64_t lda) const
     {
-        static_assert(sizeof(T) == 4 || sizeof(T) == 8);
-        constexpr int per = 32 / sizeof(T), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
-        if constexpr (V > 3) {
-            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, uint64_t>;
+        static_assert(sizeof(T) == 4 || sizeof(T) == 8 || sizeof(T) == 16);
+        constexpr int per = std::max<int>(32 / sizeof(T), 4), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
+        if constexpr (V > 3 || sizeof(T) == 16) {
+            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, std::conditional_t<sizeof(T) == 8, uint64_t, __m128>>;
             int from[N];
             for (int i = 0; i < N; ++i)
                 from[i] = at(i);
@@ -407,11 +407,41 @@ template <class Kernel> [[gnu::always_inline]] inline bool at_order_9_to_16(int6
     }(std::make_integer_sequence<int, 8>());
 }
 
+// count entries from `from` to `to` in 32-byte moves, the last one overlapping, or shorter ones
+// below 32 bytes: std::copy moves a std::complex one entry at a time (it is not a trivial type),
+// memcpy would be a call for every column, and a 32-byte memcpy is inlined as two 16-byte moves,
+// which the kernels' whole-vector loads of the copy cannot take from the store buffer (cgetrf 8
+// measured 119 ns with those, 110 with these).
+template <class T> [[gnu::always_inline]] inline void copy_entries(const T *from, int64_t count, T *to)
+{
+    const char *source = reinterpret_cast<const char *>(from);
+    char *target = reinterpret_cast<char *>(to);
+    const int64_t bytes = count * static_cast<int64_t>(sizeof(T));
+    auto move = [&]<int size>(int64_t at) {
+        if constexpr (size == 32)
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(target + at), _mm256_loadu_si256(reinterpret_cast<const __m256i *>(source + at)));
+        else
+            std::memcpy(target + at, source + at, size);
+    };
+    if (bytes >= 32) {
+        for (int64_t at = 0; at + 32 < bytes; at += 32)
+            move.template operator()<32>(at);
+        return move.template operator()<32>(bytes - 32);
+    }
+    int64_t at = 0;
+    if (bytes & 16)
+        move.template operator()<16>(at), at += 16;
+    if (bytes & 8)
+        move.template operator()<8>(at), at += 8;
+    if (bytes & 4)
+        move.template operator()<4>(at);
+}
+
 // Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
 template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work, int64_t ld)
 {
     for (int64_t j = 0; j < n; ++j) {
-        std::copy(a + j * lda, a + j * lda + n, work + j * ld);
+        copy_entries(a + j * lda, n, work + j * ld);
         std::fill(work + j * ld + n, work + (j + 1) * ld, T(0));
     }
 }
@@ -616,7 +646,7 @@ template <class T> void getrf_columns(int64_t n, T *a, int64_t lda, int64_t *ipi
         });
     }
     for (int64_t j = 0; j < n; ++j)
-        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+        copy_entries(work + j * ld, n, a + j * lda);
 }
 
 // The one lane of a column of R vectors (in registers or at p) that pick selects, in every lane.
@@ -753,7 +783,7 @@ template <class T> void potrf_lower_columns(int64_t n, T *a, int64_t lda, int64_
         col[k] = root;
     }
     for (int64_t j = 0; j < done; ++j)
-        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+        copy_entries(work + j * ld + j, n - j, a + j * lda + j);
     if (done < n) {
         a[done + done * lda] = work[done + done * ld];
         *info = done + 1;
@@ -800,7 +830,7 @@ template <class T> void inverse_columns(int64_t n, const T *a, int64_t lda, cons
     int64_t at[column_limit]; // at[c]: the column of x that ends in column c
     inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
-        std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+        copy_entries(x + at[c] * ld, n, inv + c * ldinv);
 }
 
 void potrf_lower_d(int64_t n, double *a, int64_t lda, int64_t *info)
@@ -1094,7 +1124,7 @@ struct z2 {
     using zd = std::complex<double>;
     static __m256d swap(__m256d x) { return _mm256_permute_pd(x, 0x5); }
     // (-im, im) in each pair for a scalar im.
-    static __m256d alternate(double im) { return _mm256_setr_pd(-im, im, -im, im); }
+    static __m256d alternate(double im) { return _mm256_xor_pd(_mm256_set1_pd(im), _mm256_setr_pd(-0.0, 0.0, -0.0, 0.0)); }
     // x - l*u for u = (c, d), with l's swapped copy at hand.
     static __m256d minus_product(__m256d x, __m256d l, __m256d l_swapped, __m256d c, __m256d d_alt)
     {
@@ -1637,10 +1667,7 @@ template <class R> struct wide_complex : wide<R> {
     }
     static reg fmadd(reg a, reg b, reg c) { return W::fnmadd(W::flip(a, W::splat(R(-0.0))), b, c); }
     // (-im, im) in each pair for a scalar im.
-    static reg alternate(R im)
-    {
-        if constexpr (W::is_double) return _mm256_setr_pd(-im, im, -im, im); else return _mm256_setr_ps(-im, im, -im, im, -im, im, -im, im);
-    }
+    static reg alternate(R im) { return W::flip(W::splat(im), W::keep(W::splat(R(-0.0)), W::from_bits(0x55))); } // broadcast, xor
     // x - l*u for u = (c, d), with l's swapped copy at hand.
     static reg minus_product(reg x, reg l, reg ls, reg c, reg d_alt) { return W::fnmadd(ls, d_alt, W::fnmadd(l, c, x)); }
     // Lanes of complex rows [first, last) of vector r.
@@ -1817,7 +1844,7 @@ template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int
         for (int64_t k = 0; k < n; ++k)
             lu_column<true>(work, ld, n, k, n, ipiv, info);
     for (int64_t j = 0; j < n; ++j)
-        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+        copy_entries(work + j * ld, n, a + j * lda);
 }
 
 // (re, re) and (-im, im) in every pair, from a complex value held in every pair of v.
@@ -1829,6 +1856,20 @@ template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts
         return {_mm256_movedup_pd(v), W::flip(_mm256_permute_pd(v, 0xF), flip_even)};
     else
         return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
+}
+
+// Whether every part of the count values at x (whole aligned vectors) is finite and below
+// 2^(max exponent - 2N): an LU of order N with |re|+|im| pivoting grows its entries by less than 4
+// a step, so no u can then overflow, and x - 0*u leaves the finished rows of a kernel that keeps
+// its rows in place as they are (0*inf would make them NaN, where LAPACK leaves them).
+template <int N, class W> bool growth_stays_finite(const typename W::scalar *x, int64_t count)
+{
+    using R = typename W::scalar;
+    const typename W::reg bound = W::splat(std::ldexp(R(1), std::numeric_limits<R>::max_exponent - 2 * N));
+    typename W::reg within = W::equal_mask(W::zero(), W::zero());
+    for (int64_t i = 0; i < count; i += W::lanes)
+        within = W::keep(within, typename W::reg(W::abs(W::load(x + i)) < bound)); // false for NaN
+    return W::bits(within) == W::bits(W::equal_mask(W::zero(), W::zero()));
 }
 
 // The open row of largest size, found as all_max<2> finds the size, carrying the row's
@@ -1862,8 +1903,9 @@ template <class R> struct largest_row {
 // kept in place as getrf_fixed_rows keeps them: the pivot is the first largest |re|+|im| in the
 // interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
 // (the scaled scalar one where |x|^2 leaves the range), and the rows go out in order at the end.
-// Single precision only: a double column of sixteen rows takes eight vectors, and the updates of
-// rows that stay in place then cost more than the interchanges they save.
+// Complex double from 9 to 15 only: at 16 a column takes eight vectors, and the updates of rows
+// that stay in place cost more than the interchanges they save (834 ns against the padded
+// kernel's 804 in the batch benchmark; 421 against 502 at 12).
 template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using W = wide<R>;
@@ -1873,6 +1915,11 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
     alignas(32) R storage[2 * ld * N]; // raw: complex arrays would be zeroed
     std::complex<R> *work = reinterpret_cast<std::complex<R> *>(storage);
     copy_padded(N, a, lda, work, ld);
+    // The padded kernel updates only the rows below the pivot in double precision (two rows a
+    // vector); single precision's vectors also hold finished rows there, so it would not help.
+    if constexpr (W::is_double)
+        if (!growth_stays_finite<N, W>(storage, 2 * ld * N)) [[unlikely]]
+            return getrf_complex_columns(N, a, lda, ipiv, info);
     reg open[V], c[V];
     row_order rows{0xFEDCBA9876543210, 0xFEDCBA9876543210};
 #pragma GCC unroll 8
@@ -1996,7 +2043,7 @@ template <class R>
 {
     for (int64_t j = 0; j < done; ++j) {
         work[j + j * ld] = work[j + j * ld].real();
-        std::copy(work + j * ld + j, work + j * ld + n, a + j * lda + j);
+        copy_entries(work + j * ld + j, n - j, a + j * lda + j);
     }
     if (done < n) {
         a[done + done * lda] = work[done + done * ld];
@@ -2066,7 +2113,7 @@ void inverse_complex_columns(int64_t n, const std::complex<R> *a, int64_t lda, c
     int64_t at[complex_limit];
     inverse_sources(n, ipiv, at);
     for (int64_t c = 0; c < n; ++c)
-        std::copy(x + at[c] * ld, x + at[c] * ld + n, inv + c * ldinv);
+        copy_entries(x + at[c] * ld, n, inv + c * ldinv);
 }
 
 // The complex inverse past the register kernels: the padded kernel to complex_limit.
@@ -2132,9 +2179,9 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
 }
 
 // The register kernels up to 6, the rows kept in place at 7 and 8 (187 ns at 8 against 205 for
-// four columns in registers, then the trailing four, in the batch benchmark); the padded ones
-// from the orders where they beat the fixed-order loops (measured on the AMD EPYC this was written
-// on, lowered to AVX2).
+// four columns in registers, then the trailing four, in the batch benchmark) and on an aligned
+// copy to 15, the padded ones above (measured on the AMD EPYC this was written on, lowered to
+// AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if (at_fixed_order(n, [&]<int N>() {
@@ -2143,6 +2190,8 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
             else // 7 and 8 would not fit the registers
                 getrf_z_rows_kept<N>(a, lda, ipiv, info);
         }))
+        return;
+    if (n < 16 && at_order_9_to_16(n, [&]<int N>() { getrf_complex_fixed_rows<N>(a, lda, ipiv, info); }))
         return;
     getrf_complex_padded(n, a, lda, ipiv, info);
 }

@@ -147,7 +147,7 @@ void getrf_complex_panels(int64_t n, std::complex<R> *a, int64_t lda, int64_t *i
         block_update_run<false>(b, end / W::rows_per, vectors, n - end, 0);
     }
     for (int64_t j = 0; j < n; ++j)
-        std::copy(work + j * ld, work + j * ld + n, a + j * lda);
+        copy_entries(work + j * ld, n, a + j * lda);
 }
 
 // Complex Cholesky A = L*L^H for n <= Bound in blocks of Width columns, each first
