@@ -3,6 +3,7 @@
 // precision.
 #include <immintrin.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -54,14 +55,6 @@ struct y4 {
             s = _mm256_or_pd(s, _mm256_and_pd(v[1], pick[1]));
         s = _mm256_or_pd(s, _mm256_permute2f128_pd(s, s, 0x01));
         return _mm256_or_pd(s, _mm256_permute_pd(s, 0x5));
-    }
-    // The lane-wise largest of v[0..R) by a tree, for a short chain; a NaN may or may not win.
-    template <int R> static __m256d max_of(const __m256d *v)
-    {
-        if constexpr (R == 1)
-            return v[0];
-        else
-            return _mm256_max_pd(max_of<R / 2>(v), max_of<R - R / 2>(v + R / 2));
     }
     static __m256d all_max(__m256d v)
     {
@@ -124,7 +117,7 @@ struct row_order {
         static_assert(sizeof(T) == 4 || sizeof(T) == 8 || sizeof(T) == 16);
         constexpr int per = std::max<int>(32 / sizeof(T), 4), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
         if constexpr (V > 3 || sizeof(T) == 16) {
-            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, std::conditional_t<sizeof(T) == 8, uint64_t, __m128>>;
+            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, std::conditional_t<sizeof(T) == 8, uint64_t, std::array<uint64_t, 2>>>;
             int from[N];
             for (int i = 0; i < N; ++i)
                 from[i] = at(i);
@@ -1355,172 +1348,6 @@ template <int N> void getrf_z_registers(std::complex<double> *a, int64_t lda, in
     }
 }
 
-// The pivot of step k among sizes of the rows in place, in scalars: the row at position k when its
-// size is NaN, otherwise the first largest in the interchanged order.
-template <int N, int R> [[gnu::noinline, gnu::cold]] int first_largest_kept_z(const __m256d *size, const row_order &rows, int k)
-{
-    alignas(32) double sizes[4 * R];
-    for (int r = 0; r < R; ++r)
-        _mm256_store_pd(sizes + 4 * r, size[r]);
-    auto size_at = [&](int i) { return sizes[2 * rows.at(i)]; };
-    if (std::isnan(size_at(k)))
-        return rows.at(k);
-    int first = k;
-    for (int i = k + 1; i < N; ++i)
-        if (size_at(i) > size_at(first))
-            first = i;
-    return rows.at(first);
-}
-
-// The pivot of step k of a complex LU whose rows stay in place: the first largest |re|+|im| among
-// the open rows of column c in the interchanged order, or the row at position k when its size is
-// NaN. A NaN size also compares as a hit, so one row with two lanes is the common path and a tie
-// or a NaN takes the scalar one. pick gets the pivot's lanes, pivot its value and inverse
-// conj(x)/|x|^2 in both halves (one division after the search: dividing every row while it runs,
-// as pivot_row_z does, measured slower here, where the column keeps all its vectors).
-template <int N, int R>
-[[gnu::always_inline]] inline int pivot_row_kept_z(const __m256d *c, const __m256d *open_magnitude, const row_order &rows,
-                                                   int k, __m256d *pick, __m256d *pivot, __m256d *inverse)
-{
-    __m256d size[R];
-#pragma GCC unroll 4
-    for (int r = 0; r < R; ++r) {
-        const __m256d m = _mm256_and_pd(c[r], open_magnitude[r]);
-        size[r] = _mm256_add_pd(m, z2::swap(m));
-    }
-    __m256d largest = y4::max_of<R>(size); // a NaN size loses
-    largest = _mm256_max_pd(largest, _mm256_permute2f128_pd(largest, largest, 0x01));
-    unsigned hits = 0;
-#pragma GCC unroll 4
-    for (int r = 0; r < R; ++r) { // finished rows hit only when every open row is zero, a tie
-        pick[r] = _mm256_cmp_pd(size[r], largest, _CMP_NLT_UQ);
-        hits |= static_cast<unsigned>(_mm256_movemask_pd(pick[r])) << (4 * r);
-    }
-    int p = static_cast<int>(__builtin_ctz(hits | 1u << 31)) / 2;
-    if (__builtin_popcount(hits) != 2) [[unlikely]] {
-        p = first_largest_kept_z<N, R>(size, rows, k);
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r)
-            pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(z2::row_numbers(r), _mm256_set1_epi64x(p)));
-    }
-    *pivot = z2::picked<R>(c, pick, 0);
-    *inverse = _mm256_xor_pd(_mm256_div_pd(*pivot, z2::norm(*pivot)), _mm256_setr_pd(0.0, -0.0, 0.0, -0.0));
-    return p;
-}
-
-// Whether row p of columns [from, N) is finite: then x - 0*u leaves the finished rows as they are.
-template <int N> bool row_finite_z(const double *ad, int64_t lda, int from, int p)
-{
-    __m128d nan_if_not = _mm_setzero_pd();
-    for (int j = from; j < N; ++j)
-        nan_if_not = _mm_fmadd_pd(_mm_loadu_pd(ad + 2 * (p + j * lda)), _mm_setzero_pd(), nan_if_not);
-    return _mm_movemask_pd(_mm_cmp_pd(nan_if_not, nan_if_not, _CMP_UNORD_Q)) == 0;
-}
-
-// Column x (N rows) less l times its entry in row p, into out. The multipliers are zero in the
-// finished rows; where u is not finite those rows take their old values back (0*inf is NaN).
-template <int N, int R>
-[[gnu::always_inline]] inline void minus_pivot_row_z(const double *x, int p, const __m256d *l, const __m256d *ls,
-                                                     const __m256d *open, bool finite, __m256d *out)
-{
-    const __m256d re = _mm256_broadcast_sd(x + 2 * p), im_alt = z2::alternate(x[2 * p + 1]);
-    z2::load<N>(x, out);
-#pragma GCC unroll 4
-    for (int r = 0; r < R; ++r)
-        out[r] = z2::minus_product(out[r], l[r], ls[r], re, im_alt);
-    if (!finite) [[unlikely]] {
-        __m256d old[R];
-        z2::load<N>(x, old);
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r)
-            out[r] = _mm256_blendv_pd(old[r], out[r], open[r]);
-    }
-}
-
-// Row q of the N columns to row where(q): LAPACK's order after the interchanges.
-template <int N> void write_rows_in_order_z(double *ad, int64_t lda, const row_order &rows)
-{
-    constexpr int R = (N + 1) / 2;
-    int64_t to[2 * R];
-#pragma GCC unroll 8
-    for (int q = 0; q < N; ++q)
-        to[q] = 2 * row_order::field(rows.where, q);
-#pragma GCC unroll 8
-    for (int j = 0; j < N; ++j) {
-        double *c = ad + 2 * j * lda;
-        __m256d x[R];
-        z2::load<N>(c, x);
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r) {
-            _mm_storeu_pd(c + to[2 * r], _mm256_castpd256_pd128(x[r]));
-            if (2 * r + 1 < N)
-                _mm_storeu_pd(c + to[2 * r + 1], _mm256_extractf128_pd(x[r], 1));
-        }
-    }
-}
-
-// Complex double LU of order N (6 < N <= 8) with its rows kept in place, on the matrix itself:
-// a mask marks the rows not yet chosen, each column reads its u from the pivot row where it lies,
-// and the rows go to LAPACK's order once at the end. The column being searched stays in
-// registers, the others in memory (eight columns of four vectors would not fit), so no step moves
-// rows across the columns; the search and the next column's update are the only chain.
-template <int N> [[gnu::noinline]] void getrf_z_rows_kept(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
-{
-    constexpr int R = (N + 1) / 2;
-    double *ad = reinterpret_cast<double *>(a);
-    __m256d c[R], open[R], open_magnitude[R]; // the open rows' lanes, those without their sign bits
-    row_order rows;
-    z2::load<N>(ad, c);
-#pragma GCC unroll 4
-    for (int r = 0; r < R; ++r) {
-        open[r] = z2::rows(0, N, r);
-        open_magnitude[r] = y4::abs(open[r]);
-    }
-    for (int k = 0; k < N; ++k) {
-        double *col = ad + 2 * k * lda;
-        if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
-            ipiv[k] = N;
-            const __m256d pivot = z2::picked<R>(c, open, 0);
-            if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) == 0 && *info == 0)
-                *info = N;
-            z2::store<N>(col, c, 0);
-            break;
-        }
-        __m256d pick[R], pivot, inverse, l[R], ls[R];
-        const int p = pivot_row_kept_z<N, R>(c, open_magnitude, rows, k, pick, &pivot, &inverse);
-        ipiv[k] = rows.interchange(k, p) + 1;
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r) {
-            open[r] = _mm256_andnot_pd(pick[r], open[r]);
-            open_magnitude[r] = _mm256_andnot_pd(pick[r], open_magnitude[r]);
-        }
-        __m256d s_re = _mm256_set1_pd(1.0), s_im_alt = _mm256_setzero_pd(); // a zero pivot leaves its column
-        if (_mm256_movemask_pd(_mm256_cmp_pd(pivot, _mm256_setzero_pd(), _CMP_NEQ_UQ)) != 0) { // also for NaN
-            const __m256d s = z2::reciprocal(pivot, z2::norm(pivot), inverse);
-            s_re = _mm256_movedup_pd(s);
-            s_im_alt = z2::odd_to_alternate(s);
-        } else if (*info == 0) {
-            *info = k + 1;
-        }
-#pragma GCC unroll 4
-        for (int r = 0; r < R; ++r) {
-            l[r] = _mm256_and_pd(_mm256_fmadd_pd(z2::swap(c[r]), s_im_alt, _mm256_mul_pd(c[r], s_re)), open[r]);
-            ls[r] = z2::swap(l[r]);
-            c[r] = _mm256_blendv_pd(c[r], l[r], open[r]);
-        }
-        z2::store<N>(col, c, 0);
-        const bool finite = row_finite_z<N>(ad, lda, k + 1, p);
-        minus_pivot_row_z<N, R>(col + 2 * lda, p, l, ls, open, finite, c);
-        for (int j = k + 2; j < N; ++j) {
-            double *x = ad + 2 * j * lda;
-            __m256d y[R];
-            minus_pivot_row_z<N, R>(x, p, l, ls, open, finite, y);
-            z2::store<N>(x, y, 0);
-        }
-    }
-    write_rows_in_order_z<N>(ad, lda, rows);
-}
-
 // The complex inverse U^-1 * L^-1 * P^T of an N x N LU factor (N <= 8), as inverse_d_registers
 // forms it but four columns of the result at a time (the columns are independent solves, and
 // eight would not fit the registers); row k of each column takes 1/u_kk on its way into the
@@ -1903,7 +1730,7 @@ template <class R> struct largest_row {
 // kept in place as getrf_fixed_rows keeps them: the pivot is the first largest |re|+|im| in the
 // interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
 // (the scaled scalar one where |x|^2 leaves the range), and the rows go out in order at the end.
-// Complex double from 9 to 15 only: at 16 a column takes eight vectors, and the updates of rows
+// Complex double from 7 to 15 only: at 16 a column takes eight vectors, and the updates of rows
 // that stay in place cost more than the interchanges they save (834 ns against the padded
 // kernel's 804 in the batch benchmark; 421 against 502 at 12).
 template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
@@ -2178,9 +2005,9 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
             getrf_limit, potrf_limit, inverse_limit};
 }
 
-// The register kernels up to 6, the rows kept in place at 7 and 8 (187 ns at 8 against 205 for
-// four columns in registers, then the trailing four, in the batch benchmark) and on an aligned
-// copy to 15, the padded ones above (measured on the AMD EPYC this was written on, lowered to
+// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 15 (185 ns
+// at 8 against 205 for four columns in registers, then the trailing four, in the batch
+// benchmark), the padded ones above (measured on the AMD EPYC this was written on, lowered to
 // AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
@@ -2188,7 +2015,7 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
             if constexpr (N <= 6)
                 getrf_z_registers<N>(a, lda, ipiv, info);
             else // 7 and 8 would not fit the registers
-                getrf_z_rows_kept<N>(a, lda, ipiv, info);
+                getrf_complex_fixed_rows<N>(a, lda, ipiv, info);
         }))
         return;
     if (n < 16 && at_order_9_to_16(n, [&]<int N>() { getrf_complex_fixed_rows<N>(a, lda, ipiv, info); }))
