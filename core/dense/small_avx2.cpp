@@ -932,8 +932,6 @@ struct y4c {
         v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
         return _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
     }
-    // Rows whose size equals the largest.
-    static unsigned equal(reg a, reg b) { return _pext_u32(y8f::equal(a, b), 0x55); }
     // The lanes of the rows of m where a equals b, and those rows as bits.
     static reg equal_rows(unsigned m, reg a, reg b) { return _mm256_and_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ), y8f::mask(pair_lanes(m & 15))); }
     static unsigned rows_of(reg lanes) { return _pext_u32(static_cast<unsigned>(_mm256_movemask_ps(lanes)), 0x55); }
@@ -988,14 +986,11 @@ struct y4c {
     static reg unit(int j) { return y8f::unit(2 * j); }
 };
 
-// Up to eight single complex rows in two registers: rows 0-3 in lo, 4-7 in hi. An interchange
-// across the halves takes both permutes and a blend.
+// Up to eight single complex rows in two registers: rows 0-3 in lo, 4-7 in hi (the Cholesky and
+// the inverse from 5 to 8).
 struct y8c {
     struct reg {
         __m256 lo, hi;
-    };
-    struct interchange {
-        __m256i lo, hi; // source lane (0-15) of each lane
     };
     using scalar = float;
     static reg both(__m256 x) { return {x, x}; }
@@ -1010,31 +1005,9 @@ struct y8c {
     static reg pair_sum(reg v) { return {y4c::pair_sum(v.lo), y4c::pair_sum(v.hi)}; }
     static reg splat(float x) { return both(_mm256_set1_ps(x)); }
     static reg masked(unsigned m, reg v, reg fill) { return {y4c::masked(m, v.lo, fill.lo), y4c::masked(m >> 4, v.hi, fill.hi)}; }
-    static reg all_max(reg v) { return both(y4c::all_max(_mm256_max_ps(v.lo, v.hi))); }
-    static unsigned equal(reg a, reg b) { return y4c::equal(a.lo, b.lo) | y4c::equal(a.hi, b.hi) << 4; }
     static reg re(reg v, int k) { return both(k < 4 ? y4c::re(v.lo, k) : y4c::re(v.hi, k - 4)); }
     static reg im(reg v, int k) { return both(k < 4 ? y4c::im(v.lo, k) : y4c::im(v.hi, k - 4)); }
     static std::complex<float> element(reg v, int k) { return k < 4 ? y4c::element(v.lo, k) : y4c::element(v.hi, k - 4); }
-    static interchange swap_index(int k, int p)
-    {
-        auto half = [k, p](int first) {
-            const __m256i lane = _mm256_add_epi32(_mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), _mm256_set1_epi32(first));
-            const __m256i row = _mm256_srli_epi32(lane, 1);
-            const __m256i idx = _mm256_blendv_epi8(lane, _mm256_add_epi32(lane, _mm256_set1_epi32(2 * (p - k))),
-                                                   _mm256_cmpeq_epi32(row, _mm256_set1_epi32(k)));
-            return _mm256_blendv_epi8(idx, _mm256_add_epi32(lane, _mm256_set1_epi32(2 * (k - p))),
-                                      _mm256_cmpeq_epi32(row, _mm256_set1_epi32(p)));
-        };
-        return {half(0), half(8)};
-    }
-    static reg permute(const interchange &s, reg v)
-    {
-        auto half = [&v](__m256i idx) {
-            const __m256 from_hi = _mm256_castsi256_ps(_mm256_cmpgt_epi32(idx, _mm256_set1_epi32(7)));
-            return _mm256_blendv_ps(_mm256_permutevar8x32_ps(v.lo, idx), _mm256_permutevar8x32_ps(v.hi, idx), from_hi);
-        };
-        return {half(s.lo), half(s.hi)};
-    }
     static reg negate_odd(reg v) { return {y4c::negate_odd(v.lo), y4c::negate_odd(v.hi)}; }
     static reg negate_even(reg v) { return {y4c::negate_even(v.lo), y4c::negate_even(v.hi)}; }
     static reg mul(reg a, reg b) { return {_mm256_mul_ps(a.lo, b.lo), _mm256_mul_ps(a.hi, b.hi)}; }
