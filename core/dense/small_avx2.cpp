@@ -136,7 +136,7 @@ struct row_order {
         for (int o = 0; o < V; ++o) { // the rows o*per.. of a come from these lanes of these vectors
             const __m256i fields = _mm256_set1_epi32(static_cast<int>(order >> (4 * per * o)));
             const __m256i from = _mm256_and_si256(_mm256_srlv_epi32(fields, shift), _mm256_set1_epi32(15));
-            index[o] = _mm256_add_epi32(_mm256_mullo_epi32(_mm256_and_si256(from, _mm256_set1_epi32(per - 1)), _mm256_add_epi32(part, _mm256_set1_epi32(1))),
+            index[o] = _mm256_add_epi32(_mm256_slli_epi32(_mm256_and_si256(from, _mm256_set1_epi32(per - 1)), lanes_per_row - 1),
                                         _mm256_and_si256(iota, part));
             source[o] = _mm256_srli_epi32(from, per == 8 ? 3 : 2);
         }
@@ -492,14 +492,18 @@ template <class T> struct wide {
     // lane, or with group 2 the one nonzero pair, everywhere).
     template <int group = 1, class Combine> static reg across(reg v, Combine combine)
     {
-        if constexpr (is_double) {
-            v = combine(v, _mm256_permute2f128_pd(v, v, 0x01));
-            return group < 2 ? combine(v, _mm256_permute_pd(v, 0x5)) : v;
-        } else {
-            v = combine(v, _mm256_permute2f128_ps(v, v, 0x01));
-            v = combine(v, _mm256_permute_ps(v, 0x4E));
-            return group < 2 ? combine(v, _mm256_permute_ps(v, 0xB1)) : v;
-        }
+        exchanges<group>([&](auto permute) { v = combine(v, permute(v)); });
+        return v;
+    }
+    // step(permute) for each permute that swaps lanes i and i ^ w, w from the largest power of
+    // two down to group: the exchanges of a reduction over all lanes (or all groups).
+    template <int group = 1, class Step> static void exchanges(Step step)
+    {
+        step([](reg v) { return reg(_mm256_permute2f128_ps(__m256(v), __m256(v), 0x01)); });
+        if constexpr (!is_double)
+            step([](reg v) { return reg(_mm256_permute_ps(__m256(v), 0x4E)); });
+        if constexpr (group < 2)
+            step([](reg v) { return is_double ? reg(_mm256_permute_pd(__m256d(v), 0x5)) : reg(_mm256_permute_ps(__m256(v), 0xB1)); });
     }
     template <int group = 1> static reg all_max(reg v) { return across<group>(v, [](reg x, reg y) { return max(x, y); }); }
     static reg either(reg a, reg b) { return reg(_mm256_or_ps(__m256(a), __m256(b))); }
@@ -932,8 +936,9 @@ struct y4c {
         v = _mm256_max_ps(v, _mm256_permute2f128_ps(v, v, 0x01));
         return _mm256_max_ps(v, _mm256_permute_ps(v, 0x4E));
     }
-    // The lanes of the rows of m where a equals b, and those rows as bits.
-    static reg equal_rows(unsigned m, reg a, reg b) { return _mm256_and_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ), y8f::mask(pair_lanes(m & 15))); }
+    // The lanes of the rows of m; those where a equals b; the rows of some lanes as bits.
+    static reg lanes(unsigned m) { return y8f::mask(pair_lanes(m & 15)); }
+    static reg equal_rows(unsigned m, reg a, reg b) { return _mm256_and_ps(_mm256_cmp_ps(a, b, _CMP_EQ_OQ), lanes(m)); }
     static unsigned rows_of(reg lanes) { return _pext_u32(static_cast<unsigned>(_mm256_movemask_ps(lanes)), 0x55); }
     // Row k <-> the one row whose lanes pick holds, formed from the mask itself: the interchange
     // does not wait for the row number to go through a general register and back.
@@ -950,14 +955,6 @@ struct y4c {
     static reg re(reg v, int k) { return y8f::lane(v, 2 * k); }
     static reg im(reg v, int k) { return y8f::lane(v, 2 * k + 1); }
     static std::complex<float> element(reg v, int k) { return {_mm256_cvtss_f32(re(v, k)), _mm256_cvtss_f32(im(v, k))}; }
-    static __m256i swap_index(int k, int p)
-    {
-        const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), row = _mm256_srli_epi32(iota, 1);
-        const __m256i idx = _mm256_blendv_epi8(iota, _mm256_add_epi32(iota, _mm256_set1_epi32(2 * (p - k))),
-                                               _mm256_cmpeq_epi32(row, _mm256_set1_epi32(k)));
-        return _mm256_blendv_epi8(idx, _mm256_add_epi32(iota, _mm256_set1_epi32(2 * (k - p))),
-                                  _mm256_cmpeq_epi32(row, _mm256_set1_epi32(p)));
-    }
     static reg permute(__m256i idx, reg v) { return _mm256_permutevar8x32_ps(v, idx); }
     static reg negate_odd(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f)); }
     static reg negate_even(reg v) { return _mm256_xor_ps(v, _mm256_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f, -0.0f, 0.0f)); }
@@ -1687,15 +1684,9 @@ template <class R> struct largest_row {
         inverse = W::blend(inverse, other.inverse, larger);
         u = W::blend(u, other.u, larger);
     }
-    template <class Permute> void take_permuted(Permute permute) { take({permute(size), permute(inverse), permute(u)}); }
     void take_across()
     {
-        if constexpr (W::is_double) {
-            take_permuted([](reg v) { return reg(_mm256_permute2f128_pd(v, v, 0x01)); });
-        } else {
-            take_permuted([](reg v) { return reg(_mm256_permute2f128_ps(v, v, 0x01)); });
-            take_permuted([](reg v) { return reg(_mm256_permute_ps(v, 0x4E)); });
-        }
+        W::template exchanges<2>([this](auto permute) { take({permute(size), permute(inverse), permute(u)}); });
     }
 };
 

@@ -180,7 +180,7 @@ template <int N, class V> void getrf_complex_registers(std::complex<typename V::
         auto swap = V::swap_index(k, pick);
         const int p = hits != 0 ? __builtin_ctz(hits) : k;
         if (__builtin_popcount(hits) != 1) [[unlikely]]
-            swap = V::swap_index(k, p);
+            swap = V::swap_index(k, V::lanes(1u << p));
         ipiv[k] = p + 1;
 #pragma GCC unroll 8
         for (int j = 0; j < N; ++j)
