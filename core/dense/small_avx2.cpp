@@ -1659,14 +1659,19 @@ template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts
 // 2^(max exponent - 2N): an LU of order N with |re|+|im| pivoting grows its entries by less than 4
 // a step, so no u can then overflow, and x - 0*u leaves the finished rows of a kernel that keeps
 // its rows in place as they are (0*inf would make them NaN, where LAPACK leaves them).
-template <int N, class W> bool growth_stays_finite(const typename W::scalar *x, int64_t count)
+template <int N> bool growth_stays_finite(const double *x, int64_t count)
 {
-    using R = typename W::scalar;
-    const typename W::reg bound = W::splat(std::ldexp(R(1), std::numeric_limits<R>::max_exponent - 2 * N));
-    typename W::reg within = W::equal_mask(W::zero(), W::zero());
-    for (int64_t i = 0; i < count; i += W::lanes)
-        within = W::keep(within, typename W::reg(W::abs(W::load(x + i)) < bound)); // false for NaN
-    return W::bits(within) == W::bits(W::equal_mask(W::zero(), W::zero()));
+    // The bound is a power of two: |x| is below it exactly when the high word of |x| is below the
+    // bound's, and inf and NaN have larger high words, so one unsigned maximum a vector does.
+    constexpr int32_t bound_high = (1023 + 1024 - 2 * N) << 20; // the biased exponent of 2^(1024 - 2N)
+    const __m256i abs_bits = _mm256_set1_epi64x(INT64_MAX);
+    __m256i largest = _mm256_setzero_si256();
+#pragma GCC unroll 4
+    for (int64_t i = 0; i < count; i += 4)
+        largest = _mm256_max_epu32(largest, _mm256_and_si256(_mm256_load_si256(reinterpret_cast<const __m256i *>(x + i)), abs_bits));
+    // low words never compare greater than INT32_MAX (signed); high words are at most INT32_MAX
+    const __m256i limit = _mm256_set1_epi64x(int64_t(bound_high - 1) << 32 | INT32_MAX);
+    return _mm256_testz_si256(_mm256_cmpgt_epi32(largest, limit), _mm256_cmpgt_epi32(largest, limit));
 }
 
 // The open row of largest size, found as all_max<2> finds the size, carrying the row's
@@ -1709,7 +1714,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
     // The padded kernel updates only the rows below the pivot in double precision (two rows a
     // vector); single precision's vectors also hold finished rows there, so it would not help.
     if constexpr (W::is_double)
-        if (!growth_stays_finite<N, W>(storage, 2 * ld * N)) [[unlikely]]
+        if (!growth_stays_finite<N>(storage, 2 * ld * N)) [[unlikely]]
             return getrf_complex_columns(N, a, lda, ipiv, info);
     reg open[V], c[V];
     row_order rows{0xFEDCBA9876543210, 0xFEDCBA9876543210};
@@ -1719,6 +1724,10 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         c[v] = W::load(storage + L * v);
     }
     const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
+    auto conj_over_norm = [odd_sign](reg x) { // conj(x) / |x|^2 in each pair
+        const reg squares = W::mul(x, x);
+        return W::flip(W::div(x, squares + Z::swap(squares)), odd_sign);
+    };
     for (int k = 0; k < N; ++k) {
         if (k == N - 1) { // the one open row is the last pivot, with nothing below it to scale
             ipiv[k] = N;
@@ -1731,16 +1740,15 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             break;
         }
         const R *next = storage + 2 * (k + 1) * ld;
-        reg size[V], quotient[V], pick[V], l[V], ls[V];
+        reg size[V], pick[V], l[V], ls[V];
         largest_row<R> best;
         uint64_t unordered = 0;
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {
-            const reg m = W::abs(c[v]), squares = W::mul(c[v], c[v]);
+            const reg m = W::abs(c[v]);
             size[v] = W::keep(m + Z::swap(m), open[v]);
-            quotient[v] = W::flip(W::div(c[v], squares + Z::swap(squares)), odd_sign);
             unordered |= W::bits(reg(size[v] != size[v]));
-            const largest_row<R> row{size[v], quotient[v], W::load(next + L * v)};
+            const largest_row<R> row{size[v], conj_over_norm(c[v]), W::load(next + L * v)};
             v == 0 ? void(best = row) : best.take(row);
         }
         best.take_across();
@@ -1751,7 +1759,8 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             hits |= uint64_t(W::bits(pick[v])) << (L * v);
         }
         int p = __builtin_ctzll(hits | uint64_t(1) << 63) / 2;
-        if (__builtin_popcountll(hits) != 2 || unordered) [[unlikely]] { // a tie, or NaN: first in the interchanged order
+        const bool tie = __builtin_popcountll(hits) != 2 || unordered;
+        if (tie) [[unlikely]] { // a tie, or NaN: first in the interchanged order
             p = rows.at(k);
             for (int i = N - 1; i >= k; --i)
                 if (hits >> (2 * rows.at(i)) & 1)
@@ -1759,7 +1768,6 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
 #pragma GCC unroll 8
             for (int v = 0; v < V; ++v)
                 pick[v] = Z::rows(p, p + 1, v);
-            best.inverse = picked<V, W, 2>(quotient, pick);
             best.u = picked<V, W, 2>(next, pick);
         }
         ipiv[k] = rows.interchange(k, p) + 1;
@@ -1769,6 +1777,8 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
         constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
         reg inverse = best.inverse;
+        if (tie) [[unlikely]]
+            inverse = conj_over_norm(pivot);
         if (!(norm > low && norm < high)) [[unlikely]] {
             const std::complex<R> s = x != R(0) ? reciprocal(x) : std::complex<R>(1);
             inverse = W::keep(W::splat(s.real()), W::from_bits(0x55)) + W::drop(W::splat(s.imag()), W::from_bits(0x55));
