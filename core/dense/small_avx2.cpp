@@ -121,6 +121,17 @@ struct row_order {
             int from[N];
             for (int i = 0; i < N; ++i)
                 from[i] = at(i);
+            if constexpr (sizeof(T) == 16) { // two rows a store
+                for (int j = 0; j < N; ++j) {
+                    const double *column = reinterpret_cast<const double *>(work + j * ld);
+                    double *out = reinterpret_cast<double *>(a + j * lda);
+                    for (int i = 0; i + 1 < N; i += 2)
+                        _mm256_storeu_pd(out + 2 * i, _mm256_loadu2_m128d(column + 2 * from[i + 1], column + 2 * from[i]));
+                    if (N % 2)
+                        _mm_storeu_pd(out + 2 * (N - 1), _mm_load_pd(column + 2 * from[N - 1]));
+                }
+                return;
+            }
             for (int j = 0; j < N; ++j)
                 for (int i = 0; i < N; ++i) {
                     bits x;
