@@ -3,7 +3,6 @@
 // precision.
 #include <immintrin.h>
 
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -107,37 +106,21 @@ struct row_order {
         return (word & ~(uint64_t(15) << (4 * i))) | uint64_t(value) << (4 * i);
     }
     int at(int position) const { return field(order, position); }
-    // The N columns of work (aligned whole vectors, ld apart) into a, row i from row at(i):
-    // LAPACK's order after the interchanges; elements of 4 or 8 bytes, moved as integers (a
-    // complex<float> copied as such took a quarter of the single complex LU at order 8). Up to
-    // three vectors a column, each vector of rows is permuted out of every source vector and takes
-    // its lanes from the one that holds them; at four the permutes cost more than the moves.
+    // The N columns of real work (aligned whole vectors, ld apart) into a, row i from row at(i):
+    // LAPACK's order after the interchanges. Up to three vectors a column, each vector of rows is
+    // permuted out of every source vector and takes its lanes from the one that holds them; at
+    // four the permutes cost more than the moves.
     template <int N, class T> void write_out(const T *work, int64_t ld, T *a, int64_t lda) const
     {
-        static_assert(sizeof(T) == 4 || sizeof(T) == 8 || sizeof(T) == 16);
-        constexpr int per = std::max<int>(32 / sizeof(T), 4), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
-        if constexpr (V > 3 || sizeof(T) == 16) {
-            using bits = std::conditional_t<sizeof(T) == 4, uint32_t, std::conditional_t<sizeof(T) == 8, uint64_t, std::array<uint64_t, 2>>>;
+        static_assert(std::is_floating_point_v<T>);
+        constexpr int per = 32 / sizeof(T), lanes_per_row = sizeof(T) / 4, V = (N + per - 1) / per;
+        if constexpr (V > 3) {
             int from[N];
             for (int i = 0; i < N; ++i)
                 from[i] = at(i);
-            if constexpr (sizeof(T) == 16) { // two rows a store
-                for (int j = 0; j < N; ++j) {
-                    const double *column = reinterpret_cast<const double *>(work + j * ld);
-                    double *out = reinterpret_cast<double *>(a + j * lda);
-                    for (int i = 0; i + 1 < N; i += 2)
-                        _mm256_storeu_pd(out + 2 * i, _mm256_loadu2_m128d(column + 2 * from[i + 1], column + 2 * from[i]));
-                    if (N % 2)
-                        _mm_storeu_pd(out + 2 * (N - 1), _mm_load_pd(column + 2 * from[N - 1]));
-                }
-                return;
-            }
             for (int j = 0; j < N; ++j)
-                for (int i = 0; i < N; ++i) {
-                    bits x;
-                    std::memcpy(&x, work + from[i] + j * ld, sizeof x);
-                    std::memcpy(static_cast<void *>(a + i + j * lda), &x, sizeof x);
-                }
+                for (int i = 0; i < N; ++i)
+                    a[i + j * lda] = work[from[i] + j * ld];
             return;
         }
         const __m256i iota = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), part = _mm256_set1_epi32(lanes_per_row - 1);
@@ -1666,6 +1649,18 @@ template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts
         return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
 }
 
+// The complex entries at first and second to to and to + 1, in one store.
+inline void copy_two_entries(const std::complex<double> *first, const std::complex<double> *second, std::complex<double> *to)
+{
+    _mm256_storeu_pd(reinterpret_cast<double *>(to),
+                     _mm256_loadu2_m128d(reinterpret_cast<const double *>(second), reinterpret_cast<const double *>(first)));
+}
+inline void copy_two_entries(const std::complex<float> *first, const std::complex<float> *second, std::complex<float> *to)
+{
+    const __m128 low = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(first))); // may-alias loads
+    _mm_storeu_ps(reinterpret_cast<float *>(to), _mm_loadh_pi(low, reinterpret_cast<const __m64 *>(second)));
+}
+
 // Whether every part of the count values at x (whole aligned vectors) is finite and below
 // 2^(max exponent - 2N): an LU of order N with |re|+|im| pivoting grows its entries by less than 4
 // a step, so no u can then overflow, and x - 0*u leaves the finished rows of a kernel that keeps
@@ -1735,6 +1730,24 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         c[v] = W::load(storage + L * v);
     }
     const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
+    // A pivot's row is final once it is chosen (later steps leave it as it is): it goes out as row
+    // `position` of the factors then, while the steps run, not in a pass after them.
+    // Rows go out in pairs: two positions a store.
+    int waiting = -1;
+    auto put_row = [&](int position, int row) {
+        if (position % 2 == 0 && position + 1 < N) {
+            waiting = row;
+            return;
+        }
+#pragma GCC unroll 16
+        for (int j = 0; j < N; ++j) {
+            std::complex<R> *to = a + position + j * lda;
+            if (position % 2)
+                copy_two_entries(work + waiting + j * ld, work + row + j * ld, to - 1);
+            else
+                copy_entries(work + row + j * ld, 1, to);
+        }
+    };
     auto conj_over_norm = [odd_sign](reg x) { // conj(x) / |x|^2 in each pair
         const reg squares = W::mul(x, x);
         return W::flip(W::div(x, squares + Z::swap(squares)), odd_sign);
@@ -1748,6 +1761,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
 #pragma GCC unroll 8
             for (int v = 0; v < V; ++v)
                 W::store(storage + 2 * k * ld + L * v, c[v]);
+            put_row(k, rows.at(k));
             break;
         }
         const R *next = storage + 2 * (k + 1) * ld;
@@ -1805,6 +1819,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             ls[v] = Z::swap(l[v]);
             W::store(col + L * v, W::blend(c[v], l[v], open[v]));
         }
+        put_row(k, p);
         const auto [u_re, u_alt] = parts<R>(best.u);
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v)
@@ -1817,7 +1832,6 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
                 W::store(target + L * v, Z::minus_product(W::load(target + L * v), l[v], ls[v], re, alt));
         }
     }
-    rows.write_out<N>(work, ld, a, lda);
 }
 
 // Column k of a complex Cholesky factor on a padded copy, columns (k, to) less its product: false,
