@@ -1731,9 +1731,9 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         c[v] = W::load(storage + L * v);
     }
     const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
-    // A pivot's row is final once it is chosen (later steps leave it as it is): it goes out as row
-    // `position` of the factors then, while the steps run, not in a pass after them.
-    // Rows go out in pairs: two positions a store.
+    // A pivot's row is final once it is chosen (later steps leave it as it is), so it goes out as
+    // row `position` of the factors then, while the steps run, not in a pass after them; two
+    // positions a store (an even one waits for the next).
     int waiting = -1;
     auto put_row = [&](int position, int row) {
         if (position % 2 == 0 && position + 1 < N) {
