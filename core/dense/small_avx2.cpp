@@ -1707,8 +1707,8 @@ template <class R> struct largest_row {
 // (the scaled scalar one where |x|^2 leaves the range), and each pivot's row goes out to its
 // place in a as soon as it is chosen.
 // Complex double from 7 to 15 only: at 16 a column takes eight vectors, and the updates of rows
-// that stay in place cost more than the interchanges they save (834 ns against the padded
-// kernel's 804 in the batch benchmark; 421 against 502 at 12).
+// that stay in place cost what the interchanges they save do (821 ns against the padded kernel's
+// 826 in the batch benchmark, a tie; 414 against 502 at 12).
 template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using W = wide<R>;
@@ -2005,7 +2005,7 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
             getrf_limit, potrf_limit, inverse_limit};
 }
 
-// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 15 (185 ns
+// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 15 (170 ns
 // at 8 against 205 for four columns in registers, then the trailing four, in the batch
 // benchmark), the padded ones above (measured on the AMD EPYC this was written on, lowered to
 // AVX2).
