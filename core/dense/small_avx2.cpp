@@ -1559,7 +1559,9 @@ template <class R> auto below_loader(const R *cd, int64_t k)
 }
 
 // Swaps two complex entries in one move each, not two: row interchanges measured faster so from 17
-// on (complex double up to 16 measured slower so, at 12 by 15%).
+// on (complex double up to 16 measured slower so, at 12 by 15%). Whole aligned vectors of two rows
+// each (a vperm2f128 per vector, chosen by a switch or by blends) measured slower still, even for
+// the pivot's column and the next alone, whose vector loads follow at once: 827 -> 873-894 ns at 16.
 inline void exchange_entry(std::complex<double> *x, std::complex<double> *y)
 {
     double *xd = reinterpret_cast<double *>(x), *yd = reinterpret_cast<double *>(y);
