@@ -203,7 +203,7 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
     // takes the guarded path; the pivots, the reconstruction and the inverse must not notice.
     const real<T> tiny = sizeof(real<T>) == 4 ? real<T>(1e-22) : real<T>(1e-170);
     for (real<T> scale : {tiny, 1 / tiny}) {
-        for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 12, 33}) {
+        for (int64_t n : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 33}) {
             SCOPED_TRACE("n=" + std::to_string(n) + " scale=" + std::to_string(std::log10(scale)));
             matrix<T> a = random_matrix<T>(n, n, 31 + n);
             for (int64_t j = 0; j < n; ++j)
@@ -276,6 +276,44 @@ TYPED_TEST(DenseKernels, GetrfTiesAndSingularColumns)
     EXPECT_EQ(dummy[2], T(0));
     api<T>::getrf(&two, &two, c_ptr(dummy), &one, ipiv, &info);
     EXPECT_EQ(info, -4);
+}
+
+// Interchanges planned in advance: with A = P^T*L*U and L's entries of modulus below 1/sqrt(2),
+// every step finds |re|+|im| largest in the row P names. The patterns put the pivot in row k's
+// own vector or the next one's, leave it where it is, or take it from the far end; the orders
+// cover each kernel from 12 to 17, odd and even steps alike.
+TYPED_TEST(DenseKernels, GetrfTakesPlannedInterchanges)
+{
+    using T = TypeParam;
+    for (int64_t n : {12, 13, 15, 16, 17}) {
+        for (int pattern = 0; pattern < 3; ++pattern) {
+            SCOPED_TRACE("n=" + std::to_string(n) + " pattern " + std::to_string(pattern));
+            std::vector<int64_t> planned(static_cast<size_t>(n));
+            for (int64_t k = 0; k < n; ++k) {
+                const int64_t beside = std::min(k + 1, n - 1), mixed[3] = {beside, k, n - 1};
+                planned[static_cast<size_t>(k)] = 1 + (pattern == 0 ? beside : pattern == 1 ? k : mixed[k % 3]);
+            }
+            matrix<T> l = random_matrix<T>(n, n, 400 + n + pattern), u = random_matrix<T>(n, n, 500 + n + pattern);
+            for (int64_t j = 0; j < n; ++j)
+                for (int64_t i = 0; i < n; ++i) {
+                    l(i, j) = i < j ? T(0) : i == j ? T(1) : l(i, j) * real<T>(0.45);
+                    u(i, j) = i > j ? T(0) : i == j ? u(i, j) + T(3) : u(i, j); // well away from singular
+                }
+            matrix<T> a = product(l, u);
+            swap_rows(a, planned, true);
+            matrix<T> f = a;
+            std::vector<int64_t> ipiv(static_cast<size_t>(n));
+            int64_t info = -1;
+            api<T>::getrf(&n, &n, c_ptr(f.data()), &f.ld, ipiv.data(), &info);
+            EXPECT_EQ(info, 0);
+            EXPECT_EQ(ipiv, planned);
+            auto [fl, fu] = split_lu(f);
+            EXPECT_LE(max_diff(fl, l), 64 * real<T>(n) * eps<T>);
+            matrix<T> plu = product(fl, fu);
+            swap_rows(plu, ipiv, true);
+            EXPECT_LE(max_diff(plu, a), 8 * real<T>(n) * eps<T> * max_abs(a));
+        }
+    }
 }
 
 // An infinite entry goes only where the elimination carries it: rows finished before it is met

@@ -425,7 +425,7 @@ template <class T> [[gnu::always_inline]] inline void copy_entries(const T *from
 }
 
 // Copies the n x n matrix at a into work with leading dimension ld, rows n to ld zero.
-template <class T> void copy_padded(int64_t n, const T *a, int64_t lda, T *work, int64_t ld)
+template <class T, class Order> void copy_padded(Order n, const T *a, int64_t lda, T *work, int64_t ld)
 {
     for (int64_t j = 0; j < n; ++j) {
         copy_entries(a + j * lda, n, work + j * ld);
@@ -1467,6 +1467,8 @@ template <class R> struct wide_complex : wide<R> {
         const reg row = W::halves() + R(rows_per * r); // the row of each lane
         return reg((row >= R(first)) & (row < R(last)));
     }
+    // Lanes of vector r that hold the complex row given in every lane of `at`.
+    static reg row(reg at, int64_t r) { return reg(W::halves() + R(rows_per * r) == at); }
 };
 
 // x * s for a complex scalar s.
@@ -1474,6 +1476,17 @@ template <class R> typename wide_complex<R>::reg scale_complex(typename wide_com
 {
     using W = wide_complex<R>;
     return W::fmadd(W::swap(x), W::alternate(s.imag()), W::mul(x, W::splat(s.real())));
+}
+
+// (re, re) and (-im, im) in every pair, from a complex value held in every pair of v.
+template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts(typename wide<R>::reg v)
+{
+    using W = wide<R>;
+    const typename W::reg flip_even = W::keep(W::splat(R(-0.0)), W::from_bits(0x55));
+    if constexpr (W::is_double)
+        return {_mm256_movedup_pd(v), W::flip(_mm256_permute_pd(v, 0xF), flip_even)};
+    else
+        return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
 }
 
 // target_j -= l * u_j on the complex rows of vectors [v, v + C) for the columns j in [from, to),
@@ -1580,6 +1593,19 @@ inline void exchange_entry(std::complex<float> *x, std::complex<float> *y)
     std::memcpy(static_cast<void *>(y), &t, sizeof t);
 }
 
+// The first row of largest |re|+|im| in rows [k, n) of a column; k when none compares greater (NaN).
+template <class R> [[gnu::always_inline]] inline int64_t first_largest_complex(const std::complex<R> *col, int64_t k, int64_t n)
+{
+    int64_t p = k;
+    R best = std::abs(col[k].real()) + std::abs(col[k].imag());
+    for (int64_t i = k + 1; i < n; ++i) {
+        const R size = std::abs(col[i].real()) + std::abs(col[i].imag());
+        if (size > best)
+            best = size, p = i;
+    }
+    return p;
+}
+
 // Column k of a complex LU on a padded copy: the pivot is the first largest |re|+|im| in rows
 // [k, n), whole rows swapped, the status names the first zero pivot, the column scaled by the
 // pivot's reciprocal as LAPACK does; then columns (k, to) less its product. Inlined into each
@@ -1592,13 +1618,7 @@ template <bool WholeEntries, class R>
     using T = std::complex<R>;
     constexpr int64_t lanes = 2 * W::rows_per;
     T *col = work + k * ld;
-    int64_t p = k;
-    R best = std::abs(col[k].real()) + std::abs(col[k].imag());
-    for (int64_t i = k + 1; i < n; ++i) {
-        const R size = std::abs(col[i].real()) + std::abs(col[i].imag());
-        if (size > best)
-            best = size, p = i;
-    }
+    const int64_t p = first_largest_complex(col, k, n);
     ipiv[k] = p + 1;
     if (p != k) {
         for (int64_t j = 0; j < n; ++j) {
@@ -1622,15 +1642,81 @@ template <bool WholeEntries, class R>
     update_rows_complex<false>(work, ld, k, first, vectors, k + 1, to, below_loader(cd, k));
 }
 
-// Complex LU with partial pivoting for n <= complex_limit on a padded copy.
-template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+// Rows k and p (the pivot's) of a column as a step finds them, each in every pair of a vector,
+// and p's entry as (re, re) and (-im, im) pairs for the update.
+struct step_rows {
+    __m256d row_k, row_p, re, alt;
+};
+inline step_rows rows_before_interchange(const std::complex<double> *column, int64_t k, int64_t p)
+{
+    const __m256d row_p = _mm256_broadcast_pd(reinterpret_cast<const __m128d *>(column + p));
+    const auto [re, alt] = parts<double>(row_p);
+    return {_mm256_broadcast_pd(reinterpret_cast<const __m128d *>(column + k)), row_p, re, alt};
+}
+
+// Column k of a complex double LU on a padded copy, as lu_column, with the interchange of rows k
+// and p folded into the scaling of column k and the update of column k + 1: both take the two
+// rows as they were and blend them into the vectors they rewrite. Swapped in memory there, the
+// rows are stored at an address the search has only just chosen and read back in whole vectors
+// at once, and each step waits on that: 806 ns at 16 swapped, 663 folded (the other columns
+// still swap their entries, out of the next step's way). For orders known at compile time, 13 to
+// 16: with n a variable the steps' overhead outweighs it (24: 1922 ns against 1794 swapped).
+template <class Order>
+[[gnu::always_inline]] inline void lu_column_folded(std::complex<double> *work, int64_t ld, Order n, int64_t k, int64_t *ipiv,
+                                                    int64_t *info)
+{
+    using W = wide_complex<double>;
+    using T = std::complex<double>;
+    T *col = work + k * ld, *next = col + ld;
+    const int64_t p = first_largest_complex(col, k, n);
+    ipiv[k] = p + 1;
+    const step_rows pivot_rows = rows_before_interchange(col, k, p);
+    const step_rows next_rows = k + 1 < n ? rows_before_interchange(next, k, p) : pivot_rows;
+    T *row_k = work + k, *row_p = work + p;
+    for (int64_t j = 0; j < n; ++j, row_k += ld, row_p += ld)
+        if (j < k || j > k + 1)
+            exchange_entry(row_k, row_p);
+    if (k % 2) { // row k lies in a vector the step leaves alone
+        _mm_store_pd(reinterpret_cast<double *>(col + k), _mm256_castpd256_pd128(pivot_rows.row_p));
+        if (k + 1 < n)
+            _mm_store_pd(reinterpret_cast<double *>(next + k), _mm256_castpd256_pd128(next_rows.row_p));
+    }
+    const T pivot(pivot_rows.row_p[0], pivot_rows.row_p[1]);
+    if (pivot == 0.0 && *info == 0)
+        *info = k + 1;
+    const T r = pivot != 0.0 ? reciprocal(pivot) : T(1);
+    const int64_t first = (k + 1) / W::rows_per, vectors = padded_complex<double>(n) / W::rows_per;
+    const auto at_p = W::splat(double(p)), row_k_lanes = W::row(W::splat(double(k)), first); // none for odd k
+    double *cd = reinterpret_cast<double *>(col), *nd = reinterpret_cast<double *>(next);
+    for (int64_t v = first; v < vectors; ++v) {
+        const auto scaled = scale_complex(W::blend(W::load(cd + 4 * v), pivot_rows.row_k, W::row(at_p, v)), r);
+        W::store(cd + 4 * v, v == first ? W::blend(scaled, pivot_rows.row_p, row_k_lanes) : scaled);
+    }
+    for (int64_t v = first; k + 1 < n && v < vectors; ++v) {
+        const auto l = v == first ? W::drop(W::load(cd + 4 * v), row_k_lanes) : W::load(cd + 4 * v);
+        auto x = W::blend(W::load(nd + 4 * v), next_rows.row_k, W::row(at_p, v));
+        if (v == first)
+            x = W::blend(x, next_rows.row_p, row_k_lanes);
+        W::store(nd + 4 * v, W::minus_product(x, l, W::swap(l), next_rows.re, next_rows.alt));
+    }
+    // through a loader of its own type for each order, so that each order inlines its own update
+    // (one shared update went out of line: 695 ns at 16 against 663)
+    update_rows_complex<false>(work, ld, k, first, vectors, k + 2, n, [below = below_loader(cd, k)](int64_t v) { return below(v); });
+}
+
+// Complex LU with partial pivoting for n <= complex_limit on a padded copy; n a
+// std::integral_constant for the complex double order whose steps fold their interchanges.
+template <class R, class Order> void getrf_complex_columns(Order n, std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using T = std::complex<R>;
     const int64_t ld = padded_complex<R>(n);
     alignas(32) R storage[2 * complex_limit * complex_limit]; // raw: complex arrays would be zeroed
     T *work = reinterpret_cast<T *>(storage);
     copy_padded(n, a, lda, work, ld);
-    if (std::is_same_v<R, double> && n < 16)
+    if constexpr (std::is_same_v<R, double> && !std::is_integral_v<Order>)
+        for (int64_t k = 0; k < n; ++k)
+            lu_column_folded(work, ld, n, k, ipiv, info);
+    else if (std::is_same_v<R, double> && n < 16)
         for (int64_t k = 0; k < n; ++k)
             lu_column<false>(work, ld, n, k, n, ipiv, info);
     else
@@ -1638,17 +1724,6 @@ template <class R> void getrf_complex_columns(int64_t n, std::complex<R> *a, int
             lu_column<true>(work, ld, n, k, n, ipiv, info);
     for (int64_t j = 0; j < n; ++j)
         copy_entries(work + j * ld, n, a + j * lda);
-}
-
-// (re, re) and (-im, im) in every pair, from a complex value held in every pair of v.
-template <class R> std::pair<typename wide<R>::reg, typename wide<R>::reg> parts(typename wide<R>::reg v)
-{
-    using W = wide<R>;
-    const typename W::reg flip_even = W::keep(W::splat(R(-0.0)), W::from_bits(0x55));
-    if constexpr (W::is_double)
-        return {_mm256_movedup_pd(v), W::flip(_mm256_permute_pd(v, 0xF), flip_even)};
-    else
-        return {_mm256_moveldup_ps(v), W::flip(_mm256_movehdup_ps(v), flip_even)};
 }
 
 // The complex entries at first and second to to and to + 1, in one store.
@@ -1708,9 +1783,9 @@ template <class R> struct largest_row {
 // interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
 // (the scaled scalar one where |x|^2 leaves the range), and each pivot's row goes out to its
 // place in a as soon as it is chosen.
-// Complex double from 7 to 15 only: at 16 a column takes eight vectors, and the updates of rows
-// that stay in place cost what the interchanges they save do (821 ns against the padded kernel's
-// 826 in the batch benchmark, a tie; 414 against 502 at 12).
+// Complex double from 7 to 12 only: from 13 the updates of rows that stay in place cost more than
+// the padded kernel's steps with their interchanges folded in (lu_column_folded: 483 ns against
+// 536 at 13, 663 against 821 at 16, in the batch benchmark; 411 against 415 at 12).
 template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using W = wide<R>;
@@ -2007,10 +2082,10 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
             getrf_limit, potrf_limit, inverse_limit};
 }
 
-// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 15 (170 ns
+// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 12 (170 ns
 // at 8 against 205 for four columns in registers, then the trailing four, in the batch
-// benchmark), the padded ones above (measured on the AMD EPYC this was written on, lowered to
-// AVX2).
+// benchmark), the padded ones with their interchanges folded into the steps from 13 to 16, the
+// padded ones above (measured on the AMD EPYC this was written on, lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if (at_fixed_order(n, [&]<int N>() {
@@ -2020,7 +2095,12 @@ void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int
                 getrf_complex_fixed_rows<N>(a, lda, ipiv, info);
         }))
         return;
-    if (n < 16 && at_order_9_to_16(n, [&]<int N>() { getrf_complex_fixed_rows<N>(a, lda, ipiv, info); }))
+    if (at_order_9_to_16(n, [&]<int N>() {
+            if constexpr (N <= 12)
+                getrf_complex_fixed_rows<N>(a, lda, ipiv, info);
+            else
+                getrf_complex_columns(std::integral_constant<int64_t, N>{}, a, lda, ipiv, info);
+        }))
         return;
     getrf_complex_padded(n, a, lda, ipiv, info);
 }
