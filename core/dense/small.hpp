@@ -36,6 +36,7 @@ struct small_set {
 
 extern const small_set small_set_base;
 extern const small_set small_set_avx2;
+extern const small_set small_set_avx2_on_avx512; // the AVX2 kernels with 32 registers
 extern const small_set small_set_avx512;
 
 // The set for this processor.

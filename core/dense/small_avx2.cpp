@@ -1,20 +1,24 @@
 // Small-matrix kernels for AVX2 with FMA: the orders up to 8 held in registers, the larger ones
 // on zero-padded copies of whole vectors (the LU to 16 with its rows kept in place), in every
-// precision.
+// precision. small_avx2_on_avx512.cpp builds this file again, in a namespace and set of its own,
+// for processors with AVX-512's 32 vector registers.
 #include <immintrin.h>
 
 #include <cmath>
 #include <cstring>
 #include <utility>
 
+#ifndef ZEL_SMALL_ISA
 #define ZEL_SMALL_ISA avx2
-namespace zel::dense::avx2 {
+#define ZEL_SMALL_AVX2_SET small_set_avx2
+#endif
+namespace zel::dense::ZEL_SMALL_ISA {
 constexpr bool fixed_orders = true;
 }
 #include "small_impl.hpp"
 #include "small_registers.hpp"
 
-namespace zel::dense::avx2 {
+namespace zel::dense::ZEL_SMALL_ISA {
 namespace {
 
 // All-ones in the lanes whose row number lies in [first, last).
@@ -1113,7 +1117,7 @@ struct z2 {
                                                _mm256_cmp_pd(norm, _mm256_set1_pd(high), _CMP_LT_OQ));
         if (_mm256_movemask_pd(in_range) == 15) [[likely]]
             return quotient;
-        const zd s = zel::dense::avx2::reciprocal(zd(_mm256_cvtsd_f64(x), _mm256_cvtsd_f64(swap(x))));
+        const zd s = zel::dense::ZEL_SMALL_ISA::reciprocal(zd(_mm256_cvtsd_f64(x), _mm256_cvtsd_f64(swap(x))));
         return _mm256_setr_pd(s.real(), s.imag(), s.real(), s.imag());
     }
     static __m256i row_numbers(int r) { return _mm256_setr_epi64x(2 * r, 2 * r, 2 * r + 1, 2 * r + 1); }
@@ -2138,7 +2142,7 @@ constexpr small_kernels<double> double_table(int64_t getrf_limit, int64_t potrf_
 }
 
 } // namespace
-} // namespace zel::dense::avx2
+} // namespace zel::dense::ZEL_SMALL_ISA
 
 namespace zel::dense {
 
@@ -2150,7 +2154,8 @@ namespace zel::dense {
 //   c  getrf 64 (2.7x at 32, 2.25x at 64), potrf 64 (2.1x at 32, 1.75x at 64), inverse 32 (4x);
 //   the complex LU factors in blocks of columns above 32, the Cholesky above 16 (z) or 21 (c);
 //   above 64 OpenBLAS's blocked forms are as fast.
-const small_set small_set_avx2 = {avx2::float_table(64, 56, 64), avx2::double_table(64, 56, 64),
-                                  avx2::complex_float_table(64, 64, 32), avx2::complex_double_table(64, 64, 32)};
+const small_set ZEL_SMALL_AVX2_SET = {ZEL_SMALL_ISA::float_table(64, 56, 64), ZEL_SMALL_ISA::double_table(64, 56, 64),
+                                      ZEL_SMALL_ISA::complex_float_table(64, 64, 32),
+                                      ZEL_SMALL_ISA::complex_double_table(64, 64, 32)};
 
 } // namespace zel::dense
