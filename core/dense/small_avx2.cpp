@@ -1709,7 +1709,8 @@ template <class Order>
 }
 
 // Complex LU with partial pivoting for n <= complex_limit on a padded copy; n a
-// std::integral_constant for the complex double order whose steps fold their interchanges.
+// std::integral_constant for the complex double orders (13 to 16) whose steps fold their
+// interchanges.
 template <class R, class Order> void getrf_complex_columns(Order n, std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using T = std::complex<R>;
