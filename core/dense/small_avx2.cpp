@@ -1646,6 +1646,12 @@ template <bool WholeEntries, class R>
     update_rows_complex<false>(work, ld, k, first, vectors, k + 1, to, below_loader(cd, k));
 }
 
+// The complex double entry at x in both pairs of a vector.
+inline __m256d entry_in_every_pair(const std::complex<double> *x)
+{
+    return _mm256_broadcast_pd(reinterpret_cast<const __m128d *>(x));
+}
+
 // Rows k and p (the pivot's) of a column as a step finds them, each in every pair of a vector,
 // and p's entry as (re, re) and (-im, im) pairs for the update.
 struct step_rows {
@@ -1653,9 +1659,9 @@ struct step_rows {
 };
 inline step_rows rows_before_interchange(const std::complex<double> *column, int64_t k, int64_t p)
 {
-    const __m256d row_p = _mm256_broadcast_pd(reinterpret_cast<const __m128d *>(column + p));
+    const __m256d row_p = entry_in_every_pair(column + p);
     const auto [re, alt] = parts<double>(row_p);
-    return {_mm256_broadcast_pd(reinterpret_cast<const __m128d *>(column + k)), row_p, re, alt};
+    return {entry_in_every_pair(column + k), row_p, re, alt};
 }
 
 // Column k of a complex double LU on a padded copy, as lu_column, with the interchange of rows k
@@ -1914,7 +1920,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         }
         put_row(k, p);
         if constexpr (u_after_search)
-            best.u = reg(_mm256_broadcast_pd(reinterpret_cast<const __m128d *>(next + 2 * p)));
+            best.u = reg(entry_in_every_pair(reinterpret_cast<const std::complex<double> *>(next) + p));
         const auto [u_re, u_alt] = parts<R>(best.u);
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v)
