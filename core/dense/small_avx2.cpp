@@ -472,6 +472,10 @@ template <class T> struct wide {
     {
         if constexpr (is_double) return _mm256_fnmadd_pd(a, b, c); else return _mm256_fnmadd_ps(a, b, c);
     }
+    static reg fmadd(reg a, reg b, reg c)
+    {
+        if constexpr (is_double) return _mm256_fmadd_pd(a, b, c); else return _mm256_fmadd_ps(a, b, c);
+    }
     static reg max(reg a, reg b)
     {
         if constexpr (is_double) return _mm256_max_pd(a, b); else return _mm256_max_ps(a, b);
@@ -1460,7 +1464,6 @@ template <class R> struct wide_complex : wide<R> {
     {
         if constexpr (W::is_double) return _mm256_permute_pd(x, 0x5); else return _mm256_permute_ps(x, 0xB1);
     }
-    static reg fmadd(reg a, reg b, reg c) { return W::fnmadd(W::flip(a, W::splat(R(-0.0))), b, c); }
     // (-im, im) in each pair for a scalar im.
     static reg alternate(R im) { return W::flip(W::splat(im), W::keep(W::splat(R(-0.0)), W::from_bits(0x55))); } // broadcast, xor
     // x - l*u for u = (c, d), with l's swapped copy at hand.
@@ -1753,19 +1756,26 @@ inline void copy_two_entries(const std::complex<float> *first, const std::comple
 // 2^(max exponent - 2N): an LU of order N with |re|+|im| pivoting grows its entries by less than 4
 // a step, so no u can then overflow, and x - 0*u leaves the finished rows of a kernel that keeps
 // its rows in place as they are (0*inf would make them NaN, where LAPACK leaves them).
-template <int N> bool growth_stays_finite(const double *x, int64_t count)
+// The bound is a power of two: |x| is below it exactly when the high word of |x| is below the
+// bound's, and inf and NaN have larger high words, so one unsigned maximum a vector does.
+inline __m256i with_largest_bits(__m256i largest, __m256d x)
 {
-    // The bound is a power of two: |x| is below it exactly when the high word of |x| is below the
-    // bound's, and inf and NaN have larger high words, so one unsigned maximum a vector does.
+    return _mm256_max_epu32(largest, _mm256_and_si256(_mm256_castpd_si256(x), _mm256_set1_epi64x(INT64_MAX)));
+}
+template <int N> bool below_growth_bound(__m256i largest)
+{
     constexpr int32_t bound_high = (1023 + 1024 - 2 * N) << 20; // the biased exponent of 2^(1024 - 2N)
-    const __m256i abs_bits = _mm256_set1_epi64x(INT64_MAX);
-    __m256i largest = _mm256_setzero_si256();
-#pragma GCC unroll 4
-    for (int64_t i = 0; i < count; i += 4)
-        largest = _mm256_max_epu32(largest, _mm256_and_si256(_mm256_load_si256(reinterpret_cast<const __m256i *>(x + i)), abs_bits));
     // low words never compare greater than INT32_MAX (signed); high words are at most INT32_MAX
     const __m256i limit = _mm256_set1_epi64x(int64_t(bound_high - 1) << 32 | INT32_MAX);
     return _mm256_testz_si256(_mm256_cmpgt_epi32(largest, limit), _mm256_cmpgt_epi32(largest, limit));
+}
+template <int N> bool growth_stays_finite(const double *x, int64_t count)
+{
+    __m256i largest = _mm256_setzero_si256();
+#pragma GCC unroll 4
+    for (int64_t i = 0; i < count; i += 4)
+        largest = with_largest_bits(largest, _mm256_load_pd(x + i));
+    return below_growth_bound<N>(largest);
 }
 
 #ifdef __AVX512VL__ // built again for AVX-512 (small_avx2_on_avx512.cpp)
@@ -1774,24 +1784,30 @@ constexpr int vector_registers = 32;
 constexpr int vector_registers = 16;
 #endif
 
-// The open row of largest size, found as all_max<2> finds the size, carrying the row's
-// reciprocal and its entry of the next column along: the pivot's values are at hand once the
-// search ends, with no second pass over the column. A lane keeps its own row on a tie, so the
+// The open row of largest size, found as all_max<group> finds the size (group lanes a row),
+// carrying C values of the row along (its reciprocal, say): the pivot's values are at hand once
+// the search ends, with no second pass over the column. A lane keeps its own row on a tie, so the
 // carried values agree in every lane only when one row holds the largest (the caller checks).
-template <class R> struct largest_row {
+template <class R, int group, int C> struct largest_row {
     using W = wide<R>;
     using reg = typename W::reg;
-    reg size, inverse, u;
+    reg size;
+    reg with[C];
     void take(const largest_row &other)
     {
         const reg larger = reg(other.size > size);
         size = W::max(size, other.size);
-        inverse = W::blend(inverse, other.inverse, larger);
-        u = W::blend(u, other.u, larger);
+        for (int c = 0; c < C; ++c)
+            with[c] = W::blend(with[c], other.with[c], larger);
     }
     void take_across()
     {
-        W::template exchanges<2>([this](auto permute) { take({permute(size), permute(inverse), permute(u)}); });
+        W::template exchanges<group>([this](auto permute) {
+            largest_row other{permute(size), {}};
+            for (int c = 0; c < C; ++c)
+                other.with[c] = permute(with[c]);
+            take(other);
+        });
     }
 };
 
@@ -1800,9 +1816,10 @@ template <class R> struct largest_row {
 // interchanged order, its reciprocal conj(x)/|x|^2 formed for every row while the search runs
 // (the scaled scalar one where |x|^2 leaves the range), and each pivot's row goes out to its
 // place in a as soon as it is chosen.
-// Complex double from 7 to 12 only: from 13 the updates of rows that stay in place cost more than
-// the padded kernel's steps with their interchanges folded in (lu_column_folded: 483 ns against
-// 536 at 13, 663 against 821 at 16, in the batch benchmark; 411 against 415 at 12).
+// Complex double where the planar kernel does not pay (planar_lu_pays), and never from 13: there
+// the updates of rows that stay in place cost more than the padded kernel's steps with their
+// interchanges folded in (lu_column_folded: 483 ns against 536 at 13, 663 against 821 at 16, in
+// the batch benchmark).
 template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::complex<R> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     using W = wide<R>;
@@ -1825,10 +1842,6 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         c[v] = W::load(storage + L * v);
     }
     const reg odd_sign = W::drop(W::splat(R(-0.0)), W::from_bits(0x55));
-    // With 16 registers the next column's vectors, carried through the search, spill at four
-    // vectors a column (complex double 7 and 8), so there u is loaded once the pivot is known
-    // (z 8 170 -> 165 ns); with AVX-512's 32 registers carrying it measured faster (157 against 166).
-    constexpr bool u_after_search = W::is_double && V == 4 && vector_registers == 16;
     // A pivot's row is final once it is chosen (later steps leave it as it is), so it goes out as
     // row `position` of the factors then, while the steps run, not in a pass after them; two
     // positions a store (an even one waits for the next).
@@ -1865,14 +1878,15 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         }
         const R *next = storage + 2 * (k + 1) * ld;
         reg size[V], pick[V], l[V], ls[V];
-        largest_row<R> best;
+        constexpr int inverse_at = 0, u_at = 1; // what best carries
+        largest_row<R, 2, 2> best;
         uint64_t unordered = 0;
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v) {
             const reg m = W::abs(c[v]);
             size[v] = W::keep(m + Z::swap(m), open[v]);
             unordered |= W::bits(reg(size[v] != size[v]));
-            const largest_row<R> row{size[v], conj_over_norm(c[v]), u_after_search ? W::zero() : W::load(next + L * v)};
+            const largest_row<R, 2, 2> row{size[v], {conj_over_norm(c[v]), W::load(next + L * v)}};
             v == 0 ? void(best = row) : best.take(row);
         }
         best.take_across();
@@ -1892,7 +1906,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
 #pragma GCC unroll 8
             for (int v = 0; v < V; ++v)
                 pick[v] = Z::rows(p, p + 1, v);
-            best.u = picked<V, W, 2>(next, pick);
+            best.with[u_at] = picked<V, W, 2>(next, pick);
         }
         ipiv[k] = rows.interchange(k, p) + 1;
         const reg pivot = picked<V, W, 2>(c, pick);
@@ -1900,7 +1914,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         const R norm = x.real() * x.real() + x.imag() * x.imag();
         constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
         constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
-        reg inverse = best.inverse;
+        reg inverse = best.with[inverse_at];
         if (tie) [[unlikely]]
             inverse = conj_over_norm(pivot);
         if (!(norm > low && norm < high)) [[unlikely]] {
@@ -1919,9 +1933,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
             W::store(col + L * v, W::blend(c[v], l[v], open[v]));
         }
         put_row(k, p);
-        if constexpr (u_after_search)
-            best.u = reg(entry_in_every_pair(reinterpret_cast<const std::complex<double> *>(next) + p));
-        const auto [u_re, u_alt] = parts<R>(best.u);
+        const auto [u_re, u_alt] = parts<R>(best.with[u_at]);
 #pragma GCC unroll 8
         for (int v = 0; v < V; ++v)
             c[v] = Z::minus_product(W::load(next + L * v), l[v], ls[v], u_re, u_alt);
@@ -1933,6 +1945,184 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
                 W::store(target + L * v, Z::minus_product(W::load(target + L * v), l[v], ls[v], re, alt));
         }
     }
+}
+
+// Rows [4h, 4h + 4) of a complex double column, h < H, split into the real and the imaginary
+// parts of each four (lanes 0 2 1 3: what the unpacks give); rows from n on are zero.
+template <int N, int H> void split_column(const std::complex<double> *column, double (*to)[2][4], __m256i &largest)
+{
+    const double *x = reinterpret_cast<const double *>(column);
+#pragma GCC unroll 4
+    for (int h = 0; h < H; ++h) {
+        __m256d first, second;
+        if (4 * h + 4 <= N) {
+            first = _mm256_loadu_pd(x + 8 * h);
+            second = _mm256_loadu_pd(x + 8 * h + 4);
+        } else { // 2(N - 4h) parts are left
+            first = _mm256_maskload_pd(x + 8 * h, _mm256_castpd_si256(wide<double>::rows(0, 2 * (N - 4 * h))));
+            second = _mm256_maskload_pd(x + 8 * h + 4, _mm256_castpd_si256(wide<double>::rows(0, 2 * (N - 4 * h) - 4)));
+        }
+        largest = with_largest_bits(with_largest_bits(largest, first), second);
+        _mm256_store_pd(to[h][0], _mm256_unpacklo_pd(first, second));
+        _mm256_store_pd(to[h][1], _mm256_unpackhi_pd(first, second));
+    }
+}
+
+// x - l*u on the planar parts of four rows, for the complex scalar u given in every lane.
+inline void minus_product_planar(__m256d &x_re, __m256d &x_im, __m256d l_re, __m256d l_im, __m256d u_re, __m256d u_im)
+{
+    x_re = _mm256_fmadd_pd(l_im, u_im, _mm256_fnmadd_pd(l_re, u_re, x_re));
+    x_im = _mm256_fnmadd_pd(l_im, u_re, _mm256_fnmadd_pd(l_re, u_im, x_im));
+}
+
+// The pivot of a step of the planar LU: the first largest |re|+|im| among the open rows in the
+// interchanged order, its lane, that lane as a mask, and x/|x|^2 in every lane (the conjugate of
+// 1/x), formed for every row while the search runs; the scaled scalar 1/x where |x|^2 leaves the
+// range, 1 where x is zero (singular).
+template <int N> struct planar_pivot {
+    static constexpr int H = (N + 3) / 4;
+    using W = wide<double>;
+    using reg = W::reg;
+    int lane;
+    bool singular = false;
+    reg pick[H], scale_re, scale_im;
+
+    planar_pivot(const reg *re, const reg *im, const reg *open, row_order rows, int k)
+    {
+        reg size[H];
+        largest_row<double, 1, 2> best;
+        uint64_t unordered = 0, hits = 0;
+#pragma GCC unroll 4
+        for (int h = 0; h < H; ++h) {
+            size[h] = W::keep(W::abs(re[h]) + W::abs(im[h]), open[h]);
+            unordered |= W::bits(reg(size[h] != size[h]));
+            const reg inverse_norm = W::div(W::splat(1.0), W::fmadd(im[h], im[h], W::mul(re[h], re[h])));
+            const largest_row<double, 1, 2> row{size[h], {W::mul(re[h], inverse_norm), W::mul(im[h], inverse_norm)}};
+            h == 0 ? void(best = row) : best.take(row);
+        }
+        best.take_across();
+#pragma GCC unroll 4
+        for (int h = 0; h < H; ++h) {
+            pick[h] = W::keep(W::equal_mask(size[h], best.size), open[h]);
+            hits |= uint64_t(W::bits(pick[h])) << (4 * h);
+        }
+        lane = __builtin_ctzll(hits | uint64_t(1) << 63);
+        scale_re = best.with[0];
+        scale_im = best.with[1];
+        const bool tie = __builtin_popcountll(hits) != 1 || unordered;
+        const double largest = best.size[0];
+        constexpr double low = std::numeric_limits<double>::min() / std::numeric_limits<double>::epsilon();
+        constexpr double high = std::numeric_limits<double>::max() * std::numeric_limits<double>::epsilon();
+        // |x|^2 lies between size^2 / 2 and size^2
+        if (tie || !(largest * largest > 2 * low && largest * largest < high)) [[unlikely]]
+            settle(re, im, rows, k, tie ? hits : 0);
+    }
+    // A tie, NaN or a pivot out of the quotient's range: the first hit in the interchanged order
+    // (the row at position k if none), its reciprocal from the scalar.
+    void settle(const reg *re, const reg *im, row_order rows, int k, uint64_t ties)
+    {
+        if (ties || lane == 63) {
+            lane = rows.at(k);
+            for (int i = N - 1; i >= k; --i)
+                if (ties >> rows.at(i) & 1)
+                    lane = rows.at(i);
+#pragma GCC unroll 4
+            for (int h = 0; h < H; ++h)
+                pick[h] = W::rows(lane - 4 * h, lane - 4 * h + 1);
+        }
+        const std::complex<double> x(re[lane / 4][lane % 4], im[lane / 4][lane % 4]);
+        singular = x == 0.0;
+        const std::complex<double> s = singular ? 1.0 : reciprocal(x);
+        scale_re = W::splat(s.real());
+        scale_im = W::splat(-s.imag());
+    }
+};
+
+// Complex double LU with partial pivoting of order N, 6 < N <= 12, the rows kept in place on a
+// planar copy: each vector holds the real (or imaginary) parts of four rows. No part has to be
+// swapped within a vector, and the search covers half the vectors of the interleaved kernel
+// (getrf_complex_fixed_rows). The unpacks that split a column give the rows of a vector in the
+// lane order 0 2 1 3; the rows are named by their lanes throughout (row_order starts from that
+// order), which LAPACK's choice among equal rows never sees.
+// Where it pays, one call at a time lowered to AVX2 (AVX-512's second build), ns, interleaved ->
+// planar: 7 143 -> 122 (134 -> 127), 8 168 -> 161 (158 -> 163: not taken), 11 354 -> 335
+// (324 -> 302), 12 414 -> 387 (375 -> 359). At 9 and 10 the last vector holds one or two rows
+// and the planar kernel measured slower: 235 -> 262 and 273 -> 290.
+template <int N> constexpr bool planar_lu_pays = N <= 12 && (N % 4 == 0 || N % 4 == 3) && !(N == 8 && vector_registers == 32);
+
+template <int N> [[gnu::noinline]] void getrf_complex_planar(std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
+{
+    using W = wide<double>;
+    using reg = W::reg;
+    constexpr int H = (N + 3) / 4;
+    constexpr uint64_t lanes_of_rows = 0xFDECB9A875643120; // position i's lane at the start
+    alignas(32) double part[N][H][2][4];                   // column, vector, real or imaginary, lane
+    __m256i largest = _mm256_setzero_si256(); // of the parts' bits, for the growth bound
+    for (int j = 0; j < N; ++j)
+        split_column<N, H>(a + j * lda, part[j], largest);
+    if (!below_growth_bound<N>(largest)) [[unlikely]]
+        return getrf_complex_columns(N, a, lda, ipiv, info);
+    reg re[H], im[H], open[H];
+#pragma GCC unroll 4
+    for (int h = 0; h < H; ++h) {
+        open[h] = reg(_mm256_setr_pd(0, 2, 1, 3) + double(4 * h) < double(N));
+        re[h] = W::load(part[0][h][0]);
+        im[h] = W::load(part[0][h][1]);
+    }
+    row_order rows{lanes_of_rows, lanes_of_rows};
+    auto put_row = [&](int position, int lane) { // final once chosen: later steps leave it as it is
+#pragma GCC unroll 16
+        for (int j = 0; j < N; ++j)
+            _mm_storeu_pd(reinterpret_cast<double *>(a + position + j * lda),
+                          _mm_loadh_pd(_mm_load_sd(&part[j][lane / 4][0][lane % 4]), &part[j][lane / 4][1][lane % 4]));
+    };
+    *info = 0;
+    for (int k = 0; k < N - 1; ++k) {
+        const planar_pivot<N> pivot(re, im, open, rows, k);
+        const int p = pivot.lane;
+        ipiv[k] = rows.interchange(k, p) + 1;
+        if (pivot.singular && *info == 0)
+            *info = k + 1;
+        reg l_re[H], l_im[H]; // column k below the pivot times conj(x) / |x|^2's conjugate
+#pragma GCC unroll 4
+        for (int h = 0; h < H; ++h) {
+            open[h] = W::drop(open[h], pivot.pick[h]);
+            l_re[h] = W::keep(W::fmadd(im[h], pivot.scale_im, W::mul(re[h], pivot.scale_re)), open[h]);
+            l_im[h] = W::keep(W::fnmadd(re[h], pivot.scale_im, W::mul(im[h], pivot.scale_re)), open[h]);
+            W::store(part[k][h][0], W::blend(re[h], l_re[h], open[h]));
+            W::store(part[k][h][1], W::blend(im[h], l_im[h], open[h]));
+        }
+        put_row(k, p);
+        const auto row_entry = [&](int j, int in) { return W::splat(part[j][p / 4][in][p % 4]); };
+        const reg u_re = row_entry(k + 1, 0), u_im = row_entry(k + 1, 1);
+#pragma GCC unroll 4
+        for (int h = 0; h < H; ++h) { // the next step's column stays in registers
+            re[h] = W::load(part[k + 1][h][0]);
+            im[h] = W::load(part[k + 1][h][1]);
+            minus_product_planar(re[h], im[h], l_re[h], l_im[h], u_re, u_im);
+        }
+        for (int j = k + 2; j < N; ++j) {
+            const reg uj_re = row_entry(j, 0), uj_im = row_entry(j, 1);
+#pragma GCC unroll 4
+            for (int h = 0; h < H; ++h) {
+                reg x_re = W::load(part[j][h][0]), x_im = W::load(part[j][h][1]);
+                minus_product_planar(x_re, x_im, l_re[h], l_im[h], uj_re, uj_im);
+                W::store(part[j][h][0], x_re);
+                W::store(part[j][h][1], x_im);
+            }
+        }
+    }
+    // the one open row is the last pivot, with nothing below it to scale
+    const int p = rows.at(N - 1);
+    ipiv[N - 1] = N;
+#pragma GCC unroll 4
+    for (int h = 0; h < H; ++h) {
+        W::store(part[N - 1][h][0], re[h]);
+        W::store(part[N - 1][h][1], im[h]);
+    }
+    if (part[N - 1][p / 4][0][p % 4] == 0 && part[N - 1][p / 4][1][p % 4] == 0 && *info == 0)
+        *info = N;
+    put_row(N - 1, p);
 }
 
 // Column k of a complex Cholesky factor on a padded copy, columns (k, to) less its product: false,
@@ -2105,21 +2295,26 @@ constexpr small_kernels<std::complex<float>> complex_float_table(int64_t getrf_l
             getrf_limit, potrf_limit, inverse_limit};
 }
 
-// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 12 (170 ns
-// at 8 against 205 for four columns in registers, then the trailing four, in the batch
-// benchmark), the padded ones with their interchanges folded into the steps from 13 to 16, the
-// padded ones above (measured on the AMD EPYC this was written on, lowered to AVX2).
+// The register kernels up to 6, the rows kept in place on an aligned copy from 7 to 12, planar
+// where that pays (170 ns at 8 interleaved against 205 for four columns in registers, then the
+// trailing four, in the batch benchmark), the padded ones with their interchanges folded into
+// the steps from 13 to 16, the padded ones above (measured on the AMD EPYC this was written on,
+// lowered to AVX2).
 void getrf_z(int64_t n, std::complex<double> *a, int64_t lda, int64_t *ipiv, int64_t *info)
 {
     if (at_fixed_order(n, [&]<int N>() {
             if constexpr (N <= 6)
                 getrf_z_registers<N>(a, lda, ipiv, info);
-            else // 7 and 8 would not fit the registers
+            else if constexpr (planar_lu_pays<N>) // 7 and 8 would not fit the registers
+                getrf_complex_planar<N>(a, lda, ipiv, info);
+            else
                 getrf_complex_fixed_rows<N>(a, lda, ipiv, info);
         }))
         return;
     if (at_order_9_to_16(n, [&]<int N>() {
-            if constexpr (N <= 12)
+            if constexpr (planar_lu_pays<N>)
+                getrf_complex_planar<N>(a, lda, ipiv, info);
+            else if constexpr (N <= 12)
                 getrf_complex_fixed_rows<N>(a, lda, ipiv, info);
             else
                 getrf_complex_columns(std::integral_constant<int64_t, N>{}, a, lda, ipiv, info);
