@@ -172,6 +172,16 @@ struct row_order {
         if (count == 1)
             _mm_store_ss(p, part);
     }
+    // The row first in the order among positions [k, n) whose bit in hits is set (bit
+    // `width * row`), or the row at k if none is: the pivot LAPACK takes among equal rows.
+    int first_hit(uint64_t hits, int k, int n, int width = 1) const
+    {
+        int row = at(k);
+        for (int i = n - 1; i >= k; --i)
+            if (hits >> (width * at(i)) & 1)
+                row = at(i);
+        return row;
+    }
     // Row p becomes the pivot of step k; returns the position it came from.
     int interchange(int k, int p)
     {
@@ -200,10 +210,7 @@ int pivot_row(const __m256d *size, __m256d largest, const __m256d *open, const r
     }
     if ((hits & (hits - 1)) == 0 && hits != 0) [[likely]]
         return __builtin_ctz(hits);
-    int p = rows.at(k);
-    for (int i = N - 1; i >= k; --i)
-        if (hits >> rows.at(i) & 1)
-            p = rows.at(i);
+    const int p = rows.first_hit(hits, k, N);
 #pragma GCC unroll 2
     for (int r = 0; r < R; ++r)
         pick[r] = _mm256_castsi256_pd(_mm256_cmpeq_epi64(row_numbers(r), _mm256_set1_epi64x(p)));
@@ -715,10 +722,7 @@ template <int N, class T> [[gnu::noinline]] void getrf_fixed_rows(T *a, int64_t 
         }
         int p = __builtin_ctz(hits | 1u << 31);
         if ((hits & (hits - 1)) != 0 || hits == 0) [[unlikely]] { // a tie, or NaN: first in the interchanged order
-            p = rows.at(k);
-            for (int i = N - 1; i >= k; --i)
-                if (hits >> rows.at(i) & 1)
-                    p = rows.at(i);
+            p = rows.first_hit(hits, k, N);
 #pragma GCC unroll 4
             for (int r = 0; r < R; ++r)
                 pick[r] = W::from_bits((1u << p) >> (L * r));
@@ -1899,10 +1903,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         int p = __builtin_ctzll(hits | uint64_t(1) << 63) / 2;
         const bool tie = __builtin_popcountll(hits) != 2 || unordered;
         if (tie) [[unlikely]] { // a tie, or NaN: first in the interchanged order
-            p = rows.at(k);
-            for (int i = N - 1; i >= k; --i)
-                if (hits >> (2 * rows.at(i)) & 1)
-                    p = rows.at(i);
+            p = rows.first_hit(hits, k, N, 2);
 #pragma GCC unroll 8
             for (int v = 0; v < V; ++v)
                 pick[v] = Z::rows(p, p + 1, v);
@@ -2022,10 +2023,7 @@ template <int N> struct planar_pivot {
     void settle(const reg *re, const reg *im, row_order rows, int k, uint64_t ties)
     {
         if (ties || lane == 63) {
-            lane = rows.at(k);
-            for (int i = N - 1; i >= k; --i)
-                if (ties >> rows.at(i) & 1)
-                    lane = rows.at(i);
+            lane = rows.first_hit(ties, k, N);
 #pragma GCC unroll 4
             for (int h = 0; h < H; ++h)
                 pick[h] = W::rows(lane - 4 * h, lane - 4 * h + 1);
