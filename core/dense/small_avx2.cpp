@@ -1949,7 +1949,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
 }
 
 // Rows [4h, 4h + 4) of a complex double column, h < H, split into the real and the imaginary
-// parts of each four (lanes 0 2 1 3: what the unpacks give); rows from n on are zero.
+// parts of each four (lanes 0 2 1 3: what the unpacks give); rows from N on are zero.
 template <int N, int H> void split_column(const std::complex<double> *column, double (*to)[2][4], __m256i &largest)
 {
     const double *x = reinterpret_cast<const double *>(column);
