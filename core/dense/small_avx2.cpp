@@ -1976,6 +1976,40 @@ inline void minus_product_planar(__m256d &x_re, __m256d &x_im, __m256d l_re, __m
     x_im = _mm256_fnmadd_pd(l_im, u_re, _mm256_fnmadd_pd(l_re, u_im, x_im));
 }
 
+// The row in `lane` of the planar parts out to row[j * lda] as complex entries, j < N.
+template <int N, int H> void put_planar_row(const double (*part)[H][2][4], int lane, std::complex<double> *row, int64_t lda)
+{
+#pragma GCC unroll 16
+    for (int j = 0; j < N; ++j)
+        _mm_storeu_pd(reinterpret_cast<double *>(row + j * lda),
+                      _mm_loadh_pd(_mm_load_sd(&part[j][lane / 4][0][lane % 4]), &part[j][lane / 4][1][lane % 4]));
+}
+
+// Columns k + 1.. of the planar parts less l times the pivot row's entries (the row in lane p);
+// column k + 1, the next step's, into re and im rather than back to memory.
+template <int N, int H>
+void planar_update(double (*part)[H][2][4], int k, int p, const __m256d *l_re, const __m256d *l_im, __m256d *re, __m256d *im)
+{
+    const auto row_entry = [&](int j, int in) { return _mm256_broadcast_sd(&part[j][p / 4][in][p % 4]); };
+    const __m256d u_re = row_entry(k + 1, 0), u_im = row_entry(k + 1, 1);
+#pragma GCC unroll 4
+    for (int h = 0; h < H; ++h) {
+        re[h] = _mm256_load_pd(part[k + 1][h][0]);
+        im[h] = _mm256_load_pd(part[k + 1][h][1]);
+        minus_product_planar(re[h], im[h], l_re[h], l_im[h], u_re, u_im);
+    }
+    for (int j = k + 2; j < N; ++j) {
+        const __m256d uj_re = row_entry(j, 0), uj_im = row_entry(j, 1);
+#pragma GCC unroll 4
+        for (int h = 0; h < H; ++h) {
+            __m256d x_re = _mm256_load_pd(part[j][h][0]), x_im = _mm256_load_pd(part[j][h][1]);
+            minus_product_planar(x_re, x_im, l_re[h], l_im[h], uj_re, uj_im);
+            _mm256_store_pd(part[j][h][0], x_re);
+            _mm256_store_pd(part[j][h][1], x_im);
+        }
+    }
+}
+
 // The pivot of a step of the planar LU: the first largest |re|+|im| among the open rows in the
 // interchanged order, its lane, that lane as a mask, and x/|x|^2 in every lane (the conjugate of
 // 1/x), formed for every row while the search runs; the scaled scalar 1/x where |x|^2 leaves the
@@ -2068,12 +2102,6 @@ template <int N> [[gnu::noinline]] void getrf_complex_planar(std::complex<double
         im[h] = W::load(part[0][h][1]);
     }
     row_order rows{lanes_of_rows, lanes_of_rows};
-    auto put_row = [&](int position, int lane) { // final once chosen: later steps leave it as it is
-#pragma GCC unroll 16
-        for (int j = 0; j < N; ++j)
-            _mm_storeu_pd(reinterpret_cast<double *>(a + position + j * lda),
-                          _mm_loadh_pd(_mm_load_sd(&part[j][lane / 4][0][lane % 4]), &part[j][lane / 4][1][lane % 4]));
-    };
     *info = 0;
     for (int k = 0; k < N - 1; ++k) {
         const planar_pivot<N> pivot(re, im, open, rows, k);
@@ -2081,7 +2109,7 @@ template <int N> [[gnu::noinline]] void getrf_complex_planar(std::complex<double
         ipiv[k] = rows.interchange(k, p) + 1;
         if (pivot.singular && *info == 0)
             *info = k + 1;
-        reg l_re[H], l_im[H]; // column k below the pivot times conj(x) / |x|^2's conjugate
+        reg l_re[H], l_im[H]; // the open rows of column k times 1/x, the conjugate of the scale
 #pragma GCC unroll 4
         for (int h = 0; h < H; ++h) {
             open[h] = W::drop(open[h], pivot.pick[h]);
@@ -2090,25 +2118,8 @@ template <int N> [[gnu::noinline]] void getrf_complex_planar(std::complex<double
             W::store(part[k][h][0], W::blend(re[h], l_re[h], open[h]));
             W::store(part[k][h][1], W::blend(im[h], l_im[h], open[h]));
         }
-        put_row(k, p);
-        const auto row_entry = [&](int j, int in) { return W::splat(part[j][p / 4][in][p % 4]); };
-        const reg u_re = row_entry(k + 1, 0), u_im = row_entry(k + 1, 1);
-#pragma GCC unroll 4
-        for (int h = 0; h < H; ++h) { // the next step's column stays in registers
-            re[h] = W::load(part[k + 1][h][0]);
-            im[h] = W::load(part[k + 1][h][1]);
-            minus_product_planar(re[h], im[h], l_re[h], l_im[h], u_re, u_im);
-        }
-        for (int j = k + 2; j < N; ++j) {
-            const reg uj_re = row_entry(j, 0), uj_im = row_entry(j, 1);
-#pragma GCC unroll 4
-            for (int h = 0; h < H; ++h) {
-                reg x_re = W::load(part[j][h][0]), x_im = W::load(part[j][h][1]);
-                minus_product_planar(x_re, x_im, l_re[h], l_im[h], uj_re, uj_im);
-                W::store(part[j][h][0], x_re);
-                W::store(part[j][h][1], x_im);
-            }
-        }
+        put_planar_row<N, H>(part, p, a + k, lda); // final once chosen: later steps leave it as it is
+        planar_update<N, H>(part, k, p, l_re, l_im, re, im);
     }
     // the one open row is the last pivot, with nothing below it to scale
     const int p = rows.at(N - 1);
@@ -2120,7 +2131,7 @@ template <int N> [[gnu::noinline]] void getrf_complex_planar(std::complex<double
     }
     if (part[N - 1][p / 4][0][p % 4] == 0 && part[N - 1][p / 4][1][p % 4] == 0 && *info == 0)
         *info = N;
-    put_row(N - 1, p);
+    put_planar_row<N, H>(part, p, a + N - 1, lda);
 }
 
 // Column k of a complex Cholesky factor on a padded copy, columns (k, to) less its product: false,
