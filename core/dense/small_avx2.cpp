@@ -1119,8 +1119,7 @@ struct z2 {
     // common path, the scaled scalar reciprocal when the norm would overflow or underflow.
     static __m256d reciprocal(__m256d x, __m256d norm, __m256d quotient)
     {
-        constexpr double low = std::numeric_limits<double>::min() / std::numeric_limits<double>::epsilon();
-        constexpr double high = std::numeric_limits<double>::max() * std::numeric_limits<double>::epsilon();
+        constexpr double low = quotient_range<double>::low, high = quotient_range<double>::high;
         const __m256d in_range = _mm256_and_pd(_mm256_cmp_pd(norm, _mm256_set1_pd(low), _CMP_GT_OQ),
                                                _mm256_cmp_pd(norm, _mm256_set1_pd(high), _CMP_LT_OQ));
         if (_mm256_movemask_pd(in_range) == 15) [[likely]]
@@ -1913,8 +1912,7 @@ template <int N, class R> [[gnu::noinline]] void getrf_complex_fixed_rows(std::c
         const reg pivot = picked<V, W, 2>(c, pick);
         const std::complex<R> x(pivot[0], pivot[1]);
         const R norm = x.real() * x.real() + x.imag() * x.imag();
-        constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
-        constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
+        constexpr R low = quotient_range<R>::low, high = quotient_range<R>::high;
         reg inverse = best.with[inverse_at];
         if (tie) [[unlikely]]
             inverse = conj_over_norm(pivot);
@@ -2046,8 +2044,7 @@ template <int N> struct planar_pivot {
         scale_im = best.with[1];
         const bool tie = __builtin_popcountll(hits) != 1 || unordered;
         const double largest = best.size[0];
-        constexpr double low = std::numeric_limits<double>::min() / std::numeric_limits<double>::epsilon();
-        constexpr double high = std::numeric_limits<double>::max() * std::numeric_limits<double>::epsilon();
+        constexpr double low = quotient_range<double>::low, high = quotient_range<double>::high;
         // |x|^2 lies between size^2 / 2 and size^2
         if (tie || !(largest * largest > 2 * low && largest * largest < high)) [[unlikely]]
             settle(re, im, rows, k, tie ? hits : 0);

@@ -44,6 +44,12 @@ template <class T> inline auto real_part(T a)
     else
         return a;
 }
+// The range of |x|^2 in which conj(x) / |x|^2 is a complex x's reciprocal to working accuracy;
+// outside it the reciprocal is scaled by the larger part first.
+template <class R> struct quotient_range {
+    static constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
+    static constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
+};
 // 1/a; for complex scaled by the larger part so that neither overflow nor a library call
 // (which would spill every vector register) gets in the way.
 template <class T> inline T reciprocal(T a)
@@ -51,8 +57,7 @@ template <class T> inline T reciprocal(T a)
     if constexpr (is_complex_v<T>) {
         using R = typename T::value_type;
         const R norm = a.real() * a.real() + a.imag() * a.imag();
-        constexpr R low = std::numeric_limits<R>::min() / std::numeric_limits<R>::epsilon();
-        constexpr R high = std::numeric_limits<R>::max() * std::numeric_limits<R>::epsilon();
+        constexpr R low = quotient_range<R>::low, high = quotient_range<R>::high;
         if (norm > low && norm < high) [[likely]] { // one division on the common path
             const R q = R(1) / norm;
             return T(a.real() * q, -a.imag() * q);

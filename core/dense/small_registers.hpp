@@ -188,8 +188,7 @@ template <int N, class V> void getrf_complex_registers(std::complex<typename V::
         const unsigned below = lanes_from<N>(k + 1);
         const std::complex<S> pivot = V::element(col[k], k);
         const S norm = pivot.real() * pivot.real() + pivot.imag() * pivot.imag();
-        constexpr S low = std::numeric_limits<S>::min() / std::numeric_limits<S>::epsilon();
-        constexpr S high = std::numeric_limits<S>::max() * std::numeric_limits<S>::epsilon();
+        constexpr S low = quotient_range<S>::low, high = quotient_range<S>::high;
         if (norm > low && norm < high) [[likely]] {
             const reg inverse = V::permute(swap, quotient);
             col[k] = V::mask_scale_by(col[k], below, V::re(inverse, k), V::im(inverse, k));
